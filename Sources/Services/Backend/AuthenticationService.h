@@ -1,0 +1,26 @@
+#pragma once
+
+#include "AuthenticationRecord.h"
+#include "AuthenticationResponse.h"
+#include "TaskScope.h"
+
+namespace Korvi {
+
+class APIClient;
+
+// The sign-in calls of the service. Stateless. Failures are APIError and URLError.
+class AuthenticationService {
+public:
+    explicit AuthenticationService(APIClient& client);
+
+    Task<AuthenticationRecord> getAuthenticationRecord();
+    Task<void> requestEmailAuthentication(QString email);
+    Task<AuthenticationResponse> validateEmailCode(
+        QString email, QString code, std::optional<QString> campaign = std::nullopt);
+    Task<bool> logout();
+
+private:
+    APIClient& m_client;
+};
+
+}
