@@ -1,0 +1,18 @@
+import QtQuick
+
+Rectangle {
+    property real size: Theme.px(56)
+
+    Accessible.ignored: true
+    color: Theme.acc
+    implicitHeight: size
+    implicitWidth: size
+    radius: size * 2 / 7
+
+    Symbol {
+        anchors.centerIn: parent
+        color: Theme.onacc
+        name: "sparkles"
+        size: parent.size / 2
+    }
+}
