@@ -1,4 +1,5 @@
 import QtQuick
+import Korvi.Views
 
 // The reasoning behind an answer, folded until it is asked for.
 Column {

@@ -1,4 +1,5 @@
 import QtQuick
+import Korvi.Views
 
 Rectangle {
     property real size: Theme.px(56)

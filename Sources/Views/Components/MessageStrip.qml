@@ -1,4 +1,5 @@
 import QtQuick
+import Korvi.Views
 
 // One line or a few about something that went wrong or takes long, with an action and a way to dismiss it.
 Rectangle {

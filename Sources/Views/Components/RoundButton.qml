@@ -1,4 +1,5 @@
 import QtQuick
+import Korvi.Views
 
 // Send, stop, scroll to the end.
 BaseButton {

@@ -1,4 +1,5 @@
 import QtQuick
+import Korvi.Views
 
 BaseButton {
     id: row
