@@ -86,7 +86,7 @@ FocusScope {
             renderType: Text.NativeRendering
             selectByMouse: true
             selectedTextColor: Theme.t1
-            selectionColor: Theme.halo
+            selectionColor: Theme.selection
             text: composer.text
             textFormat: TextEdit.PlainText
             width: scroller.width - Theme.gap3
@@ -113,6 +113,7 @@ FocusScope {
             text: "Спросите что угодно"
             visible: edit.length === 0 && edit.preeditText.length === 0
             width: edit.width
+            x: Theme.hairline
         }
     }
     Label {

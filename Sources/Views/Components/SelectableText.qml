@@ -16,7 +16,7 @@ TextEdit {
     renderType: Text.NativeRendering
     selectByMouse: true
     selectedTextColor: color
-    selectionColor: Theme.halo
+    selectionColor: Theme.selection
     textFormat: TextEdit.PlainText
     wrapMode: TextEdit.Wrap
 
