@@ -11,7 +11,7 @@ FocusScope {
     property real maximumHeight: Infinity
 
     readonly property int inset: Theme.gap4
-    readonly property real lineHeight: metrics.height
+    readonly property real lineHeight: Theme.leading(edit.font.pixelSize)
     readonly property real barHeight: Theme.roundButton
 
     signal edited(text: string)
@@ -32,6 +32,10 @@ FocusScope {
         id: metrics
 
         font: edit.font
+    }
+    LineSpacing {
+        distance: Math.max(0, composer.lineHeight - metrics.height)
+        document: edit.textDocument
     }
     SoftShadow {
         around: Theme.radiusComposer
@@ -109,7 +113,7 @@ FocusScope {
         Label {
             color: Theme.t3
             elide: Text.ElideRight
-            height: composer.lineHeight
+            height: metrics.height
             text: "Спросите что угодно"
             visible: edit.length === 0 && edit.preeditText.length === 0
             width: edit.width

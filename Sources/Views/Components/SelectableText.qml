@@ -5,6 +5,7 @@ TextEdit {
     id: edit
 
     property alias content: growing.text
+    readonly property real lineDistance: Math.max(0, Theme.leading(font.pixelSize) - metrics.height)
 
     Accessible.name: content
     Accessible.role: Accessible.StaticText
@@ -29,6 +30,9 @@ TextEdit {
         id: growing
 
         document: edit.textDocument
-        lineDistance: Math.max(0, Theme.leading(edit.font.pixelSize) - metrics.height)
+    }
+    LineSpacing {
+        distance: edit.lineDistance
+        document: edit.textDocument
     }
 }

@@ -37,7 +37,7 @@ QtObject {
     readonly property color selection: dark ? "#594a9cf0" : "#401a6dc8" // behind selected text
     readonly property color halo:    dark ? "#404a9cf0" : "#211a6dc8" // around what has the focus
     readonly property color scrim:   dark ? "#99000000" : "#52000000" // behind a drawer
-    readonly property color shadow:  dark ? "#0a000000" : "#03000000" // one layer of a soft shadow
+    readonly property color shadow:  dark ? "#0a000000" : "#02000000" // one layer of a soft shadow
 
     // The 8-pixel grid, 4 for the insides of controls.
     readonly property int gap1: 4
