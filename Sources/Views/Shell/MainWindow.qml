@@ -11,6 +11,7 @@ Window {
     property string scheme: "system"
     property real textSize: 13
     property bool reducedMotion: false
+    property string notice // what is wrong with the place where settings are kept; empty when all is well
 
     color: Theme.bg
     height: 800
