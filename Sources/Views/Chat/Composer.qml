@@ -11,7 +11,7 @@ FocusScope {
     property real maximumHeight: Infinity
 
     readonly property int inset: Theme.gap4
-    readonly property real lineHeight: metrics.height
+    readonly property real lineHeight: Theme.leading(edit.font.pixelSize)
     readonly property real barHeight: Theme.roundButton
 
     signal edited(text: string)
@@ -32,6 +32,10 @@ FocusScope {
         id: metrics
 
         font: edit.font
+    }
+    LineSpacing {
+        distance: Math.max(0, composer.lineHeight - metrics.height)
+        document: edit.textDocument
     }
     SoftShadow {
         around: Theme.radiusComposer
@@ -86,7 +90,7 @@ FocusScope {
             renderType: Text.NativeRendering
             selectByMouse: true
             selectedTextColor: Theme.t1
-            selectionColor: Theme.halo
+            selectionColor: Theme.selection
             text: composer.text
             textFormat: TextEdit.PlainText
             width: scroller.width - Theme.gap3
@@ -109,10 +113,11 @@ FocusScope {
         Label {
             color: Theme.t3
             elide: Text.ElideRight
-            height: composer.lineHeight
+            height: metrics.height
             text: "Спросите что угодно"
             visible: edit.length === 0 && edit.preeditText.length === 0
             width: edit.width
+            x: Theme.hairline
         }
     }
     Label {

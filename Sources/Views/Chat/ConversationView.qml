@@ -65,6 +65,16 @@ FocusScope {
         messages: view.chat.messages
         visible: !view.fresh
     }
+    Rectangle {
+        anchors.bottom: list.bottom
+        gradient: Gradient {
+            GradientStop { color: Qt.alpha(Theme.bg, 0); position: 0 }
+            GradientStop { color: Theme.bg; position: 1 }
+        }
+        height: Theme.gap4
+        visible: list.visible
+        width: parent.width - Theme.gap4 // not over the scroll bar
+    }
     ConversationPlaceholder {
         anchors.centerIn: list
         isConnected: view.chat.isConnected

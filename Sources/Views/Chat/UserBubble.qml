@@ -33,7 +33,7 @@ Item {
             content: message.text
             width: Math.min(Math.ceil(implicitWidth), message.widest)
             x: Theme.gap4 - 2
-            y: Theme.gap2
+            y: Theme.gap2 + Math.round(lineDistance / 2)
         }
     }
 }

@@ -19,8 +19,8 @@ T.AbstractButton {
     implicitHeight: implicitContentHeight + topPadding + bottomPadding
     implicitWidth: implicitContentWidth + leftPadding + rightPadding
 
-    Keys.onEnterPressed: click()
-    Keys.onReturnPressed: click()
+    Keys.onEnterPressed: clicked()
+    Keys.onReturnPressed: clicked()
 
     FocusRing {
         around: control.radius

@@ -14,6 +14,6 @@ Rectangle {
         anchors.centerIn: parent
         color: Theme.onacc
         name: "sparkles"
-        size: parent.size / 2
+        size: Math.round(parent.size * 0.29) * 2
     }
 }

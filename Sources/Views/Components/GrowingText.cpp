@@ -1,6 +1,5 @@
 #include "GrowingText.h"
 
-#include <QTextBlockFormat>
 #include <QTextCursor>
 #include <QTextDocument>
 
@@ -34,32 +33,10 @@ void GrowingText::setText(const QString& text)
     emit textChanged();
 }
 
-void GrowingText::setLineDistance(qreal distance)
-{
-    if (distance == m_lineDistance)
-        return;
-    m_lineDistance = distance;
-    applyLineDistance();
-    emit lineDistanceChanged();
-}
-
 void GrowingText::replaceAll()
 {
-    if (!m_document)
-        return;
-    m_document->textDocument()->setPlainText(m_text);
-    applyLineDistance();
-}
-
-void GrowingText::applyLineDistance()
-{
-    if (!m_document)
-        return;
-    QTextBlockFormat format;
-    format.setLineHeight(m_lineDistance, QTextBlockFormat::LineDistanceHeight);
-    QTextCursor cursor(m_document->textDocument());
-    cursor.select(QTextCursor::Document);
-    cursor.mergeBlockFormat(format);
+    if (m_document)
+        m_document->textDocument()->setPlainText(m_text);
 }
 
 }

@@ -14,8 +14,6 @@ class GrowingText : public QObject {
     QML_ELEMENT
     Q_PROPERTY(QQuickTextDocument* document READ document WRITE setDocument NOTIFY documentChanged)
     Q_PROPERTY(QString text READ text WRITE setText NOTIFY textChanged)
-    // Space between lines, in pixels, on top of what the font asks for.
-    Q_PROPERTY(qreal lineDistance READ lineDistance WRITE setLineDistance NOTIFY lineDistanceChanged)
 
 public:
     using QObject::QObject;
@@ -24,21 +22,16 @@ public:
     void setDocument(QQuickTextDocument* document);
     QString text() const { return m_text; }
     void setText(const QString& text);
-    qreal lineDistance() const { return m_lineDistance; }
-    void setLineDistance(qreal distance);
 
 signals:
     void documentChanged();
     void textChanged();
-    void lineDistanceChanged();
 
 private:
     void replaceAll();
-    void applyLineDistance();
 
     QPointer<QQuickTextDocument> m_document;
     QString m_text;
-    qreal m_lineDistance = 0;
 };
 
 }

@@ -17,7 +17,7 @@ T.TextField {
     rightPadding: Theme.gap3
     selectByMouse: true
     selectedTextColor: Theme.t1
-    selectionColor: Theme.halo
+    selectionColor: Theme.selection
     verticalAlignment: TextInput.AlignVCenter
 
     background: Rectangle {
@@ -39,6 +39,6 @@ T.TextField {
         text: field.placeholderText
         visible: field.length === 0 && field.preeditText.length === 0
         width: field.width - field.leftPadding - field.rightPadding
-        x: field.leftPadding
+        x: field.leftPadding + Theme.hairline
     }
 }

@@ -6,6 +6,7 @@ TextEdit {
     id: edit
 
     property alias content: growing.text
+    readonly property real lineDistance: Math.max(0, Theme.leading(font.pixelSize) - metrics.height)
 
     Accessible.name: content
     Accessible.role: Accessible.StaticText
@@ -17,7 +18,7 @@ TextEdit {
     renderType: Text.NativeRendering
     selectByMouse: true
     selectedTextColor: color
-    selectionColor: Theme.halo
+    selectionColor: Theme.selection
     textFormat: TextEdit.PlainText
     wrapMode: TextEdit.Wrap
 
@@ -30,6 +31,9 @@ TextEdit {
         id: growing
 
         document: edit.textDocument
-        lineDistance: Math.max(0, Theme.leading(edit.font.pixelSize) - metrics.height)
+    }
+    LineSpacing {
+        distance: edit.lineDistance
+        document: edit.textDocument
     }
 }

@@ -10,7 +10,7 @@ Item {
     anchors.fill: parent
 
     Repeater {
-        model: 6
+        model: 8
 
         Rectangle {
             required property int index
@@ -22,7 +22,7 @@ Item {
             radius: shadow.around + spread
             width: shadow.width + spread * 2
             x: -spread
-            y: -spread + Theme.gap1
+            y: -spread + Theme.gap2
         }
     }
 }

@@ -34,9 +34,10 @@ QtObject {
     readonly property color accHover: dark ? "#62aaf3" : "#155fb0" // accent under the pointer
     readonly property color sideSel: dark ? "#2a2a28" : "#eeeeea" // selected row on the sidebar
     readonly property color hover:   dark ? "#0dffffff" : "#0a000000" // laid over what is under the pointer
-    readonly property color halo:    dark ? "#404a9cf0" : "#331a6dc8" // around what has the focus
+    readonly property color selection: dark ? "#594a9cf0" : "#401a6dc8" // behind selected text
+    readonly property color halo:    dark ? "#404a9cf0" : "#211a6dc8" // around what has the focus
     readonly property color scrim:   dark ? "#99000000" : "#52000000" // behind a drawer
-    readonly property color shadow:  dark ? "#1c000000" : "#06000000" // one layer of a soft shadow
+    readonly property color shadow:  dark ? "#0a000000" : "#02000000" // one layer of a soft shadow
 
     // The 8-pixel grid, 4 for the insides of controls.
     readonly property int gap1: 4
@@ -75,6 +76,7 @@ QtObject {
     readonly property int fontHeading2: px(15)
     readonly property int fontHeading1: px(17)
     readonly property int fontTitle: px(22)
+    readonly property int fontCodeBox: px(24)
     readonly property int fontDisplay: px(26)
 
     // Milliseconds.

@@ -19,7 +19,7 @@ Rectangle {
     Label {
         anchors.centerIn: parent
         color: box.dimmed ? Theme.t3 : Theme.t1
-        font.pixelSize: Theme.fontTitle
+        font.pixelSize: Theme.fontCodeBox
         font.weight: Font.DemiBold
         text: box.character
     }

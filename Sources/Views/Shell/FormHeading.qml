@@ -7,7 +7,7 @@ Column {
     required property string title
     required property string text
 
-    bottomPadding: Theme.gap6
+    bottomPadding: Theme.gap4
 
     BrandMark {
         anchors.horizontalCenter: parent.horizontalCenter

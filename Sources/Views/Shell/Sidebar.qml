@@ -35,7 +35,7 @@ FocusScope {
 
         BrandMark {
             anchors.verticalCenter: parent.verticalCenter
-            size: Theme.px(20)
+            size: Theme.px(24)
         }
         Label {
             anchors.verticalCenter: parent.verticalCenter

@@ -26,6 +26,8 @@ BaseButton {
             visible: row.symbol.length > 0
         }
         Label {
+            id: label
+
             anchors.left: icon.visible ? icon.right : parent.left
             anchors.leftMargin: icon.visible ? Theme.gap2 : 0
             anchors.right: detailLabel.left
@@ -37,8 +39,8 @@ BaseButton {
         Label {
             id: detailLabel
 
+            anchors.baseline: label.baseline
             anchors.right: parent.right
-            anchors.verticalCenter: parent.verticalCenter
             color: Theme.t3
             font.pixelSize: Theme.fontSmall
             text: row.detail
