@@ -22,11 +22,12 @@ AuthTokenStore::AuthTokenStore(Keychain& keychain, Defaults& defaults, Defaults*
     , m_group(group) {}
 
 Task<Secret> AuthTokenStore::read() {
+    // A copy by name: QCoro 0.8 moves out of any lvalue that is co_returned.
     if (m_known)
-        co_return *m_known;
+        co_return Secret(*m_known);
     Secret token = co_await m_keychain.read(service, account);
     if (m_known) // written while the keychain was being asked
-        co_return *m_known;
+        co_return Secret(*m_known);
     if (!token.isEmpty()) {
         m_known = token;
         co_return token;
