@@ -72,6 +72,9 @@ Task<bool> AuthTokenStore::wipe(Secret refused) {
 
 Task<void> AuthTokenStore::saveToKeychain(Secret token) {
     co_await m_keychain.remove(service, account);
+    // Signed out or signed in anew meanwhile: that write is behind this one in the keychain's queue.
+    if (!m_known || m_known->reveal() != token.reveal())
+        co_return;
     const Keychain::Outcome outcome = co_await m_keychain.write(service, account, token);
     if (!outcome.ok)
         qCWarning(lcPlatform).noquote() << "⚠️ [APIClient] Keychain save failed:" << outcome.status
