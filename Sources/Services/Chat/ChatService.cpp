@@ -49,7 +49,7 @@ void ChatService::connect() {
 
 Task<void> ChatService::openSocket(quint64 attempt) {
     QString ticket;
-    QString failure;
+    std::optional<QString> failure;
     try {
         const Ticket answer = co_await m_dependencies.client.request<Ticket>(u"/sockets/ticket"_s);
         ticket = answer.ticket;
@@ -61,8 +61,8 @@ Task<void> ChatService::openSocket(quint64 attempt) {
         qCInfo(lcChatService) << "🔌 [ChatService] Stale connect (id" << attempt << "now" << m_connectionId << ")";
         co_return;
     }
-    if (!failure.isEmpty()) {
-        qCWarning(lcChatService).noquote() << "❌ [ChatService] Failed to get ticket:" << failure;
+    if (failure) {
+        qCWarning(lcChatService).noquote() << "❌ [ChatService] Failed to get ticket:" << *failure;
         m_isConnecting = false;
         scheduleReconnect();
         co_return;
