@@ -137,13 +137,16 @@ void ChatService::socketOpened() {
     m_reconnectTimer.cancel();
     m_reconnectAttempt = 0;
     startHeartbeat();
+    // Before anyone hears of it: what a listener sends now comes after what was queued.
+    for (const QString& frame : std::exchange(m_pendingMessages, {}))
+        sendRaw(frame);
+    const quint64 attempt = m_connectionId;
     for (Resolver<void>& waiter : std::exchange(m_openWaiters, {}))
         waiter.resolve();
-    report(u"Connected"_s);
-    emitEvent(SocketEvent::Connected{});
-    // Through send(): a listener may have closed the socket again.
-    for (const QString& frame : std::exchange(m_pendingMessages, {}))
-        send(frame);
+    if (attempt == m_connectionId)
+        report(u"Connected"_s);
+    if (attempt == m_connectionId)
+        emitEvent(SocketEvent::Connected{});
 }
 
 void ChatService::socketLost(const std::optional<URLError>& error) {
