@@ -102,9 +102,9 @@ void ChatService::watch(WebSocketConnection& socket, quint64 attempt) {
         };
     };
     QObject::connect(&socket, &WebSocketConnection::opened, this, current([this] { socketOpened(); }));
-    QObject::connect(&socket, &WebSocketConnection::messageReceived, this, current([this](const QString& text) {
+    QObject::connect(&socket, &WebSocketConnection::messageReceived, this, current([this, attempt](const QString& text) {
         for (const SocketEvent& event : SocketFrame::parse(text.toUtf8())) {
-            if (onEvent)
+            if (onEvent && attempt == m_connectionId)
                 onEvent(event);
         }
     }));
@@ -122,12 +122,13 @@ void ChatService::watch(WebSocketConnection& socket, quint64 attempt) {
         qCWarning(lcChatService).noquote() << "❌ [ChatService] WS Error:" << error.description;
         socketLost(error);
     }));
-    QObject::connect(&socket, &WebSocketConnection::refused, this, current([this](int status) {
+    QObject::connect(&socket, &WebSocketConnection::refused, this, current([this, attempt](int status) {
         qCWarning(lcChatService) << "❌ [ChatService] HTTP Error:" << status;
         m_isConnected = false;
         m_isConnecting = false;
         report(u"Reconnecting..."_s);
-        scheduleReconnect();
+        if (attempt == m_connectionId)
+            scheduleReconnect();
     }));
 }
 
@@ -152,9 +153,13 @@ void ChatService::socketOpened() {
 void ChatService::socketLost(const std::optional<URLError>& error) {
     m_isConnected = false;
     m_isConnecting = false;
+    const quint64 attempt = m_connectionId;
     report(u"Reconnecting..."_s);
-    emitEvent(SocketEvent::Disconnected{error});
-    scheduleReconnect();
+    if (attempt == m_connectionId)
+        emitEvent(SocketEvent::Disconnected{error});
+    // A listener that disconnected or connected anew has decided already.
+    if (attempt == m_connectionId)
+        scheduleReconnect();
 }
 
 void ChatService::pingFailed(const QString& reason) {
@@ -258,8 +263,8 @@ void ChatService::requeue(const QString& frame, const QString& reason) {
     m_pendingMessages.prepend(frame);
     m_isConnected = false;
     // In a later turn: the socket that reports this is still at it.
-    m_dependencies.scheduler.post([self = QPointer(this)] {
-        if (self)
+    m_dependencies.scheduler.post([self = QPointer(this), attempt = m_connectionId] {
+        if (self && attempt == self->m_connectionId)
             self->connect();
     });
 }
