@@ -29,6 +29,9 @@ ChatService::ChatService(Dependencies dependencies)
 
 ChatService::~ChatService() {
     dropSocket(1000);
+    // Those who wait are tasks of other owners: they unwind now, while there is something to unwind from.
+    for (Resolver<void>& waiter : std::exchange(m_openWaiters, {}))
+        waiter.fail(TaskCancelled());
 }
 
 void ChatService::connect() {
