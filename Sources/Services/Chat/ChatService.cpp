@@ -156,6 +156,7 @@ void ChatService::socketOpened() {
 void ChatService::socketLost(const std::optional<URLError>& error) {
     m_isConnected = false;
     m_isConnecting = false;
+    m_heartbeatTimer.cancel();
     const quint64 attempt = m_connectionId;
     report(u"Reconnecting..."_s);
     if (attempt == m_connectionId)
