@@ -1,10 +1,16 @@
 #include "SecretServiceKeychain.h"
 
+#include <QTimer>
 #include <qt6keychain/keychain.h>
+
+#include <chrono>
 
 namespace Korvi {
 
 namespace {
+
+// A store that is locked may ask the user for a password, and nobody may be there to give it.
+constexpr auto patience = std::chrono::seconds(5);
 
 template <class Job>
 Job* makeJob(const QString& service, const QString& account) {
@@ -21,6 +27,9 @@ Async<Keychain::Outcome> run(QKeychain::Job* job) {
             .status = QStringLiteral("%1 %2").arg(finished->error()).arg(finished->errorString()),
         });
     });
+    QTimer::singleShot(patience, job, [resolver]() mutable {
+        resolver.resolve(Keychain::Outcome{.ok = false, .status = QStringLiteral("no answer")});
+    });
     job->start();
     return resolver.async();
 }
@@ -33,6 +42,7 @@ Async<Secret> SecretServiceKeychain::read(const QString& service, const QString&
     QObject::connect(job, &QKeychain::Job::finished, job, [resolver, job](QKeychain::Job*) mutable {
         resolver.resolve(job->error() == QKeychain::NoError ? Secret(job->textData().toUtf8()) : Secret());
     });
+    QTimer::singleShot(patience, job, [resolver]() mutable { resolver.resolve(Secret()); });
     job->start();
     return resolver.async();
 }

@@ -22,7 +22,7 @@ AuthTokenStore::AuthTokenStore(Keychain& keychain, Defaults& defaults, Defaults*
     , m_group(group) {}
 
 Task<Secret> AuthTokenStore::read() {
-    // A copy by name: QCoro 0.8 moves out of any lvalue that is co_returned.
+    // As values: QCoro moves out of an lvalue that is returned.
     if (m_known)
         co_return Secret(*m_known);
     Secret token = co_await m_keychain.read(service, account);
@@ -43,42 +43,55 @@ Task<Secret> AuthTokenStore::read() {
     }
     m_known = token;
     if (!token.isEmpty())
-        co_await saveToKeychain(token);
+        saveLater(token);
     co_return token;
 }
 
-Task<void> AuthTokenStore::write(Secret token) {
+Task<void> AuthTokenStore::write(Secret token)
+{
     m_known = token;
     if (token.isEmpty()) {
         m_defaults.remove(currentKey);
         if (m_group)
             m_group->remove(sharedKey);
-        co_await m_keychain.remove(service, account);
-        co_return;
+    } else {
+        m_defaults.setData(currentKey, token.reveal());
+        if (m_group)
+            m_group->setData(sharedKey, token.reveal());
     }
-    // The defaults first: they do not suspend, so the token survives whatever happens to this task.
-    m_defaults.setData(currentKey, token.reveal());
-    if (m_group)
-        m_group->setData(sharedKey, token.reveal());
-    co_await saveToKeychain(token);
+    saveLater(std::move(token));
+    co_return;
 }
 
-Task<bool> AuthTokenStore::wipe(Secret refused) {
+Task<bool> AuthTokenStore::wipe(Secret refused)
+{
     if (m_known && m_known->reveal() != refused.reveal())
         co_return false;
     co_await write(Secret());
     co_return true;
 }
 
-Task<void> AuthTokenStore::saveToKeychain(Secret token) {
-    co_await m_keychain.remove(service, account);
-    // Signed out or signed in anew meanwhile: that write is behind this one in the keychain's queue.
-    if (!m_known || m_known->reveal() != token.reveal())
-        co_return;
-    const Keychain::Outcome outcome = co_await m_keychain.write(service, account, token);
-    if (!outcome.ok)
-        qCWarning(lcPlatform).noquote() << "⚠️ [APIClient] Keychain save failed:" << outcome.status
-                                        << "— token stored in UserDefaults only";
+void AuthTokenStore::saveLater(Secret token)
+{
+    m_toSave = std::move(token);
+    // One writer at a time, so that an older token never overtakes a newer one.
+    if (!std::exchange(m_isSaving, true))
+        m_scope.start([this] { return save(); });
+}
+
+Task<void> AuthTokenStore::save()
+{
+    while (m_toSave) {
+        const Secret token = *std::exchange(m_toSave, std::nullopt);
+        co_await m_keychain.remove(service, account);
+        if (token.isEmpty())
+            continue;
+        const Keychain::Outcome outcome = co_await m_keychain.write(service, account, token);
+        if (!outcome.ok)
+            qCWarning(lcPlatform).noquote() << "⚠️ [APIClient] Keychain save failed:" << outcome.status
+                                            << "— token stored in UserDefaults only";
+    }
+    m_isSaving = false;
 }
 
 }

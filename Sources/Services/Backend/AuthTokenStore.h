@@ -7,7 +7,8 @@ namespace Korvi {
 
 // Where the session token lives: the keychain, with a copy in the defaults for the day on which the keychain
 // refuses, and one in the defaults of the application group. An empty Secret means that there is no token.
-// The token is read from the stores once and kept in memory from then on.
+// The token is read from the stores once and kept in memory from then on. The keychain is written behind: a user
+// whose keychain asks for a password need not wait for it.
 class AuthTokenStore {
 public:
     static constexpr auto keychainService = u"com.korvihub.app.auth";
@@ -26,12 +27,16 @@ public:
     Task<bool> wipe(Secret refused);
 
 private:
-    Task<void> saveToKeychain(Secret token);
+    void saveLater(Secret token);
+    Task<void> save();
 
     Keychain& m_keychain;
     Defaults& m_defaults;
     Defaults* m_group;
     std::optional<Secret> m_known;
+    std::optional<Secret> m_toSave; // what the keychain is to hold next
+    bool m_isSaving = false;
+    TaskScope m_scope; // last: its tasks end before anything they use
 };
 
 }

@@ -1,0 +1,36 @@
+#include "Chat/Frames.h"
+
+#include "Core/Json.h"
+
+namespace korvi::service::frames {
+
+using nlohmann::json;
+
+namespace {
+
+std::string frame(const char* event, json data) {
+    return dumpJson({{"event", event}, {"data", std::move(data)}});
+}
+
+}
+
+std::string create(const json& chat) {
+    return frame("create", chat);
+}
+
+std::string piece(const Piece& piece) {
+    return frame(piece.kind == PieceKind::text ? "chunk" : "thinking", {{"content", piece.body}});
+}
+
+std::string end() {
+    return frame("end", json::object());
+}
+
+std::string error(long long chatId, const std::string& message) {
+    json data{{"message", message}};
+    if (chatId != 0)
+        data["chatId"] = chatId;
+    return frame("error", std::move(data));
+}
+
+}

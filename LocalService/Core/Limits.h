@@ -1,0 +1,43 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+
+namespace korvi::service::limits {
+
+using namespace std::chrono_literals;
+
+constexpr std::size_t body = 1024 * 1024;
+/// What the HTTP parser takes in before it drops the connection without an answer: room to refuse politely, and for
+/// uploads of 10 MB.
+constexpr std::size_t parsedBody = 12 * 1024 * 1024;
+constexpr std::size_t frame = 1024 * 1024;
+constexpr std::size_t messageText = 256 * 1024;
+constexpr std::size_t messageParts = 32;
+constexpr std::size_t answer = 4 * 1024 * 1024;
+constexpr std::size_t chatName = 200;
+constexpr std::size_t titleLength = 48;
+
+constexpr std::size_t httpConnections = 256;
+constexpr std::size_t socketsPerUser = 8;
+constexpr std::size_t answersPerUser = 4;
+constexpr std::size_t answersInAll = 32;
+/// Undelivered frames of refusal: a peer that causes more without reading them is disconnected.
+constexpr std::size_t noticesPerSession = 64;
+
+constexpr auto codeLife = 10min;
+constexpr int codeTries = 5;
+constexpr std::size_t codesPerEmail = 5;
+constexpr std::size_t codesInAll = 60;
+constexpr auto codeWindow = 10min;
+constexpr auto ticketLife = 60s;
+constexpr std::size_t ticketsPerSession = 16;
+
+/// How long an ended answer waits for its session to come back.
+constexpr auto replayLife = 120s;
+/// New pieces of all answers are committed together, at most this often.
+constexpr auto storeInterval = 20ms;
+/// A peer that neither sends nor answers pings for this long is gone.
+constexpr auto socketIdle = 90s;
+
+}

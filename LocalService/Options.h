@@ -1,0 +1,43 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace korvi::service {
+
+enum class ProviderKind { demo, openai };
+
+/// What the command line and the environment say.
+struct Options {
+    bool help = false;
+    bool version = false;
+    std::string host = "127.0.0.1";
+    /// 0: a free port.
+    std::uint16_t port = 0;
+    std::filesystem::path data;
+    ProviderKind provider = ProviderKind::demo;
+    std::chrono::milliseconds demoDelay{15};
+    std::string openaiUrl = "http://127.0.0.1:11434/v1";
+    /// Never on the command line, where every user of the machine could read it.
+    std::string openaiKey;
+    std::string model;
+    std::map<std::string, std::string> modelForMode;
+    bool allowPlainHttp = false;
+};
+
+/// A command line that cannot be obeyed; `what()` is for the user.
+class OptionsError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+Options parseOptions(const std::vector<std::string>& arguments);
+std::string helpText();
+
+}

@@ -1,0 +1,62 @@
+#include "Service.h"
+
+#include "Core/Log.h"
+#include "Providers/DemoProvider.h"
+
+#include <boost/asio/signal_set.hpp>
+#include <csignal>
+
+namespace korvi::service {
+
+namespace {
+
+std::unique_ptr<Provider> providerFor(asio::io_context& io, const Options& options) {
+    return std::make_unique<DemoProvider>(io, options.demoDelay);
+}
+
+void printCode(const std::string& email, const std::string& code) {
+    consoleLine("Код входа для " + email + ": " + code);
+}
+
+}
+
+Service::Service(const Options& options)
+    : host_(options.host)
+    , folder_(options.data)
+    , database_(folder_.database())
+    , accounts_(database_)
+    , chats_(database_)
+    , signIn_(accounts_, printCode)
+    , provider_(providerFor(io_, options))
+    , engine_(io_, chats_, *provider_)
+    , api_(signIn_, accounts_, chats_, engine_)
+    , http_(io_, api_, engine_, options.host, options.port) {
+    engine_.recover();
+}
+
+std::string Service::address() const {
+    const bool isV6 = host_.find(':') != std::string::npos;
+    return "http://" + (isV6 ? "[" + host_ + "]" : host_) + ":" + std::to_string(http_.port()) + Api::basePath;
+}
+
+void Service::run() {
+    // A full disk or a closed pipe is an error to report, not a reason to die.
+    std::signal(SIGXFSZ, SIG_IGN);
+    std::signal(SIGPIPE, SIG_IGN);
+    asio::signal_set signals(io_, SIGTERM, SIGINT);
+    signals.async_wait([this](const boost::system::error_code& error, int) {
+        if (!error)
+            stop();
+    });
+    io_.run();
+}
+
+void Service::stop() {
+    http_.stop();
+    engine_.shutdown();
+    // Time for the goodbyes; whoever does not answer them is left.
+    auto grace = std::make_shared<asio::steady_timer>(io_, std::chrono::milliseconds(300));
+    grace->async_wait([this, grace](const boost::system::error_code&) { io_.stop(); });
+}
+
+}

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "Auth/SignIn.h"
+#include "Chat/AnswerEngine.h"
+#include "Core/Asio.h"
+#include "DataFolder.h"
+#include "Http/Api.h"
+#include "Http/HttpServer.h"
+#include "Options.h"
+#include "Store/AccountStore.h"
+#include "Store/ChatStore.h"
+#include "Store/Database.h"
+
+#include <memory>
+#include <string>
+
+namespace korvi::service {
+
+/// The service put together: every long-lived part is created here and handed on.
+class Service {
+public:
+    /// Throws std::runtime_error with a message for the user if it cannot start.
+    explicit Service(const Options& options);
+
+    std::string address() const;
+    const std::filesystem::path& data() const { return folder_.path(); }
+    /// Until SIGTERM or SIGINT.
+    void run();
+
+private:
+    void stop();
+
+    asio::io_context io_{1};
+    std::string host_;
+    DataFolder folder_;
+    Database database_;
+    AccountStore accounts_;
+    ChatStore chats_;
+    SignIn signIn_;
+    std::unique_ptr<Provider> provider_;
+    AnswerEngine engine_;
+    Api api_;
+    HttpServer http_;
+};
+
+}

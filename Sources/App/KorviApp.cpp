@@ -1,0 +1,73 @@
+#include "KorviApp.h"
+
+#include <QCoreApplication>
+#include <QStandardPaths>
+
+namespace Korvi {
+
+using namespace Qt::Literals;
+
+namespace {
+
+// Beside the program, unless the environment names another one: several programs of one build can so talk to
+// several services.
+QString infoPath() {
+    const QString named = qEnvironmentVariable("KORVI_INFO");
+    return named.isEmpty() ? QCoreApplication::applicationDirPath() + u"/Info.json"_s : named;
+}
+
+QString dataPath(const QString& file) {
+    return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u'/' + file;
+}
+
+}
+
+KorviApp::KorviApp(QObject* parent)
+    : QObject(parent)
+    , m_info(Info::fromFile(infoPath()))
+    , m_defaults(dataPath(u"korvi/defaults.sqlite"_s))
+    , m_groupDefaults(dataPath(u"group.com.korvihub.app/defaults.sqlite"_s))
+    , m_tokens(m_keychain, m_defaults, &m_groupDefaults)
+    , m_client({m_http, m_tokens, m_defaults, m_notifications, m_scheduler}, m_info)
+    , m_authentication(m_client)
+    , m_users(m_client)
+    , m_chatService({m_client, m_sockets, m_scheduler, m_random})
+    , m_auth({m_client, m_authentication, m_users, m_scheduler, [this] { m_chatService.disconnect(); }})
+    , m_chat({m_chatService, m_scheduler, m_clock, m_random, m_notifications}) {
+    connect(&m_auth, &AuthViewModel::isAuthenticatedChanged, this, &KorviApp::userChanged);
+    connect(&m_appearance, &DesktopAppearance::changed, this, &KorviApp::applyAppearance);
+}
+
+bool KorviApp::start() {
+    m_engine.setInitialProperties({
+        {u"auth"_s, QVariant::fromValue(&m_auth)},
+        {u"chat"_s, QVariant::fromValue(&m_chat)},
+        {u"notice"_s, m_defaults.problem()},
+    });
+    // An import by name, unlike an address of a file, also registers the module's C++ types.
+    m_engine.loadData("import Korvi.Views\nMainWindow {}");
+    if (m_engine.rootObjects().isEmpty())
+        return false;
+    applyAppearance();
+    m_auth.start();
+    return true;
+}
+
+void KorviApp::userChanged() {
+    if (m_auth.isAuthenticated()) {
+        m_scope.start([this] { return m_chat.loadData(); });
+        return;
+    }
+    m_scope.cancel();
+    m_chatService.disconnect();
+    m_chat.reset();
+}
+
+void KorviApp::applyAppearance() {
+    for (QObject* window : m_engine.rootObjects()) {
+        window->setProperty("scheme", m_appearance.scheme());
+        window->setProperty("reducedMotion", m_appearance.reducedMotion());
+    }
+}
+
+}

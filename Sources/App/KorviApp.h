@@ -1,0 +1,58 @@
+#pragma once
+
+#include "Backend/APIClient.h"
+#include "Backend/AuthenticationService.h"
+#include "Backend/UsersService.h"
+#include "Chat/ChatService.h"
+#include "Chat/ChatViewModel.h"
+#include "DesktopAppearance.h"
+#include "Linux/QtHttpTransport.h"
+#include "Linux/QtScheduler.h"
+#include "Linux/QtWebSocketTransport.h"
+#include "Linux/SecretServiceKeychain.h"
+#include "Linux/SystemClock.h"
+#include "NotificationCenter.h"
+#include "Shell/AuthViewModel.h"
+
+#include <QQmlApplicationEngine>
+
+namespace Korvi {
+
+// The composition root: makes the one instance of each long-lived object and hands them on through constructors.
+// The order of the members is the order of their making; what is below may use what is above.
+class KorviApp : public QObject {
+    Q_OBJECT
+
+public:
+    explicit KorviApp(QObject* parent = nullptr);
+
+    // Shows the window and starts the first check of the stored token. False when the window cannot be made.
+    bool start();
+
+private:
+    void userChanged();
+    void applyAppearance();
+
+    Info m_info;
+    SystemClock m_clock;
+    SystemRandom m_random;
+    QtScheduler m_scheduler;
+    Defaults m_defaults;
+    Defaults m_groupDefaults;
+    SecretServiceKeychain m_keychain;
+    QtHttpTransport m_http;
+    QtWebSocketTransport m_sockets;
+    NotificationCenter m_notifications;
+    AuthTokenStore m_tokens;
+    APIClient m_client;
+    AuthenticationService m_authentication;
+    UsersService m_users;
+    ChatService m_chatService;
+    AuthViewModel m_auth;
+    ChatViewModel m_chat;
+    DesktopAppearance m_appearance;
+    QQmlApplicationEngine m_engine;
+    TaskScope m_scope; // last: its tasks end before anything they use
+};
+
+}

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "Chat.h"
+
+#include <QAbstractListModel>
+#include <QtQml/qqmlregistration.h>
+
+namespace Korvi {
+
+// The sidebar list, always sorted: favourites first, then the most recently used.
+class ChatListModel : public QAbstractListModel {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("owned by ChatViewModel")
+    Q_PROPERTY(int count READ count NOTIFY countChanged)
+
+public:
+    enum Role {
+        ChatIdRole = Qt::UserRole + 1, // "chatId", integer
+        NameRole,                      // "name", string
+        IsFavoriteRole,                // "isFavorite", bool
+        UpdatedAtRole,                 // "updatedAt", string as the service gave it
+    };
+    Q_ENUM(Role)
+
+    using QAbstractListModel::QAbstractListModel;
+
+    int count() const { return static_cast<int>(m_chats.size()); }
+    int rowCount(const QModelIndex& parent = {}) const override;
+    QVariant data(const QModelIndex& index, int role) const override;
+    QHash<int, QByteArray> roleNames() const override;
+
+    const std::vector<Chat>& chats() const { return m_chats; }
+    const Chat* find(qint64 id) const; // null when there is none
+    void setChats(std::vector<Chat> chats);
+    // A chat that is already there is replaced, not doubled.
+    void upsert(Chat chat);
+
+signals:
+    void countChanged();
+
+private:
+    std::vector<Chat> m_chats;
+};
+
+}

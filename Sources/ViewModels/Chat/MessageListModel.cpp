@@ -1,0 +1,93 @@
+#include "Chat/MessageListModel.h"
+
+namespace Korvi {
+
+namespace {
+
+template <class Block>
+QString joined(const ChatMessage& message) {
+    QStringList parts;
+    for (const MessageContent& block : message.content.value_or(std::vector<MessageContent>())) {
+        if (const auto* part = block.as<Block>(); part && !part->text.isEmpty())
+            parts.append(part->text);
+    }
+    return parts.join(u'\n');
+}
+
+}
+
+int MessageListModel::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : count();
+}
+
+QVariant MessageListModel::data(const QModelIndex& index, int role) const {
+    if (!index.isValid() || index.row() >= count())
+        return {};
+    const ChatMessage& message = m_messages[static_cast<std::size_t>(index.row())];
+    switch (role) {
+    case MessageIdRole: return message.id;
+    case IsUserRole: return message.role == ChatMessage::Role::user;
+    case TextRole: return joined<MessageContent::Text>(message);
+    case ThinkingRole: return joined<MessageContent::Thinking>(message);
+    case IsStreamingRole: return m_streaming && index.row() == count() - 1;
+    default: return {};
+    }
+}
+
+QHash<int, QByteArray> MessageListModel::roleNames() const {
+    return {
+        {MessageIdRole, "messageId"},
+        {IsUserRole, "isUser"},
+        {TextRole, "text"},
+        {ThinkingRole, "thinking"},
+        {IsStreamingRole, "isStreaming"},
+    };
+}
+
+void MessageListModel::setMessages(std::vector<ChatMessage> messages) {
+    const int common = std::min(count(), static_cast<int>(messages.size()));
+    for (int row = 0; row < common; ++row)
+        replace(row, messages[static_cast<std::size_t>(row)]);
+    if (count() > common) {
+        beginRemoveRows({}, common, count() - 1);
+        m_messages.resize(static_cast<std::size_t>(common));
+        endRemoveRows();
+        emit countChanged();
+    }
+    messages.erase(messages.begin(), messages.begin() + common);
+    append(std::move(messages));
+}
+
+void MessageListModel::append(std::vector<ChatMessage> messages) {
+    if (messages.empty())
+        return;
+    beginInsertRows({}, count(), count() + static_cast<int>(messages.size()) - 1);
+    std::move(messages.begin(), messages.end(), std::back_inserter(m_messages));
+    endInsertRows();
+    emit countChanged();
+}
+
+void MessageListModel::replace(int row, ChatMessage message) {
+    ChatMessage& old = m_messages[static_cast<std::size_t>(row)];
+    if (old == message)
+        return;
+    old = std::move(message);
+    emit dataChanged(index(row), index(row));
+}
+
+void MessageListModel::remove(int row) {
+    beginRemoveRows({}, row, row);
+    m_messages.erase(m_messages.begin() + row);
+    endRemoveRows();
+    emit countChanged();
+}
+
+void MessageListModel::setStreaming(bool streaming) {
+    if (m_streaming == streaming)
+        return;
+    m_streaming = streaming;
+    if (count() > 0)
+        emit dataChanged(index(count() - 1), index(count() - 1), {IsStreamingRole});
+}
+
+}

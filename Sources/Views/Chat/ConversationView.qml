@@ -1,0 +1,150 @@
+import QtQuick
+import Korvi.ViewModels
+
+// The open conversation: what was said, what goes wrong, and the composer at its foot. A new chat has the composer in
+// the middle under a greeting.
+FocusScope {
+    id: view
+
+    required property ChatViewModel chat
+    required property bool sidebarFolded
+
+    readonly property real margin: sidebarFolded ? Theme.gap4 : Theme.gap6
+    readonly property real columnWidth: Math.min(Theme.px(Theme.readingWidth), width - margin * 2)
+    readonly property bool fresh: chat.activeChatId < 0 && chat.messages.count === 0
+    property real shownChatId: -1
+
+    signal sidebarRequested
+
+    function focusComposer(): void {
+        composer.forceActiveFocus()
+    }
+
+    function send(): void {
+        chat.sendMessage()
+        list.showLastTurn()
+    }
+
+    function retry(): void {
+        chat.retryLastMessage()
+        list.showLastTurn()
+    }
+
+    Keys.onPressed: event => {
+        if (list.scrollByKey(event.key))
+            event.accepted = true
+    }
+
+    Connections {
+        function onActiveChatChanged() {
+            // A new chat that gets its number while its first answer comes is the same conversation.
+            const sameOne = view.shownChatId < 0 && view.chat.isGenerating && list.turnIsHeld
+            if (view.shownChatId !== view.chat.activeChatId && !sameOne)
+                list.showEnd()
+            view.shownChatId = view.chat.activeChatId
+        }
+
+        function onInputFocusRequested() {
+            view.focusComposer()
+        }
+
+        target: view.chat
+    }
+    Rectangle {
+        anchors.fill: parent
+        color: Theme.bg
+    }
+    MessageList {
+        id: list
+
+        anchors.bottom: notices.top
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.top: header.bottom
+        columnWidth: view.columnWidth
+        messages: view.chat.messages
+        visible: !view.fresh
+    }
+    ConversationPlaceholder {
+        anchors.centerIn: list
+        isConnected: view.chat.isConnected
+        visible: !view.fresh && list.count === 0
+        width: view.columnWidth
+    }
+    ConversationHeader {
+        id: header
+
+        lined: list.visible && !list.atYBeginning
+        sidebarFolded: view.sidebarFolded
+        status: view.chat.connectionStatus
+        title: view.chat.activeChatName.length > 0 ? view.chat.activeChatName : "Новый чат"
+        width: parent.width
+
+        onReconnect: view.chat.reconnect()
+        onSidebarRequested: view.sidebarRequested()
+    }
+    RoundButton {
+        anchors.bottom: notices.top
+        anchors.bottomMargin: Theme.gap2
+        anchors.horizontalCenter: parent.horizontalCenter
+        enabled: opacity > 0
+        objectName: "scrollToEndButton"
+        opacity: list.visible && list.farFromEnd ? 1 : 0
+        symbol: "arrow.down"
+        text: "К последнему сообщению"
+        visible: opacity > 0
+
+        Behavior on opacity { NumberAnimation { duration: Theme.quick } }
+
+        onClicked: list.showEnd()
+    }
+    NoticeArea {
+        id: notices
+
+        anchors.bottom: composer.top
+        anchors.horizontalCenter: parent.horizontalCenter
+        error: view.chat.generationError
+        hint: view.chat.generationHint
+        width: view.columnWidth
+
+        onDismissed: view.chat.dismissError()
+        onRetry: view.retry()
+    }
+    Label {
+        Accessible.role: Accessible.Heading
+        anchors.bottom: notices.top
+        anchors.bottomMargin: Theme.gap2
+        font.pixelSize: Theme.fontDisplay
+        font.weight: Font.DemiBold
+        horizontalAlignment: Text.AlignHCenter
+        opacity: 1 - composer.lowered
+        text: "Чем могу помочь?"
+        visible: opacity > 0
+        width: view.columnWidth
+        wrapMode: Text.Wrap
+        x: (view.width - width) / 2
+    }
+    Composer {
+        id: composer
+
+        // 0 in the middle of an empty chat, 1 at the foot.
+        property real lowered: view.fresh ? 0 : 1
+        readonly property real middle: Math.round((view.height + header.height - height) / 2)
+        readonly property real foot: view.height - height - (view.sidebarFolded ? Theme.gap4 : Theme.gap5)
+
+        anchors.horizontalCenter: parent.horizontalCenter
+        canSend: view.chat.canSend
+        focus: true
+        generating: view.chat.isGenerating
+        maximumHeight: Math.max(Theme.px(120), view.height / 2)
+        text: view.chat.currentInput
+        width: view.columnWidth
+        y: Math.round(middle + (foot - middle) * lowered)
+
+        Behavior on lowered { NumberAnimation { duration: Theme.calm; easing.type: Easing.OutCubic } }
+
+        onEdited: text => view.chat.currentInput = text
+        onSend: view.send()
+        onStop: view.chat.stopGeneration()
+    }
+}

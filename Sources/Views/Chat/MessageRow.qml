@@ -1,0 +1,45 @@
+import QtQuick
+
+// One message in the reading column: a bubble for the user's, plain text for an answer.
+Item {
+    id: row
+
+    required property real messageId
+    required property bool isUser
+    required property string text
+    required property string thinking
+    required property bool isStreaming
+    required property real columnWidth
+    required property bool thinkingOpen
+
+    signal thinkingToggled
+
+    implicitHeight: content.height
+
+    Loader {
+        id: content
+
+        anchors.horizontalCenter: parent.horizontalCenter
+        sourceComponent: row.isUser ? bubble : answer
+        width: row.columnWidth
+    }
+    Component {
+        id: bubble
+
+        UserBubble {
+            text: row.text
+        }
+    }
+    Component {
+        id: answer
+
+        AnswerView {
+            isStreaming: row.isStreaming
+            text: row.text
+            thinking: row.thinking
+            thinkingOpen: row.thinkingOpen
+
+            onThinkingToggled: row.thinkingToggled()
+        }
+    }
+}

@@ -1,0 +1,80 @@
+import QtQuick
+import Korvi.Views
+
+// The reasoning behind an answer, folded until it is asked for.
+Column {
+    id: block
+
+    required property string text
+    required property bool open
+    required property bool isThinking
+
+    signal toggled
+
+    spacing: Theme.gap2
+
+    BaseButton {
+        id: pill
+
+        Accessible.checkable: true
+        Accessible.checked: block.open
+        horizontalPadding: Theme.gap2 + 2
+        implicitHeight: Theme.px(30)
+        objectName: "thinkingPill"
+        radius: height / 2
+        text: block.isThinking ? "Размышляю…" : "Размышление"
+
+        background: Rectangle {
+            border.color: Theme.line2
+            color: pill.down || pill.hovered ? Theme.hover : "transparent"
+            radius: pill.radius
+        }
+        contentItem: Row {
+            spacing: Theme.gap2
+
+            Symbol {
+                anchors.verticalCenter: parent.verticalCenter
+                color: Theme.t2
+                name: "chevron.right"
+                rotation: block.open ? 90 : 0
+                size: Theme.px(14)
+
+                Behavior on rotation { NumberAnimation { duration: Theme.quick } }
+            }
+            Label {
+                anchors.verticalCenter: parent.verticalCenter
+                color: Theme.t2
+                font.pixelSize: Theme.fontLabel
+                rightPadding: Theme.gap1
+                text: pill.text
+            }
+        }
+
+        onClicked: block.toggled()
+    }
+    Loader {
+        active: block.open
+        visible: active
+        width: parent.width
+
+        sourceComponent: Item {
+            implicitHeight: reasoning.height
+
+            Rectangle {
+                color: Theme.line2
+                height: parent.height
+                radius: width / 2
+                width: 2
+                x: Theme.gap2
+            }
+            SelectableText {
+                id: reasoning
+
+                color: Theme.t2
+                content: block.text
+                width: parent.width - x
+                x: Theme.gap5
+            }
+        }
+    }
+}

@@ -1,0 +1,39 @@
+import QtQuick
+
+Item {
+    id: message
+
+    required property string text
+
+    readonly property real widest: Math.round(width * 0.8) - Theme.gap4 * 2 + Theme.gap1
+
+    implicitHeight: bubble.height
+
+    Rectangle {
+        id: bubble
+
+        anchors.right: parent.right
+        color: Theme.sunk
+        height: body.height + Theme.gap2 * 2
+        radius: Theme.radiusBubble
+        width: body.width + (Theme.gap4 - 2) * 2
+
+        // The corner that points at the speaker.
+        Rectangle {
+            anchors.bottom: parent.bottom
+            anchors.right: parent.right
+            color: bubble.color
+            height: bubble.radius
+            radius: Theme.gap1
+            width: bubble.radius
+        }
+        SelectableText {
+            id: body
+
+            content: message.text
+            width: Math.min(Math.ceil(implicitWidth), message.widest)
+            x: Theme.gap4 - 2
+            y: Theme.gap2
+        }
+    }
+}

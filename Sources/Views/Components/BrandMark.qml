@@ -1,0 +1,19 @@
+import QtQuick
+import Korvi.Views
+
+Rectangle {
+    property real size: Theme.px(56)
+
+    Accessible.ignored: true
+    color: Theme.acc
+    implicitHeight: size
+    implicitWidth: size
+    radius: size * 2 / 7
+
+    Symbol {
+        anchors.centerIn: parent
+        color: Theme.onacc
+        name: "sparkles"
+        size: parent.size / 2
+    }
+}

@@ -1,0 +1,20 @@
+import QtQuick
+import QtQuick.Templates as T
+
+T.ScrollBar {
+    id: bar
+
+    implicitHeight: Theme.gap2
+    implicitWidth: Theme.gap3
+    minimumSize: 0.06
+    padding: Theme.gap1 / 2
+    visible: policy !== T.ScrollBar.AlwaysOff && size < 1
+
+    contentItem: Rectangle {
+        color: bar.pressed || bar.hovered ? Theme.t3 : Theme.line2
+        opacity: bar.active || bar.hovered ? 1 : 0.6
+        radius: width / 2
+
+        Behavior on opacity { NumberAnimation { duration: Theme.calm } }
+    }
+}

@@ -1,0 +1,109 @@
+#include "Symbol.h"
+
+#include <QFile>
+#include <QLoggingCategory>
+#include <QPainter>
+#include <QSvgRenderer>
+
+#include <algorithm>
+
+namespace Korvi {
+
+namespace {
+
+struct Entry {
+    QLatin1StringView symbol;
+    QLatin1StringView file;
+};
+
+constexpr Entry symbols[] = {
+    {QLatin1StringView("arrow.clockwise"), QLatin1StringView("rotate-cw")},
+    {QLatin1StringView("arrow.down"), QLatin1StringView("arrow-down")},
+    {QLatin1StringView("arrow.up"), QLatin1StringView("arrow-up")},
+    {QLatin1StringView("bubble.plus"), QLatin1StringView("message-circle-plus")},
+    {QLatin1StringView("checkmark"), QLatin1StringView("check")},
+    {QLatin1StringView("chevron.down"), QLatin1StringView("chevron-down")},
+    {QLatin1StringView("chevron.right"), QLatin1StringView("chevron-right")},
+    {QLatin1StringView("doc.on.doc"), QLatin1StringView("copy")},
+    {QLatin1StringView("ellipsis"), QLatin1StringView("ellipsis")},
+    {QLatin1StringView("exclamationmark.triangle"), QLatin1StringView("triangle-alert")},
+    {QLatin1StringView("folder"), QLatin1StringView("folder")},
+    {QLatin1StringView("gear"), QLatin1StringView("settings")},
+    {QLatin1StringView("globe"), QLatin1StringView("globe")},
+    {QLatin1StringView("mic"), QLatin1StringView("mic")},
+    {QLatin1StringView("photo"), QLatin1StringView("image")},
+    {QLatin1StringView("plus"), QLatin1StringView("plus")},
+    {QLatin1StringView("rectangle.portrait.and.arrow.right"), QLatin1StringView("log-out")},
+    {QLatin1StringView("sidebar"), QLatin1StringView("panel-left")},
+    {QLatin1StringView("sidebar.right"), QLatin1StringView("panel-right")},
+    {QLatin1StringView("slider"), QLatin1StringView("sliders-horizontal")},
+    {QLatin1StringView("sparkles"), QLatin1StringView("sparkles")},
+    {QLatin1StringView("stop"), QLatin1StringView("square")},
+    {QLatin1StringView("terminal"), QLatin1StringView("terminal")},
+    {QLatin1StringView("wifi.slash"), QLatin1StringView("wifi-off")},
+    {QLatin1StringView("xmark"), QLatin1StringView("x")},
+};
+
+QByteArray load(const QString& name)
+{
+    const auto* entry = std::ranges::find(symbols, name, &Entry::symbol);
+    if (entry == std::end(symbols)) {
+        qWarning("⚠️ [Symbol] Unknown symbol '%s'", qUtf8Printable(name));
+        return {};
+    }
+    QFile file(QStringLiteral(":/korvi/symbols/") + entry->file + QStringLiteral(".svg"));
+    if (!file.open(QIODevice::ReadOnly)) {
+        qWarning("⚠️ [Symbol] No drawing for '%s'", qUtf8Printable(name));
+        return {};
+    }
+    return file.readAll().replace("stroke-width=\"2\"",
+        "stroke-width=\"" + QByteArray::number(Symbol::strokeWidth) + '"');
+}
+
+}
+
+Symbol::Symbol(QQuickItem* parent)
+    : QQuickPaintedItem(parent)
+{
+    setAntialiasing(true);
+    setImplicitSize(m_size, m_size);
+}
+
+void Symbol::setName(const QString& name)
+{
+    if (name == m_name)
+        return;
+    m_name = name;
+    m_svg = name.isEmpty() ? QByteArray() : load(name);
+    emit nameChanged();
+    update();
+}
+
+void Symbol::setSize(qreal size)
+{
+    if (size == m_size)
+        return;
+    m_size = size;
+    setImplicitSize(size, size);
+    emit sizeChanged();
+}
+
+void Symbol::setColor(const QColor& color)
+{
+    if (color == m_color)
+        return;
+    m_color = color;
+    emit colorChanged();
+    update();
+}
+
+void Symbol::paint(QPainter* painter)
+{
+    if (m_svg.isEmpty())
+        return;
+    QSvgRenderer renderer(QByteArray(m_svg).replace("currentColor", m_color.name(QColor::HexRgb).toLatin1()));
+    painter->setOpacity(m_color.alphaF());
+    renderer.render(painter, boundingRect());
+}
+
+}

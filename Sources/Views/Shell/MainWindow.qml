@@ -1,0 +1,33 @@
+import QtQuick
+import Korvi.ViewModels
+
+Window {
+    id: window
+
+    required property AuthViewModel auth
+    required property ChatViewModel chat
+
+    // What the desktop or the user asked for.
+    property string scheme: "system"
+    property real textSize: 13
+    property bool reducedMotion: false
+    property string notice // what is wrong with the place where settings are kept; empty when all is well
+
+    color: Theme.bg
+    height: 800
+    minimumHeight: 480
+    minimumWidth: 420
+    title: "Korvi"
+    visible: true
+    width: 1200
+
+    Binding { property: "scheme"; target: Theme; value: window.scheme }
+    Binding { property: "textSize"; target: Theme; value: window.textSize }
+    Binding { property: "reducedMotion"; target: Theme; value: window.reducedMotion }
+
+    ContentView {
+        anchors.fill: parent
+        auth: window.auth
+        chat: window.chat
+    }
+}

@@ -1,0 +1,47 @@
+import QtQuick
+import Korvi.Views
+
+BaseButton {
+    id: row
+
+    property string symbol
+    property string detail // small, at the right end
+    property bool selected: false
+
+    horizontalPadding: Theme.gap2
+    implicitHeight: Theme.rowHeight
+
+    background: Rectangle {
+        color: row.selected ? Theme.sideSel : row.down || row.hovered ? Theme.hover : "transparent"
+        radius: row.radius
+    }
+    contentItem: Item {
+        Symbol {
+            id: icon
+
+            anchors.verticalCenter: parent.verticalCenter
+            color: Theme.t2
+            name: row.symbol
+            size: Theme.icon
+            visible: row.symbol.length > 0
+        }
+        Label {
+            anchors.left: icon.visible ? icon.right : parent.left
+            anchors.leftMargin: icon.visible ? Theme.gap2 : 0
+            anchors.right: detailLabel.left
+            anchors.rightMargin: detailLabel.text.length > 0 ? Theme.gap2 : 0
+            anchors.verticalCenter: parent.verticalCenter
+            elide: Text.ElideRight
+            text: row.text
+        }
+        Label {
+            id: detailLabel
+
+            anchors.right: parent.right
+            anchors.verticalCenter: parent.verticalCenter
+            color: Theme.t3
+            font.pixelSize: Theme.fontSmall
+            text: row.detail
+        }
+    }
+}
