@@ -84,7 +84,8 @@ Task<void> AuthTokenStore::save()
     while (m_toSave) {
         const Secret token = *std::exchange(m_toSave, std::nullopt);
         co_await m_keychain.remove(service, account);
-        if (token.isEmpty())
+        // A newer one has come: an older token has no business in the keychain any more.
+        if (token.isEmpty() || m_toSave)
             continue;
         const Keychain::Outcome outcome = co_await m_keychain.write(service, account, token);
         if (!outcome.ok)
