@@ -50,8 +50,9 @@ protected:
             EXPECT_EQ(messages->data(index, MessageListModel::TextRole).toString(), message.text) << row;
             EXPECT_EQ(messages->data(index, MessageListModel::ThinkingRole).toString(), message.thinking) << row;
             EXPECT_EQ(message.chat, stored.front().chat);
-            if (row % 2 == 0)
+            if (row % 2 == 0) {
                 EXPECT_EQ(message.text, questions.at(row / 2));
+            }
         }
         // The screen holds at least the last turn.
         settle();
@@ -84,7 +85,7 @@ TEST_F(Conversation, ACutLineLosesAndDoublesNothing) {
     start({u"--demo-delay-ms"_s, u"10"_s});
     m_person.ask(question);
     for (const qsizetype length : {1, 250, 600}) {
-        ASSERT_TRUE(answerGrowsBeyond(length)) << modelAnswer();
+        ASSERT_TRUE(answerGrowsBeyond(length)) << modelAnswer().toStdString();
         m_proxy.cut();
         ASSERT_TRUE(waitFor([this] { return !m_person.chat().isConnected(); }));
         EXPECT_TRUE(m_person.chat().isGenerating());
