@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Templates as T
+import Korvi.Views // the types written in C++
 
 // Where a message is written. Return sends, Shift+Return breaks the line; grows to eight lines, then scrolls.
 FocusScope {

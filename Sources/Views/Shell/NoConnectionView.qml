@@ -1,5 +1,6 @@
 import QtQuick
 import Korvi.ViewModels
+import Korvi.Views // the types written in C++
 
 FormPage {
     id: view

@@ -1,4 +1,5 @@
 import QtQuick
+import Korvi.Views // the types written in C++
 
 BaseButton {
     id: row
