@@ -27,6 +27,7 @@ Item {
         when: windowShown
 
         function init() {
+            failOnWarning(/./)
             form.busy = false
             form.error = ""
             field.clear()

@@ -36,9 +36,13 @@ Item {
         name: "Shell"
         when: windowShown
 
+        function init() {
+            failOnWarning(/./)
+        }
+
         readonly property var sidebar: findChild(layout, "sidebar")
 
-        function left() {
+        function drawerX() {
             return sidebar.mapToItem(root, 0, 0).x
         }
 
@@ -54,17 +58,17 @@ Item {
             layout.width = 500
             tryVerify(() => !sidebar.visible)
             layout.toggle()
-            tryVerify(() => left() === 0)
+            tryVerify(() => drawerX() === 0)
             verify(sidebar.activeFocus)
             verify(!content.enabled)
             mouseClick(root, 450, 300) // beside the drawer
             tryVerify(() => !sidebar.visible)
             verify(content.activeFocus)
             layout.toggle()
-            tryVerify(() => left() === 0)
+            tryVerify(() => drawerX() === 0)
             layout.width = 900 // nothing stays covered when the window grows
             verify(content.enabled)
-            tryVerify(() => left() === 0)
+            tryVerify(() => drawerX() === 0)
         }
 
         function test_ageOfAChat_data() {

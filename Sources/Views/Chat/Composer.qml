@@ -19,6 +19,11 @@ FocusScope {
     signal send
     signal stop
 
+    // To the text, wherever in the composer the focus was.
+    function takeFocus(): void {
+        edit.forceActiveFocus()
+    }
+
     function submit(): void {
         if (canSend && !generating)
             send()

@@ -18,7 +18,7 @@ FocusScope {
     signal sidebarRequested
 
     function focusComposer(): void {
-        composer.forceActiveFocus()
+        composer.takeFocus()
     }
 
     function send(): void {

@@ -93,7 +93,7 @@ ListView {
     T.ScrollBar.vertical: ThinScrollBar {
         onPressedChanged: if (!pressed) list.following = list.distanceToEnd < 2
     }
-    activeFocusOnTab: count > 0
+    activeFocusOnTab: true
     boundsBehavior: Flickable.StopAtBounds
     cacheBuffer: 800
     clip: true

@@ -14,7 +14,7 @@ Item {
 
     signal thinkingToggled
 
-    implicitHeight: content.height
+    implicitHeight: Math.ceil(content.height) // rows begin on whole pixels
 
     Loader {
         id: content
