@@ -79,6 +79,8 @@ constexpr std::array table{
     Option{"--model", "МОДЕЛЬ", "модель для всех чатов; без неё имя модели — режим чата",
         [](Options& o, const std::string& v) { o.model = v; }},
     Option{"--model-for", "РЕЖИМ=МОДЕЛЬ", "модель для чатов одного режима; можно повторять", setModelForMode},
+    Option{"--model-idle-s", "ЧИСЛО", "сколько секунд ждать от модели следующей части ответа (180)",
+        [](Options& o, const std::string& v) { o.modelIdle = std::chrono::seconds(numberFrom("--model-idle-s", v, 86400)); }},
     Option{"--allow-plain-http", "", "разрешить http:// не только для своего компьютера: ключ и текст пойдут открыто",
         [](Options& o, const std::string&) { o.allowPlainHttp = true; }},
     Option{"--help", "", "эта справка", [](Options& o, const std::string&) { o.help = true; }},

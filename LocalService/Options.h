@@ -29,6 +29,7 @@ struct Options {
     std::string model;
     std::map<std::string, std::string> modelForMode;
     bool allowPlainHttp = false;
+    std::chrono::seconds modelIdle{180};
 };
 
 /// A command line that cannot be obeyed; `what()` is for the user.

@@ -2,6 +2,7 @@
 
 #include "Core/Log.h"
 #include "Providers/DemoProvider.h"
+#include "Providers/OpenAiProvider.h"
 
 #include <boost/asio/signal_set.hpp>
 #include <csignal>
@@ -11,7 +12,11 @@ namespace korvi::service {
 namespace {
 
 std::unique_ptr<Provider> providerFor(asio::io_context& io, const Options& options) {
-    return std::make_unique<DemoProvider>(io, options.demoDelay);
+    if (options.provider == ProviderKind::demo)
+        return std::make_unique<DemoProvider>(io, options.demoDelay);
+    return std::make_unique<OpenAiProvider>(io,
+        OpenAiSettings{options.openaiUrl, options.openaiKey, options.model, options.modelForMode, options.allowPlainHttp,
+            options.modelIdle});
 }
 
 void printCode(const std::string& email, const std::string& code) {

@@ -216,8 +216,8 @@ void AnswerEngine::receive(long long messageId, ProviderEvent event) {
     const auto found = running_.find(messageId);
     if (found == running_.end())
         return;
-    if (const auto* delta = std::get_if<ProviderDelta>(&event)) {
-        append(found->second, delta->kind, delta->text);
+    if (auto* delta = std::get_if<ProviderDelta>(&event)) {
+        append(found->second, delta->kind, std::move(delta->text));
         if (found->second.size > limits::answer)
             finish(messageId, AnswerState::failed,
                 "Ответ слишком длинный и остановлен. Текст до этого места сохранён — попросите продолжить.");
@@ -228,7 +228,9 @@ void AnswerEngine::receive(long long messageId, ProviderEvent event) {
     }
 }
 
-void AnswerEngine::append(Running& running, PieceKind kind, const std::string& text) {
+void AnswerEngine::append(Running& running, PieceKind kind, std::string text) {
+    // A NUL would end the text for half of those who read it.
+    std::erase(text, '\0');
     running.size += text.size();
     auto pieces = running.cutter.add(kind, text);
     if (pieces.empty())

@@ -61,7 +61,7 @@ private:
     bool hasRoomFor(const std::string& userId) const;
 
     void receive(long long messageId, ProviderEvent event);
-    void append(Running& running, PieceKind kind, const std::string& text);
+    void append(Running& running, PieceKind kind, std::string text);
     void finish(long long messageId, AnswerState state, const std::string& error);
     void scheduleStore(Answer& answer);
     void storeNow();

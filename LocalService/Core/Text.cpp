@@ -6,8 +6,9 @@ namespace korvi::service {
 
 namespace {
 
+/// Control characters count as space: a title or a name has no use for them.
 bool isSpace(unsigned char c) {
-    return c == ' ' || (c >= '\t' && c <= '\r');
+    return c <= ' ' || c == 0x7F;
 }
 
 }

@@ -205,7 +205,8 @@ Response Api::messages(const Context& context) {
 }
 
 Response Api::renameChat(const Context& context) {
-    const std::string name = trimmed(stringAt(context.body, "name").value_or(""));
+    const std::string given = stringAt(context.body, "name").value_or("");
+    const std::string name = firstWords(given, given.size());
     if (name.empty() || utf16Length(name) > limits::chatName)
         return failure(400, "Название чата должно содержать от 1 до 200 знаков.");
     const auto chat = chats_.rename(context.session.userId, context.id, name);

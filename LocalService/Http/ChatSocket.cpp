@@ -29,13 +29,11 @@ websocket::close_reason reasonFor(CloseReason reason) {
 /// One connection: reads frames, and pulls what goes out from the session's outbox.
 class ChatSocket : public Connection, public std::enable_shared_from_this<ChatSocket> {
 public:
-    ChatSocket(asio::ip::tcp::socket socket, UpgradeRequest request, SessionRow session, AnswerEngine& engine,
-        std::shared_ptr<void> guard)
+    ChatSocket(asio::ip::tcp::socket socket, UpgradeRequest request, SessionRow session, AnswerEngine& engine)
         : ws_(std::move(socket))
         , request_(std::move(request))
         , session_(std::move(session))
-        , engine_(engine)
-        , guard_(std::move(guard)) {}
+        , engine_(engine) {}
 
     void start() {
         // The stream's own pings find a dead peer; those sent below tell what a live one has got.
@@ -155,7 +153,6 @@ private:
     UpgradeRequest request_;
     SessionRow session_;
     AnswerEngine& engine_;
-    std::shared_ptr<void> guard_;
     // Present while the connection serves the session.
     std::shared_ptr<Outbox> outbox_;
     boost::beast::flat_buffer buffer_;
@@ -169,11 +166,8 @@ private:
 
 }
 
-void startChatSocket(asio::ip::tcp::socket socket, UpgradeRequest request, SessionRow session, AnswerEngine& engine,
-    std::shared_ptr<void> guard) {
-    std::make_shared<ChatSocket>(
-        std::move(socket), std::move(request), std::move(session), engine, std::move(guard))
-        ->start();
+void startChatSocket(asio::ip::tcp::socket socket, UpgradeRequest request, SessionRow session, AnswerEngine& engine) {
+    std::make_shared<ChatSocket>(std::move(socket), std::move(request), std::move(session), engine)->start();
 }
 
 }

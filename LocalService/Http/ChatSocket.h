@@ -11,9 +11,8 @@ namespace korvi::service {
 
 using UpgradeRequest = boost::beast::http::request<boost::beast::http::empty_body>;
 
-/// Completes the WebSocket handshake on `socket` and serves the session until either side closes. The socket owns itself.
-/// `guard` is kept as long as the connection lives.
-void startChatSocket(asio::ip::tcp::socket socket, UpgradeRequest request, SessionRow session, AnswerEngine& engine,
-    std::shared_ptr<void> guard);
+/// Completes the WebSocket handshake on `socket` and serves the session until either side closes. The connection owns
+/// itself.
+void startChatSocket(asio::ip::tcp::socket socket, UpgradeRequest request, SessionRow session, AnswerEngine& engine);
 
 }

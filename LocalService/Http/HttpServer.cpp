@@ -13,8 +13,29 @@ namespace {
 
 using namespace std::chrono_literals;
 
+/// Counts the open HTTP connections and refuses more than are allowed. Not RESTinio's own limiter: that one has to outlive
+/// the connections, some of which the io_context keeps until its end.
+class ConnectionCount {
+public:
+    void state_changed(const restinio::connection_state::notice_t& notice) noexcept {
+        if (std::holds_alternative<restinio::connection_state::accepted_t>(notice.cause()))
+            ++open_;
+        else if (std::holds_alternative<restinio::connection_state::closed_t>(notice.cause()))
+            --open_;
+    }
+    /// The connection has become a chat socket, which is counted by user.
+    void handedOver() { --open_; }
+    restinio::ip_blocker::inspection_result_t inspect(const restinio::ip_blocker::incoming_info_t&) const noexcept {
+        return open_ < limits::httpConnections ? restinio::ip_blocker::allow() : restinio::ip_blocker::deny();
+    }
+
+private:
+    std::size_t open_ = 0;
+};
+
 struct Traits : restinio::default_single_thread_traits_t {
-    static constexpr bool use_connection_count_limiter = true;
+    using connection_state_listener_t = ConnectionCount;
+    using ip_blocker_t = ConnectionCount;
 };
 
 Request requestFrom(const restinio::request_t& carried) {
@@ -58,10 +79,7 @@ void handOver(restinio::request_t& request, SessionRow session, AnswerEngine& en
     const auto holder = std::move(restinio::impl::access_req_connection(request));
     auto& connection = dynamic_cast<restinio::impl::connection_t<Traits>&>(*holder);
     auto internals = connection.move_upgrade_internals();
-    using Monitor = decltype(internals.m_lifetime_monitor);
-    auto guard = std::make_shared<Monitor>(std::move(internals.m_lifetime_monitor));
-    startChatSocket(
-        std::move(internals.m_socket), std::move(handshake), std::move(session), engine, std::move(guard));
+    startChatSocket(std::move(internals.m_socket), std::move(handshake), std::move(session), engine);
 }
 
 }
@@ -70,6 +88,7 @@ struct HttpServer::Impl {
     Api& api;
     AnswerEngine& engine;
     std::uint16_t port = 0;
+    std::shared_ptr<ConnectionCount> count;
     std::unique_ptr<restinio::http_server_t<Traits>> server;
 
     restinio::request_handling_status_t handle(const restinio::request_handle_t& carried) {
@@ -84,6 +103,7 @@ struct HttpServer::Impl {
         auto admission = api.admit(request);
         if (const auto* refusal = std::get_if<Response>(&admission))
             return answer(*carried, *refusal);
+        count->handedOver();
         handOver(*carried, std::get<SessionRow>(std::move(admission)), engine);
         return restinio::request_accepted();
     }
@@ -91,13 +111,14 @@ struct HttpServer::Impl {
 
 HttpServer::HttpServer(
     asio::io_context& io, Api& api, AnswerEngine& engine, const std::string& host, std::uint16_t port)
-    : impl_(std::make_unique<Impl>(Impl{api, engine, 0, nullptr})) {
+    : impl_(std::make_unique<Impl>(Impl{api, engine, 0, std::make_shared<ConnectionCount>(), nullptr})) {
     Impl& impl = *impl_;
     impl.server = std::make_unique<restinio::http_server_t<Traits>>(restinio::external_io_context(io), [&](auto& settings) {
         settings.address(host)
             .port(port)
             .request_handler([&impl](restinio::request_handle_t request) { return impl.handle(request); })
-            .max_parallel_connections(limits::httpConnections)
+            .connection_state_listener(impl.count)
+            .ip_blocker(impl.count)
             .incoming_http_msg_limits(restinio::incoming_http_msg_limits_t{}
                                           .max_url_size(4096)
                                           .max_field_name_size(256)

@@ -18,8 +18,7 @@ constexpr auto schemeKey = "color-scheme"_L1;
 constexpr auto animationsKey = "enable-animations"_L1;
 
 // Read() wraps its value in one variant more than SettingChanged does.
-QVariant unwrapped(QVariant value)
-{
+QVariant unwrapped(QVariant value) {
     while (value.canConvert<QDBusVariant>())
         value = value.value<QDBusVariant>().variant();
     return value;
@@ -28,19 +27,17 @@ QVariant unwrapped(QVariant value)
 }
 
 DesktopAppearance::DesktopAppearance(QObject* parent)
-    : QObject(parent)
-{
+    : QObject(parent) {
     QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected())
         return;
-    bus.connect(portal, path, settings, u"SettingChanged"_s, this,
-        SLOT(settingChanged(QString, QString, QDBusVariant)));
+    bus.connect(
+        portal, path, settings, u"SettingChanged"_s, this, SLOT(settingChanged(QString, QString, QDBusVariant)));
     ask(u"org.freedesktop.appearance"_s, schemeKey);
     ask(u"org.gnome.desktop.interface"_s, animationsKey);
 }
 
-void DesktopAppearance::ask(const QString& group, const QString& key)
-{
+void DesktopAppearance::ask(const QString& group, const QString& key) {
     QDBusMessage message = QDBusMessage::createMethodCall(portal, path, settings, u"Read"_s);
     message.setArguments({group, key});
     auto* call = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(message), this);
@@ -52,13 +49,11 @@ void DesktopAppearance::ask(const QString& group, const QString& key)
     });
 }
 
-void DesktopAppearance::settingChanged(const QString&, const QString& key, const QDBusVariant& value)
-{
+void DesktopAppearance::settingChanged(const QString&, const QString& key, const QDBusVariant& value) {
     take(key, unwrapped(value.variant()));
 }
 
-void DesktopAppearance::take(const QString& key, const QVariant& value)
-{
+void DesktopAppearance::take(const QString& key, const QVariant& value) {
     if (key == schemeKey)
         m_scheme = value.toUInt() == 1 ? u"dark"_s : value.toUInt() == 2 ? u"light"_s : u"system"_s;
     else if (key == animationsKey)

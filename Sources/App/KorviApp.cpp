@@ -11,14 +11,12 @@ namespace {
 
 // Beside the program, unless the environment names another one: several programs of one build can so talk to
 // several services.
-QString infoPath()
-{
+QString infoPath() {
     const QString named = qEnvironmentVariable("KORVI_INFO");
     return named.isEmpty() ? QCoreApplication::applicationDirPath() + u"/Info.json"_s : named;
 }
 
-QString dataPath(const QString& file)
-{
+QString dataPath(const QString& file) {
     return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u'/' + file;
 }
 
@@ -35,20 +33,19 @@ KorviApp::KorviApp(QObject* parent)
     , m_users(m_client)
     , m_chatService({m_client, m_sockets, m_scheduler, m_random})
     , m_auth({m_client, m_authentication, m_users, m_scheduler, [this] { m_chatService.disconnect(); }})
-    , m_chat({m_chatService, m_scheduler, m_clock, m_random, m_notifications})
-{
+    , m_chat({m_chatService, m_scheduler, m_clock, m_random, m_notifications}) {
     connect(&m_auth, &AuthViewModel::isAuthenticatedChanged, this, &KorviApp::userChanged);
     connect(&m_appearance, &DesktopAppearance::changed, this, &KorviApp::applyAppearance);
 }
 
-bool KorviApp::start()
-{
+bool KorviApp::start() {
     m_engine.setInitialProperties({
         {u"auth"_s, QVariant::fromValue(&m_auth)},
         {u"chat"_s, QVariant::fromValue(&m_chat)},
         {u"notice"_s, m_defaults.problem()},
     });
-    m_engine.load(QUrl(u"qrc:/qt-project.org/imports/Korvi/Views/MainWindow.qml"_s));
+    // An import by name, unlike an address of a file, also registers the module's C++ types.
+    m_engine.loadData("import Korvi.Views\nMainWindow {}");
     if (m_engine.rootObjects().isEmpty())
         return false;
     applyAppearance();
@@ -56,8 +53,7 @@ bool KorviApp::start()
     return true;
 }
 
-void KorviApp::userChanged()
-{
+void KorviApp::userChanged() {
     if (m_auth.isAuthenticated()) {
         m_scope.start([this] { return m_chat.loadData(); });
         return;
@@ -67,8 +63,7 @@ void KorviApp::userChanged()
     m_chat.reset();
 }
 
-void KorviApp::applyAppearance()
-{
+void KorviApp::applyAppearance() {
     for (QObject* window : m_engine.rootObjects()) {
         window->setProperty("scheme", m_appearance.scheme());
         window->setProperty("reducedMotion", m_appearance.reducedMotion());

@@ -29,6 +29,11 @@ public:
     // Shows the window and starts the first check of the stored token. False when the window cannot be made.
     bool start();
 
+    // For tests that drive the real application.
+    AuthViewModel& auth() { return m_auth; }
+    ChatViewModel& chat() { return m_chat; }
+    QObject* window() const { return m_engine.rootObjects().value(0); }
+
 private:
     void userChanged();
     void applyAppearance();

@@ -4,8 +4,7 @@
 #include <QGuiApplication>
 #include <QLocale>
 
-int main(int argc, char* argv[])
-{
+int main(int argc, char* argv[]) {
     QGuiApplication application(argc, argv);
     QGuiApplication::setApplicationName(QStringLiteral("korvi"));
     QGuiApplication::setApplicationDisplayName(QStringLiteral("Korvi"));

@@ -11,15 +11,21 @@ namespace Korvi {
 // Delayed work that is still wanted as long as this object lives: destroying or resetting it cancels the work.
 class Timer {
 public:
-    Timer() = default;
-    explicit Timer(std::shared_ptr<void> keep)
-        : m_keep(std::move(keep)) {}
+    // What a scheduler keeps for the timer; it sets `isDone` before it runs the work for the last time.
+    struct State {
+        virtual ~State() = default;
+        bool isDone = false;
+    };
 
-    bool isActive() const { return m_keep != nullptr; }
-    void cancel() { m_keep.reset(); }
+    Timer() = default;
+    explicit Timer(std::shared_ptr<const State> state)
+        : m_state(std::move(state)) {}
+
+    bool isActive() const { return m_state && !m_state->isDone; }
+    void cancel() { m_state.reset(); }
 
 private:
-    std::shared_ptr<void> m_keep;
+    std::shared_ptr<const State> m_state;
 };
 
 // Timers of the main thread. Work never runs inside the call that schedules it.

@@ -14,8 +14,10 @@ public:
         : m_value(std::move(value)) {}
     Secret(const Secret&) = default;
     Secret(Secret&&) = default;
-    Secret& operator=(const Secret&) = default;
-    Secret& operator=(Secret&&) = default;
+    Secret& operator=(Secret other) noexcept { // the old bytes end, wiped, with `other`
+        m_value.swap(other.m_value);
+        return *this;
+    }
     ~Secret() {
         if (m_value.isDetached() && !m_value.isEmpty())
             explicit_bzero(m_value.data(), static_cast<std::size_t>(m_value.size()));

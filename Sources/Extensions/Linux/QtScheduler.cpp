@@ -6,17 +6,27 @@ namespace Korvi {
 
 namespace {
 
+// The work may cancel its own timer: the QTimer then ends in a later turn, not inside its own signal.
+struct Running : Timer::State {
+    ~Running() override {
+        timer->stop();
+        timer->deleteLater();
+    }
+
+    QTimer* timer = new QTimer;
+};
+
 Timer makeTimer(std::chrono::milliseconds delay, bool once, Scheduler::Work work) {
-    // The work may cancel its own timer: the QTimer then ends in a later turn, not inside its own signal.
-    auto timer = std::shared_ptr<QTimer>(new QTimer, [](QTimer* ended) {
-        ended->stop();
-        ended->deleteLater();
-    });
+    auto running = std::make_shared<Running>();
+    QTimer* timer = running->timer;
     timer->setSingleShot(once);
     timer->setTimerType(Qt::PreciseTimer);
-    QObject::connect(timer.get(), &QTimer::timeout, timer.get(), [call = std::move(work)] { call(); });
+    QObject::connect(timer, &QTimer::timeout, timer, [state = running.get(), once, call = std::move(work)] {
+        state->isDone = once;
+        call();
+    });
     timer->start(delay);
-    return Timer(std::move(timer));
+    return Timer(std::move(running));
 }
 
 }

@@ -22,11 +22,12 @@ AuthTokenStore::AuthTokenStore(Keychain& keychain, Defaults& defaults, Defaults*
     , m_group(group) {}
 
 Task<Secret> AuthTokenStore::read() {
+    // As values: QCoro moves out of an lvalue that is returned.
     if (m_known)
-        co_return *m_known;
+        co_return Secret(*m_known);
     Secret token = co_await m_keychain.read(service, account);
     if (m_known) // written while the keychain was being asked
-        co_return *m_known;
+        co_return Secret(*m_known);
     if (!token.isEmpty()) {
         m_known = token;
         co_return token;
@@ -83,7 +84,8 @@ Task<void> AuthTokenStore::save()
     while (m_toSave) {
         const Secret token = *std::exchange(m_toSave, std::nullopt);
         co_await m_keychain.remove(service, account);
-        if (token.isEmpty())
+        // A newer one has come: an older token has no business in the keychain any more.
+        if (token.isEmpty() || m_toSave)
             continue;
         const Keychain::Outcome outcome = co_await m_keychain.write(service, account, token);
         if (!outcome.ok)

@@ -29,6 +29,9 @@ ChatService::ChatService(Dependencies dependencies)
 
 ChatService::~ChatService() {
     dropSocket(1000);
+    // Those who wait are tasks of other owners: they unwind now, while there is something to unwind from.
+    for (Resolver<void>& waiter : std::exchange(m_openWaiters, {}))
+        waiter.fail(TaskCancelled());
 }
 
 void ChatService::connect() {
@@ -49,7 +52,7 @@ void ChatService::connect() {
 
 Task<void> ChatService::openSocket(quint64 attempt) {
     QString ticket;
-    QString failure;
+    std::optional<QString> failure;
     try {
         const Ticket answer = co_await m_dependencies.client.request<Ticket>(u"/sockets/ticket"_s);
         ticket = answer.ticket;
@@ -61,8 +64,8 @@ Task<void> ChatService::openSocket(quint64 attempt) {
         qCInfo(lcChatService) << "🔌 [ChatService] Stale connect (id" << attempt << "now" << m_connectionId << ")";
         co_return;
     }
-    if (!failure.isEmpty()) {
-        qCWarning(lcChatService).noquote() << "❌ [ChatService] Failed to get ticket:" << failure;
+    if (failure) {
+        qCWarning(lcChatService).noquote() << "❌ [ChatService] Failed to get ticket:" << *failure;
         m_isConnecting = false;
         scheduleReconnect();
         co_return;
@@ -102,9 +105,9 @@ void ChatService::watch(WebSocketConnection& socket, quint64 attempt) {
         };
     };
     QObject::connect(&socket, &WebSocketConnection::opened, this, current([this] { socketOpened(); }));
-    QObject::connect(&socket, &WebSocketConnection::messageReceived, this, current([this](const QString& text) {
+    QObject::connect(&socket, &WebSocketConnection::messageReceived, this, current([this, attempt](const QString& text) {
         for (const SocketEvent& event : SocketFrame::parse(text.toUtf8())) {
-            if (onEvent)
+            if (onEvent && attempt == m_connectionId)
                 onEvent(event);
         }
     }));
@@ -122,12 +125,13 @@ void ChatService::watch(WebSocketConnection& socket, quint64 attempt) {
         qCWarning(lcChatService).noquote() << "❌ [ChatService] WS Error:" << error.description;
         socketLost(error);
     }));
-    QObject::connect(&socket, &WebSocketConnection::refused, this, current([this](int status) {
+    QObject::connect(&socket, &WebSocketConnection::refused, this, current([this, attempt](int status) {
         qCWarning(lcChatService) << "❌ [ChatService] HTTP Error:" << status;
         m_isConnected = false;
         m_isConnecting = false;
         report(u"Reconnecting..."_s);
-        scheduleReconnect();
+        if (attempt == m_connectionId)
+            scheduleReconnect();
     }));
 }
 
@@ -137,21 +141,29 @@ void ChatService::socketOpened() {
     m_reconnectTimer.cancel();
     m_reconnectAttempt = 0;
     startHeartbeat();
+    // Before anyone hears of it: what a listener sends now comes after what was queued.
+    for (const QString& frame : std::exchange(m_pendingMessages, {}))
+        sendRaw(frame);
+    const quint64 attempt = m_connectionId;
     for (Resolver<void>& waiter : std::exchange(m_openWaiters, {}))
         waiter.resolve();
-    report(u"Connected"_s);
-    emitEvent(SocketEvent::Connected{});
-    // Through send(): a listener may have closed the socket again.
-    for (const QString& frame : std::exchange(m_pendingMessages, {}))
-        send(frame);
+    if (attempt == m_connectionId)
+        report(u"Connected"_s);
+    if (attempt == m_connectionId)
+        emitEvent(SocketEvent::Connected{});
 }
 
 void ChatService::socketLost(const std::optional<URLError>& error) {
     m_isConnected = false;
     m_isConnecting = false;
+    m_heartbeatTimer.cancel();
+    const quint64 attempt = m_connectionId;
     report(u"Reconnecting..."_s);
-    emitEvent(SocketEvent::Disconnected{error});
-    scheduleReconnect();
+    if (attempt == m_connectionId)
+        emitEvent(SocketEvent::Disconnected{error});
+    // A listener that disconnected or connected anew has decided already.
+    if (attempt == m_connectionId)
+        scheduleReconnect();
 }
 
 void ChatService::pingFailed(const QString& reason) {
@@ -255,8 +267,8 @@ void ChatService::requeue(const QString& frame, const QString& reason) {
     m_pendingMessages.prepend(frame);
     m_isConnected = false;
     // In a later turn: the socket that reports this is still at it.
-    m_dependencies.scheduler.post([self = QPointer(this)] {
-        if (self)
+    m_dependencies.scheduler.post([self = QPointer(this), attempt = m_connectionId] {
+        if (self && attempt == self->m_connectionId)
             self->connect();
     });
 }

@@ -97,8 +97,11 @@ Events readError(const QJsonObject& data) {
     if (!message)
         message = stringAt(data, "error"_L1);
     std::optional<qint64> chatId;
-    if (data.value("chatId"_L1).isDouble())
-        chatId = data.value("chatId"_L1).toInteger();
+    try {
+        chatId = JsonReader(data).optionalInteger("chatId"_L1);
+    } catch (const DecodingError&) {
+        // An error without a chat is still worth showing.
+    }
     return {{SocketEvent::Error{chatId, message.value_or(u"Unknown error"_s)}}};
 }
 

@@ -151,7 +151,7 @@ void ChatViewModel::sendMessage() {
     send(m_currentInput);
 }
 
-void ChatViewModel::send(const QString& text) {
+void ChatViewModel::send(QString text) {
     const QString createdAt = m_dependencies.clock.now().toString(Qt::ISODate);
     const qint64 chatId = activeChatId();
     // The ids are local: the service's own come with the next reload.

@@ -105,7 +105,7 @@ signals:
     void inputFocusRequested();
 
 private:
-    void send(const QString& text);
+    void send(QString text);
     void created(const Chat& chat);
     void connected();
     void failed(const SocketEvent::Error& error);

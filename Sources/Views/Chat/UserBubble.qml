@@ -30,6 +30,8 @@ Item {
         SelectableText {
             id: body
 
+            objectName: "userText"
+
             content: message.text
             width: Math.min(Math.ceil(implicitWidth), message.widest)
             x: Theme.gap4 - 2

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "Core/Asio.h"
+#include "Providers/CurlLoop.h"
+#include "Providers/Provider.h"
+
+#include <chrono>
+#include <map>
+#include <string>
+
+namespace korvi::service {
+
+struct OpenAiSettings {
+    /// Up to "/chat/completions".
+    std::string url;
+    std::string key;
+    /// For chats whose mode is not in `modelForMode`; empty: the mode itself.
+    std::string model;
+    std::map<std::string, std::string> modelForMode;
+    bool allowPlainHttp = false;
+    std::chrono::seconds idleTimeout{180};
+};
+
+/// Streams answers from any endpoint that speaks the chat completions protocol.
+class OpenAiProvider : public Provider {
+public:
+    /// Throws std::runtime_error with a message for the user if the address cannot be used: the key and the conversation
+    /// go over plain HTTP to this machine only, unless that is explicitly allowed.
+    OpenAiProvider(asio::io_context& io, OpenAiSettings settings);
+
+    std::unique_ptr<ProviderStream> start(const ProviderRequest& request, ProviderSink sink) override;
+
+private:
+    std::string modelFor(const std::string& mode) const;
+
+    OpenAiSettings settings_;
+    CurlLoop curl_;
+};
+
+}

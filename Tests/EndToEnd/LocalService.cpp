@@ -1,0 +1,104 @@
+#include "LocalService.h"
+
+#include "WaitFor.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QRegularExpression>
+#include <QSqlDatabase>
+#include <QSqlError>
+#include <QSqlQuery>
+
+#include <stdexcept>
+
+namespace Korvi::Test {
+
+using namespace Qt::Literals;
+
+LocalService::~LocalService() {
+    kill();
+}
+
+void LocalService::start(const QStringList& options) {
+    m_process = std::make_unique<QProcess>();
+    m_process->setProcessChannelMode(QProcess::MergedChannels);
+    m_console.clear();
+    // The same port again after a restart: the client knows only that one.
+    m_process->start(QString::fromLatin1(KORVI_SERVICE),
+        QStringList{u"--port"_s, QString::number(m_port), u"--data"_s, m_folder.path()} + options);
+    static const QRegularExpression address(uR"(http://127\.0\.0\.1:(\d+)/api/v1)"_s);
+    const bool isUp = waitFor([this] {
+        readConsole();
+        return address.match(m_console).hasMatch() || m_process->state() == QProcess::NotRunning;
+    });
+    const QRegularExpressionMatch match = address.match(m_console);
+    if (!isUp || !match.hasMatch())
+        throw std::runtime_error("the service did not start: " + m_console.toStdString());
+    m_port = match.captured(1).toUShort();
+}
+
+void LocalService::kill() {
+    if (!m_process)
+        return;
+    m_process->kill();
+    m_process->waitForFinished();
+    m_process.reset();
+}
+
+void LocalService::stop() {
+    m_process->terminate();
+    m_process->waitForFinished();
+    m_process.reset();
+}
+
+QString LocalService::code() const {
+    const_cast<LocalService*>(this)->readConsole();
+    static const QRegularExpression line(u"Код входа для [^:]+: (\\S{4})"_s);
+    QString newest;
+    for (auto it = line.globalMatch(m_console); it.hasNext();)
+        newest = it.next().captured(1);
+    return newest;
+}
+
+void LocalService::readConsole() {
+    if (m_process)
+        m_console += QString::fromUtf8(m_process->readAll());
+}
+
+std::vector<LocalService::Message> LocalService::messages() const {
+    std::vector<Message> all;
+    {
+        QSqlDatabase database = QSqlDatabase::addDatabase(u"QSQLITE"_s, u"look"_s);
+        database.setDatabaseName(m_folder.filePath(u"korvi.db"_s));
+        database.setConnectOptions(u"QSQLITE_BUSY_TIMEOUT=5000"_s);
+        if (!database.open())
+            throw std::runtime_error("the database does not open");
+        QSqlQuery query(database);
+        query.exec(u"SELECT chats.name, role, content, messages.id FROM messages "
+                   "JOIN chats ON chats.id = chat_id ORDER BY messages.id"_s);
+        while (query.next()) {
+            Message message{query.value(0).toString(), query.value(1).toString(), {}, {}};
+            for (const QJsonValue& part : QJsonDocument::fromJson(query.value(2).toByteArray()).array()) {
+                const QString type = part[u"type"].toString();
+                (type == u"thinking"_s ? message.thinking : message.text) += part[u"text"].toString();
+            }
+            // An answer that is still under way stands in pieces.
+            QSqlQuery pieces(database);
+            pieces.prepare(u"SELECT kind, body FROM pieces WHERE message_id = ? ORDER BY seq"_s);
+            pieces.addBindValue(query.value(3));
+            pieces.exec();
+            if (message.text.isEmpty() && message.thinking.isEmpty()) {
+                while (pieces.next())
+                    (pieces.value(0).toString() == u"thinking"_s ? message.thinking : message.text) +=
+                        pieces.value(1).toString();
+            }
+            all.push_back(message);
+        }
+        database.close();
+    }
+    QSqlDatabase::removeDatabase(u"look"_s);
+    return all;
+}
+
+}

@@ -1,0 +1,106 @@
+#include "Person.h"
+
+#include "WaitFor.h"
+
+#include <QFile>
+#include <QTest>
+
+namespace Korvi::Test {
+
+using namespace Qt::Literals;
+
+Person::Person(quint16 port) {
+    qputenv("XDG_DATA_HOME", m_home.path().toUtf8());
+    const QString info = m_home.filePath(u"Info.json"_s);
+    QFile file(info);
+    file.open(QIODevice::WriteOnly);
+    file.write(u"{\"KorviAPIBaseURL\": \"http://127.0.0.1:%1/api/v1\"}"_s.arg(port).toUtf8());
+    qputenv("KORVI_INFO", info.toUtf8());
+}
+
+void Person::startClient() {
+    m_app = std::make_unique<KorviApp>();
+    if (!m_app->start())
+        throw std::runtime_error("the window could not be made");
+    waitFor([this] { return m_app->auth().isInitialCheckComplete() && window()->isExposed(); });
+    window()->requestActivate();
+    waitFor([this] { return window()->isActive(); });
+}
+
+void Person::quitClient() {
+    m_app.reset();
+}
+
+bool Person::signIn(const QString& email, const std::function<QString()>& code) {
+    if (!waitFor([this] { return see(u"emailField"_s) && see(u"emailField"_s)->hasActiveFocus(); }))
+        return false;
+    type(email);
+    press(Qt::Key_Return);
+    QString digits;
+    if (!waitFor([&] {
+            digits = code();
+            return !digits.isEmpty() && see(u"codeField"_s) && see(u"codeField"_s)->hasActiveFocus();
+        }))
+        return false;
+    type(digits);
+    return waitFor([this] { return see(u"composer"_s) && see(u"composer"_s)->hasActiveFocus(); });
+}
+
+void Person::type(const QString& text) {
+    for (const QChar character : text)
+        QTest::sendKeyEvent(QTest::Click, window(), Qt::Key_unknown, QString(character), Qt::NoModifier);
+}
+
+void Person::press(Qt::Key key) {
+    QTest::keyClick(window(), key);
+}
+
+void Person::ask(const QString& question) {
+    type(question);
+    press(Qt::Key_Return);
+}
+
+QQuickWindow* Person::window() const {
+    return qobject_cast<QQuickWindow*>(m_app->window());
+}
+
+namespace {
+
+void collect(const QQuickItem* item, const QString& objectName, QList<QQuickItem*>& found) {
+    for (QQuickItem* child : item->childItems()) {
+        if (!child->isVisible())
+            continue;
+        if (child->objectName() == objectName)
+            found.append(child);
+        collect(child, objectName, found);
+    }
+}
+
+}
+
+QQuickItem* Person::see(const QString& objectName) const {
+    QList<QQuickItem*> found;
+    collect(window()->contentItem(), objectName, found);
+    return found.value(0);
+}
+
+QStringList Person::read(const QString& objectName) const {
+    QList<QQuickItem*> found;
+    collect(window()->contentItem(), objectName, found);
+    std::sort(found.begin(), found.end(),
+        [](const QQuickItem* a, const QQuickItem* b) { return a->mapToScene({}).y() < b->mapToScene({}).y(); });
+    QStringList texts;
+    for (const QQuickItem* item : found)
+        texts.append(item->property("text").toString());
+    return texts;
+}
+
+QStringList Person::readQuestions() const {
+    return read(u"userText"_s);
+}
+
+QStringList Person::readAnswers() const {
+    return read(u"answerText"_s);
+}
+
+}

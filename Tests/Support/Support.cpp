@@ -1,0 +1,10 @@
+// Compiles each header by itself, so that none leans on what another happens to include.
+#include "FakeHttp.h"
+#include "FakeKeychain.h"
+#include "FakeRandom.h"
+#include "FakeSocket.h"
+#include "LogCapture.h"
+#include "Printing.h"
+#include "Running.h"
+#include "VirtualScheduler.h"
+#include "WaitFor.h"
