@@ -1,6 +1,6 @@
 import QtQuick
 import QtQuick.Templates as T
-import Korvi.Views
+import Korvi.Views // the types written in C++
 
 // Where a message is written. Return sends, Shift+Return breaks the line; grows to eight lines, then scrolls.
 FocusScope {
@@ -18,6 +18,11 @@ FocusScope {
     signal edited(text: string)
     signal send
     signal stop
+
+    // To the text, wherever in the composer the focus was.
+    function takeFocus(): void {
+        edit.forceActiveFocus()
+    }
 
     function submit(): void {
         if (canSend && !generating)

@@ -11,13 +11,14 @@ FocusScope {
 
     readonly property real margin: sidebarFolded ? Theme.gap4 : Theme.gap6
     readonly property real columnWidth: Math.min(Theme.px(Theme.readingWidth), width - margin * 2)
-    readonly property bool fresh: chat.activeChatId < 0 && chat.messages.count === 0
+    readonly property real chatId: chat.activeChatId // qmllint disable
+    readonly property bool fresh: chatId < 0 && chat.messages.count === 0
     property real shownChatId: -1
 
     signal sidebarRequested
 
     function focusComposer(): void {
-        composer.forceActiveFocus()
+        composer.takeFocus()
     }
 
     function send(): void {
@@ -35,15 +36,14 @@ FocusScope {
             event.accepted = true
     }
 
-    Connections {
-        function onActiveChatChanged() {
-            // A new chat that gets its number while its first answer comes is the same conversation.
-            const sameOne = view.shownChatId < 0 && view.chat.isGenerating && list.turnIsHeld
-            if (view.shownChatId !== view.chat.activeChatId && !sameOne)
-                list.showEnd()
-            view.shownChatId = view.chat.activeChatId
-        }
+    onChatIdChanged: {
+        // A new chat that gets its number while its first answer comes is the same conversation.
+        if (!(shownChatId < 0 && chat.isGenerating && list.turnIsHeld))
+            list.showEnd()
+        shownChatId = chatId
+    }
 
+    Connections {
         function onInputFocusRequested() {
             view.focusComposer()
         }

@@ -46,6 +46,11 @@ ListView {
         }
     }
 
+    // Once per turn of the event loop, when the rows have their new heights.
+    function settleSoon(): void {
+        Qt.callLater(settle) // qmllint disable
+    }
+
     function settle(): void {
         if (!following)
             return
@@ -88,7 +93,7 @@ ListView {
     T.ScrollBar.vertical: ThinScrollBar {
         onPressedChanged: if (!pressed) list.following = list.distanceToEnd < 2
     }
-    activeFocusOnTab: count > 0
+    activeFocusOnTab: true
     boundsBehavior: Flickable.StopAtBounds
     cacheBuffer: 800
     clip: true
@@ -96,12 +101,13 @@ ListView {
     objectName: "messageList"
     spacing: Theme.gap5
 
+    // qmllint disable unqualified
     delegate: MessageRow {
         columnWidth: list.columnWidth
         thinkingOpen: list.openThinking[messageId] ?? false
         width: list.width
 
-        onHeightChanged: Qt.callLater(list.settle)
+        onHeightChanged: list.settleSoon()
         onThinkingToggled: {
             list.letGo()
             const open = Object.assign({}, list.openThinking)
@@ -113,6 +119,7 @@ ListView {
         height: turnSpace.height + list.endSpace
         width: 1
     }
+    // qmllint enable unqualified
     header: Item {
         height: Theme.gap4
         width: 1
@@ -129,13 +136,15 @@ ListView {
             return
         event.accepted = true
     }
-    onContentHeightChanged: Qt.callLater(list.settle)
+    onContentHeightChanged: settleSoon()
     onCountChanged: {
-        if (count <= turnRow)
+        if (count === 0)
+            showEnd() // an empty list has nothing that could be read back
+        else if (count <= turnRow)
             turnRow = -1
-        Qt.callLater(list.settle)
+        settleSoon()
     }
-    onHeightChanged: Qt.callLater(list.settle)
+    onHeightChanged: settleSoon()
     onMovementEnded: following = distanceToEnd < 2
     onMovementStarted: following = false
 

@@ -14,7 +14,7 @@ Item {
 
     signal thinkingToggled
 
-    implicitHeight: content.height
+    implicitHeight: Math.ceil(content.height) // rows begin on whole pixels
 
     Loader {
         id: content
@@ -26,13 +26,16 @@ Item {
     Component {
         id: bubble
 
+        // qmllint disable unqualified
         UserBubble {
             text: row.text
         }
+        // qmllint enable unqualified
     }
     Component {
         id: answer
 
+        // qmllint disable unqualified
         AnswerView {
             isStreaming: row.isStreaming
             text: row.text
@@ -41,5 +44,6 @@ Item {
 
             onThinkingToggled: row.thinkingToggled()
         }
+        // qmllint enable unqualified
     }
 }

@@ -1,5 +1,5 @@
 import QtQuick
-import Korvi.Views
+import Korvi.Views // the types written in C++
 
 // The reasoning behind an answer, folded until it is asked for.
 Column {
@@ -57,6 +57,7 @@ Column {
         visible: active
         width: parent.width
 
+        // qmllint disable unqualified
         sourceComponent: Item {
             implicitHeight: reasoning.height
 
@@ -76,5 +77,6 @@ Column {
                 x: Theme.gap5
             }
         }
+        // qmllint enable unqualified
     }
 }

@@ -12,7 +12,7 @@ T.AbstractButton {
     Accessible.description: hint
     Accessible.name: text
     Accessible.role: Accessible.Button
-    focusPolicy: Qt.TabFocus
+    focusPolicy: Qt.TabFocus // qmllint disable
     font.family: Theme.family
     font.pixelSize: Theme.fontBody
     hoverEnabled: true
@@ -31,9 +31,11 @@ T.AbstractButton {
     Loader {
         active: control.hint.length > 0 && (control.hovered || control.visualFocus)
         anchors.fill: parent
+        // qmllint disable unqualified
         sourceComponent: BubbleToolTip {
             text: control.hint
             visible: true
         }
+        // qmllint enable unqualified
     }
 }

@@ -1,5 +1,5 @@
 import QtQuick
-import Korvi.Views
+import Korvi.Views // the types written in C++
 
 Rectangle {
     property real size: Theme.px(56)

@@ -1,5 +1,5 @@
 import QtQuick
-import Korvi.Views
+import Korvi.Views // the types written in C++
 
 // A button that is one symbol; its text is the tool tip and the accessible name.
 BaseButton {

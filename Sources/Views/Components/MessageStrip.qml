@@ -1,5 +1,5 @@
 import QtQuick
-import Korvi.Views
+import Korvi.Views // the types written in C++
 
 // One line or a few about something that went wrong or takes long, with an action and a way to dismiss it.
 Rectangle {

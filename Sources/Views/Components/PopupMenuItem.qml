@@ -1,6 +1,6 @@
 import QtQuick
 import QtQuick.Templates as T
-import Korvi.Views
+import Korvi.Views // the types written in C++
 
 T.MenuItem {
     id: item

@@ -1,5 +1,5 @@
 import QtQuick
-import Korvi.Views
+import Korvi.Views // the types written in C++
 
 // Text that can be selected and copied, and may grow at its end without being laid out anew.
 TextEdit {

@@ -12,6 +12,7 @@ Item {
     Repeater {
         model: 8
 
+        // qmllint disable unqualified
         Rectangle {
             required property int index
 
@@ -24,5 +25,6 @@ Item {
             x: -spread
             y: -spread + Theme.gap2
         }
+        // qmllint enable unqualified
     }
 }

@@ -14,6 +14,7 @@ Row {
     Repeater {
         model: 3
 
+        // qmllint disable unqualified
         Rectangle {
             id: dot
 
@@ -34,5 +35,6 @@ Row {
                 PauseAnimation { duration: (2 - dot.index) * Theme.pulse / 6 }
             }
         }
+        // qmllint enable unqualified
     }
 }

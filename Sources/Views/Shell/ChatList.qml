@@ -24,6 +24,7 @@ ListView {
     section.criteria: ViewSection.FullString
     section.property: "isFavorite"
 
+    // qmllint disable unqualified
     delegate: SidebarRow {
         required property real chatId
         required property string name
@@ -43,6 +44,7 @@ ListView {
             list.chosen(chatId)
         }
     }
+    // qmllint enable unqualified
     section.delegate: Label {
         required property string section
 

@@ -30,6 +30,7 @@ FocusScope {
         Repeater {
             model: field.length
 
+            // qmllint disable unqualified
             CodeBox {
                 required property int index
 
@@ -40,6 +41,7 @@ FocusScope {
                 failed: field.failed && input.length === 0
                 selected: index >= input.selectionStart && index < input.selectionEnd
             }
+            // qmllint enable unqualified
         }
     }
     TextInput {

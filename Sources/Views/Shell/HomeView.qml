@@ -44,7 +44,7 @@ FocusScope {
         focus: true
 
         sidebar: Sidebar {
-            activeChatId: home.chat.activeChatId
+            activeChatId: home.chat.activeChatId // qmllint disable
             anchors.fill: parent
             chats: home.chat.chats
             displayName: home.auth.displayName

@@ -14,11 +14,12 @@ FocusScope {
         focus: true
         sourceComponent: login.auth.isEnterCodeStep ? codeForm : emailForm
 
-        onLoaded: item.forceActiveFocus()
+        onLoaded: (item as FormPage).forceActiveFocus()
     }
     Component {
         id: emailForm
 
+        // qmllint disable unqualified
         EmailForm {
             busy: login.auth.isLoading
             email: login.auth.email
@@ -26,10 +27,12 @@ FocusScope {
 
             onSubmitted: address => login.auth.requestEmailCode(address)
         }
+        // qmllint enable unqualified
     }
     Component {
         id: codeForm
 
+        // qmllint disable unqualified
         CodeForm {
             busy: login.auth.isLoading
             email: login.auth.email
@@ -40,5 +43,6 @@ FocusScope {
             onResend: login.auth.resendCode()
             onSubmitted: code => login.auth.validateCode(code)
         }
+        // qmllint enable unqualified
     }
 }

@@ -1,6 +1,6 @@
 import QtQuick
 import Korvi.ViewModels
-import Korvi.Views
+import Korvi.Views // the types written in C++
 
 FormPage {
     id: view
