@@ -25,7 +25,7 @@ void printCode(const std::string& email, const std::string& code) {
 }
 
 Service::Service(const Options& options)
-    : host_(options.host)
+    : host_(options.host == "localhost" ? "127.0.0.1" : options.host)
     , folder_(options.data)
     , database_(folder_.database())
     , accounts_(database_)
@@ -34,7 +34,7 @@ Service::Service(const Options& options)
     , provider_(providerFor(io_, options))
     , engine_(io_, chats_, *provider_)
     , api_(signIn_, accounts_, chats_, engine_)
-    , http_(io_, api_, engine_, options.host, options.port)
+    , http_(io_, api_, engine_, host_, options.port)
     , signals_(io_, SIGTERM, SIGINT) {
     // A full disk or a closed pipe is an error to report, not a reason to die.
     std::signal(SIGXFSZ, SIG_IGN);
@@ -44,6 +44,8 @@ Service::Service(const Options& options)
             stop();
     });
     engine_.recover();
+    if (!host_.starts_with("127.") && host_ != "::1")
+        logLine("служба доступна по сети без шифрования: поставьте перед ней сервер с TLS.");
 }
 
 std::string Service::address() const {

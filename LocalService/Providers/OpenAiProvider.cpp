@@ -88,7 +88,9 @@ public:
         post.onStatus = [this](long status, const std::string& type, const std::string& retryAfter) {
             status_ = status;
             isStream_ = status == 200 && type.find("application/json") == std::string::npos;
-            retryAfter_ = retryAfter;
+            // The header may also hold a date, which helps nobody in a message.
+            if (retryAfter.find_first_not_of("0123456789") == std::string::npos)
+                retryAfter_ = retryAfter;
         };
         post.onBytes = [this](std::string bytes) { receive(bytes); };
         post.onEnd = [this](HttpOutcome outcome) { end(outcome); };

@@ -1,6 +1,7 @@
 #include "Store/ChatStore.h"
 
 #include "Core/Json.h"
+#include "Core/Limits.h"
 #include "Core/Time.h"
 
 namespace korvi::service {
@@ -258,6 +259,14 @@ void ChatStore::forgetPieces(const Answer& answer) {
 }
 
 void ChatStore::closeInterrupted(const std::string& error) {
+    // Their sessions could not come back while the service was down: the time to do so begins now. After a longer pause
+    // nobody waits any more.
+    const long long now = toMillis(WallClock::now());
+    const long long oldest = now - std::chrono::milliseconds(limits::restartPause).count();
+    db_.run([&](soci::session& sql) {
+        sql << "UPDATE answers SET ended_at = :n WHERE state = 'interrupted' AND delivered = 0 AND ended_at > :o",
+            use(now), use(oldest);
+    });
     std::vector<Answer> answers;
     db_.run([&](soci::session& sql) {
         Answer answer;

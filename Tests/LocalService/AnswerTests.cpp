@@ -235,6 +235,9 @@ TEST_F(AnswerTest, IsStoredWhenTheServiceIsAskedToStop) {
     ServiceProcess again(folder.path());
     const auto stored = messages(again, before[0]["data"]["id"], token);
     EXPECT_THAT(textOf(stored.at(1)), testing::StartsWith(joined(before, "chunk")));
+    const auto after = ChatClient(again.port(), token).receiveAnswer();
+    EXPECT_EQ(joined(after, "chunk"), textOf(stored.at(1)));
+    EXPECT_THAT(after.back()["data"].value("message", ""), HasSubstr("Ответ прерван"));
 }
 
 TEST_F(AnswerTest, OfADeletedChatStopsWithAnEnd) {
