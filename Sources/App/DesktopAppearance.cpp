@@ -1,9 +1,9 @@
 #include "DesktopAppearance.h"
 
 #include <QDBusConnection>
-#include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
+#include <QDBusVariant>
 
 namespace Korvi {
 
@@ -31,8 +31,7 @@ DesktopAppearance::DesktopAppearance(QObject* parent)
     QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected())
         return;
-    bus.connect(
-        portal, path, settings, u"SettingChanged"_s, this, SLOT(settingChanged(QString, QString, QDBusVariant)));
+    bus.connect(portal, path, settings, u"SettingChanged"_s, this, SLOT(settingChanged(QDBusMessage)));
     ask(u"org.freedesktop.appearance"_s, schemeKey);
     ask(u"org.gnome.desktop.interface"_s, animationsKey);
 }
@@ -49,8 +48,10 @@ void DesktopAppearance::ask(const QString& group, const QString& key) {
     });
 }
 
-void DesktopAppearance::settingChanged(const QString&, const QString& key, const QDBusVariant& value) {
-    take(key, unwrapped(value.variant()));
+void DesktopAppearance::settingChanged(const QDBusMessage& message) {
+    const QVariantList arguments = message.arguments();
+    if (arguments.size() == 3)
+        take(arguments.at(1).toString(), unwrapped(arguments.at(2)));
 }
 
 void DesktopAppearance::take(const QString& key, const QVariant& value) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QDBusVariant>
+#include <QDBusMessage>
 #include <QObject>
 
 namespace Korvi {
@@ -20,7 +20,7 @@ signals:
     void changed();
 
 private slots:
-    void settingChanged(const QString& group, const QString& key, const QDBusVariant& value);
+    void settingChanged(const QDBusMessage& message); // group, key, value
 
 private:
     void ask(const QString& group, const QString& key);

@@ -60,6 +60,7 @@ void KorviApp::userChanged() {
     }
     m_scope.cancel();
     m_chatService.disconnect();
+    m_chatService.discardPending();
     m_chat.reset();
 }
 

@@ -4,8 +4,7 @@ namespace Korvi {
 
 using namespace Qt::Literals;
 
-Artifact Artifact::fromJson(const JsonReader& json)
-{
+Artifact Artifact::fromJson(const JsonReader& json) {
     return {
         .id = json.string("id"_L1),
         .title = json.string("title"_L1),
@@ -15,8 +14,7 @@ Artifact Artifact::fromJson(const JsonReader& json)
     };
 }
 
-QJsonObject Artifact::toJson() const
-{
+QJsonObject Artifact::toJson() const {
     QJsonObject object{{"id"_L1, id}, {"title"_L1, title}, {"kind"_L1, kind}, {"text"_L1, text}};
     insertIfPresent(object, "version"_L1, version);
     return object;

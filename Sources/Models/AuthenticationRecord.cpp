@@ -4,8 +4,7 @@ namespace Korvi {
 
 using namespace Qt::Literals;
 
-AuthenticationRecord AuthenticationRecord::fromJson(const JsonReader& json)
-{
+AuthenticationRecord AuthenticationRecord::fromJson(const JsonReader& json) {
     return {
         .userId = json.string("userId"_L1),
         .googleId = json.optionalString("googleId"_L1),

@@ -4,8 +4,7 @@ namespace Korvi {
 
 using namespace Qt::Literals;
 
-AuthenticationResponse AuthenticationResponse::fromJson(const JsonReader& json)
-{
+AuthenticationResponse AuthenticationResponse::fromJson(const JsonReader& json) {
     QJsonObject withoutMembers = json.raw();
     withoutMembers.remove("organizationMembers"_L1);
     return {

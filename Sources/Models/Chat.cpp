@@ -4,8 +4,7 @@ namespace Korvi {
 
 using namespace Qt::Literals;
 
-Chat Chat::fromJson(const JsonReader& json)
-{
+Chat Chat::fromJson(const JsonReader& json) {
     return {
         .id = json.integer("id"_L1),
         .name = json.string("name"_L1),
@@ -21,8 +20,7 @@ Chat Chat::fromJson(const JsonReader& json)
     };
 }
 
-QJsonObject Chat::toJson() const
-{
+QJsonObject Chat::toJson() const {
     QJsonObject object{
         {"id"_L1, id},
         {"name"_L1, name},
@@ -39,8 +37,7 @@ QJsonObject Chat::toJson() const
     return object;
 }
 
-ChatListResponse ChatListResponse::fromJson(const JsonReader& json)
-{
+ChatListResponse ChatListResponse::fromJson(const JsonReader& json) {
     return {.data = json.array<Chat>("data"_L1)};
 }
 

@@ -15,8 +15,7 @@ namespace {
 // In the order of ChatMessage::Role.
 constexpr std::array roleNames{"system"_L1, "user"_L1, "ai"_L1, "assistant"_L1, "tool"_L1};
 
-ChatMessage::Role readRole(const JsonReader& json, QLatin1String key)
-{
+ChatMessage::Role readRole(const JsonReader& json, QLatin1String key) {
     const QString raw = json.string(key);
     for (std::size_t i = 0; i < roleNames.size(); ++i) {
         if (raw == roleNames[i])
@@ -27,13 +26,11 @@ ChatMessage::Role readRole(const JsonReader& json, QLatin1String key)
 
 }
 
-QLatin1String rawValue(ChatMessage::Role role)
-{
+QLatin1String rawValue(ChatMessage::Role role) {
     return roleNames[static_cast<std::size_t>(role)];
 }
 
-QString ChatMessage::text() const
-{
+QString ChatMessage::text() const {
     QStringList parts;
     for (const MessageContent& block : content.value_or(std::vector<MessageContent>())) {
         if (const auto* visible = block.as<MessageContent::Text>())
@@ -44,8 +41,7 @@ QString ChatMessage::text() const
     return parts.join(u'\n');
 }
 
-ChatMessage ChatMessage::fromJson(const JsonReader& json)
-{
+ChatMessage ChatMessage::fromJson(const JsonReader& json) {
     return {
         .id = json.integer("id"_L1),
         .createdAt = json.string("createdAt"_L1),
@@ -57,8 +53,7 @@ ChatMessage ChatMessage::fromJson(const JsonReader& json)
     };
 }
 
-QJsonObject ChatMessage::toJson() const
-{
+QJsonObject ChatMessage::toJson() const {
     QJsonObject object{
         {"id"_L1, id},
         {"createdAt"_L1, createdAt},
@@ -72,8 +67,7 @@ QJsonObject ChatMessage::toJson() const
     return object;
 }
 
-MessageListResponse MessageListResponse::fromJson(const JsonReader& json)
-{
+MessageListResponse MessageListResponse::fromJson(const JsonReader& json) {
     return {.data = json.array<ChatMessage>("data"_L1)};
 }
 

@@ -13,9 +13,7 @@ public:
     DecodingError(QString path, QString why)
         : std::runtime_error((path + QStringLiteral(": ") + why).toStdString())
         , keyPath(std::move(path))
-        , reason(std::move(why))
-    {
-    }
+        , reason(std::move(why)) {}
 
     QString keyPath;
     QString reason;

@@ -55,8 +55,7 @@ private:
 };
 
 template <class T>
-std::vector<T> JsonReader::arrayOf(const QJsonArray& array, const QString& path)
-{
+std::vector<T> JsonReader::arrayOf(const QJsonArray& array, const QString& path) {
     std::vector<T> result;
     result.reserve(static_cast<std::size_t>(array.size()));
     for (qsizetype i = 0; i < array.size(); ++i)
@@ -65,8 +64,7 @@ std::vector<T> JsonReader::arrayOf(const QJsonArray& array, const QString& path)
 }
 
 template <class T>
-std::vector<T> JsonReader::array(QLatin1String key) const
-{
+std::vector<T> JsonReader::array(QLatin1String key) const {
     const QJsonValue value = m_object.value(key);
     if (!value.isArray())
         throw DecodingError(pathOf(key), QStringLiteral("an array is required"));
@@ -74,15 +72,13 @@ std::vector<T> JsonReader::array(QLatin1String key) const
 }
 
 template <class T>
-std::optional<std::vector<T>> JsonReader::optionalArray(QLatin1String key) const
-{
+std::optional<std::vector<T>> JsonReader::optionalArray(QLatin1String key) const {
     return has(key) ? std::optional(array<T>(key)) : std::nullopt;
 }
 
 // Decodes a whole document. Throws DecodingError, also for text that is not JSON.
 template <class T>
-T decodeJson(const QByteArray& bytes)
-{
+T decodeJson(const QByteArray& bytes) {
     QJsonParseError error;
     const QJsonDocument document = QJsonDocument::fromJson(bytes, &error);
     if (error.error != QJsonParseError::NoError)
@@ -94,15 +90,13 @@ T decodeJson(const QByteArray& bytes)
 
 // Writes an optional member only when it is there.
 template <class T>
-void insertIfPresent(QJsonObject& object, QLatin1String key, const std::optional<T>& value)
-{
+void insertIfPresent(QJsonObject& object, QLatin1String key, const std::optional<T>& value) {
     if (value)
         object.insert(key, QJsonValue(*value));
 }
 
 template <class T>
-QJsonArray toJsonArray(const std::vector<T>& values)
-{
+QJsonArray toJsonArray(const std::vector<T>& values) {
     QJsonArray array;
     for (const T& value : values)
         array.append(value.toJson());

@@ -12,10 +12,9 @@ struct Overloaded : Cases... {
 
 // Visits a variant with one callable for each case; a forgotten case does not compile.
 template <class Variant, class... Cases>
-decltype(auto) match(Variant&& variant, Cases&&... cases)
-{
-    return std::visit(Overloaded<std::decay_t<Cases>...>{std::forward<Cases>(cases)...},
-        std::forward<Variant>(variant));
+decltype(auto) match(Variant&& variant, Cases&&... cases) {
+    return std::visit(
+        Overloaded<std::decay_t<Cases>...>{std::forward<Cases>(cases)...}, std::forward<Variant>(variant));
 }
 
 }

@@ -17,8 +17,7 @@ namespace {
 using Content = MessageContent;
 
 // Media addresses come under three names; one that is missing or not a string passes on to the next.
-std::optional<QString> firstString(const QJsonObject& object, std::initializer_list<QLatin1String> keys)
-{
+std::optional<QString> firstString(const QJsonObject& object, std::initializer_list<QLatin1String> keys) {
     for (const QLatin1String key : keys) {
         const QJsonValue value = object.value(key);
         if (value.isString())
@@ -27,47 +26,39 @@ std::optional<QString> firstString(const QJsonObject& object, std::initializer_l
     return std::nullopt;
 }
 
-Content::Value withoutUrl(QLatin1String kind)
-{
+Content::Value withoutUrl(QLatin1String kind) {
     qCWarning(lcMessageContent).noquote() << "❌ [MessageContent] Could not find URL for" << kind << "type";
     return Content::Unknown{};
 }
 
-Content::Value readText(const JsonReader& json)
-{
+Content::Value readText(const JsonReader& json) {
     return Content::Text{json.string("text"_L1)};
 }
 
-Content::Value readThinking(const JsonReader& json)
-{
+Content::Value readThinking(const JsonReader& json) {
     return Content::Thinking{json.string("text"_L1)};
 }
 
-Content::Value readGenerating(const JsonReader& json)
-{
+Content::Value readGenerating(const JsonReader& json) {
     return Content::Generating{json.string("text"_L1)};
 }
 
-Content::Value readImage(const JsonReader& json)
-{
+Content::Value readImage(const JsonReader& json) {
     const auto url = firstString(json.raw(), {"imageUrl"_L1, "image_url"_L1, "url"_L1});
     return url ? Content::Value(Content::Image{*url}) : withoutUrl("image"_L1);
 }
 
-Content::Value readVideo(const JsonReader& json)
-{
+Content::Value readVideo(const JsonReader& json) {
     const auto url = firstString(json.raw(), {"videoUrl"_L1, "video_url"_L1, "url"_L1});
     return url ? Content::Value(Content::Video{*url}) : withoutUrl("video"_L1);
 }
 
-Content::Value readMusic(const JsonReader& json)
-{
+Content::Value readMusic(const JsonReader& json) {
     const auto url = firstString(json.raw(), {"musicUrl"_L1, "music_url"_L1, "url"_L1});
     return url ? Content::Value(Content::Music{*url}) : withoutUrl("music"_L1);
 }
 
-Content::Value readFile(const JsonReader& json)
-{
+Content::Value readFile(const JsonReader& json) {
     const auto url = firstString(json.raw(), {"fileUrl"_L1, "file_url"_L1, "url"_L1});
     if (!url)
         return withoutUrl("file"_L1);
@@ -78,18 +69,15 @@ Content::Value readFile(const JsonReader& json)
     };
 }
 
-Content::Value readArtifact(const JsonReader& json)
-{
+Content::Value readArtifact(const JsonReader& json) {
     return Artifact::fromJson(json);
 }
 
-Content::Value readSearch(const JsonReader& json)
-{
+Content::Value readSearch(const JsonReader& json) {
     return WebSearchContent::fromJson(json);
 }
 
-Content::Value readSearchInProgress(const JsonReader& json)
-{
+Content::Value readSearchInProgress(const JsonReader& json) {
     return Content::SearchInProgress{firstString(json.raw(), {"query"_L1, "text"_L1}).value_or(QString())};
 }
 
@@ -119,16 +107,14 @@ constexpr std::array rows{
     Row{"searching"_L1, readSearchInProgress},
 };
 
-QJsonObject typed(QLatin1String type, QJsonObject object = {})
-{
+QJsonObject typed(QLatin1String type, QJsonObject object = {}) {
     object.insert("type"_L1, type);
     return object;
 }
 
 }
 
-MessageContent MessageContent::fromJson(const JsonReader& json)
-{
+MessageContent MessageContent::fromJson(const JsonReader& json) {
     const QString type = json.string("type"_L1);
     for (const Row& row : rows) {
         if (type == row.type)
@@ -137,21 +123,32 @@ MessageContent MessageContent::fromJson(const JsonReader& json)
     return {Unknown{}};
 }
 
-QJsonObject MessageContent::toJson() const
-{
+QJsonObject MessageContent::toJson() const {
     return match(
         value,
-        [](const Text& block) { return typed("text"_L1, {{"text"_L1, block.text}}); },
-        [](const Image& block) { return typed("image_url"_L1, {{"image_url"_L1, block.url}}); },
-        [](const Video& block) { return typed("video_url"_L1, {{"video_url"_L1, block.url}}); },
-        [](const Music& block) { return typed("music_url"_L1, {{"music_url"_L1, block.url}}); },
+        [](const Text& block) {
+            return typed("text"_L1, {{"text"_L1, block.text}});
+        },
+        [](const Image& block) {
+            return typed("image_url"_L1, {{"image_url"_L1, block.url}});
+        },
+        [](const Video& block) {
+            return typed("video_url"_L1, {{"video_url"_L1, block.url}});
+        },
+        [](const Music& block) {
+            return typed("music_url"_L1, {{"music_url"_L1, block.url}});
+        },
         [](const File& block) {
             return typed("file_url"_L1,
                 {{"fileUrl"_L1, block.url}, {"filename"_L1, block.filename}, {"mimetype"_L1, block.mimetype}});
         },
         [](const Artifact& block) { return typed("artifact"_L1, block.toJson()); },
-        [](const Thinking& block) { return typed("thinking"_L1, {{"text"_L1, block.text}}); },
-        [](const Generating& block) { return typed("generating"_L1, {{"text"_L1, block.kind}}); },
+        [](const Thinking& block) {
+            return typed("thinking"_L1, {{"text"_L1, block.text}});
+        },
+        [](const Generating& block) {
+            return typed("generating"_L1, {{"text"_L1, block.kind}});
+        },
         // The type string of the payload is "search" or "web_search"; both read back, and are kept.
         [](const WebSearchContent& block) {
             QJsonObject object = block.toJson();

@@ -55,13 +55,11 @@ struct MessageContent {
     Value value;
 
     template <class T>
-    const T* as() const
-    {
+    const T* as() const {
         return std::get_if<T>(&value);
     }
     template <class T>
-    T* as()
-    {
+    T* as() {
         return std::get_if<T>(&value);
     }
 

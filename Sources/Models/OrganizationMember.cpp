@@ -22,8 +22,7 @@ constexpr std::array roles{
     RoleRow{OrganizationMemberRole::deleted, "DELETED"_L1, u"Удалён"},
 };
 
-std::optional<std::vector<QString>> optionalStrings(const JsonReader& json, QLatin1String key)
-{
+std::optional<std::vector<QString>> optionalStrings(const JsonReader& json, QLatin1String key) {
     const QJsonValue value = json.raw().value(key);
     if (value.isUndefined() || value.isNull())
         return std::nullopt;
@@ -40,8 +39,7 @@ std::optional<std::vector<QString>> optionalStrings(const JsonReader& json, QLat
 
 }
 
-OrganizationMemberRole organizationMemberRole(const JsonReader& json, QLatin1String key)
-{
+OrganizationMemberRole organizationMemberRole(const JsonReader& json, QLatin1String key) {
     const QString raw = json.string(key);
     for (const RoleRow& row : roles) {
         if (raw == row.raw)
@@ -50,8 +48,7 @@ OrganizationMemberRole organizationMemberRole(const JsonReader& json, QLatin1Str
     throw DecodingError(json.pathOf(key), u"not a role"_s);
 }
 
-QString displayName(OrganizationMemberRole role)
-{
+QString displayName(OrganizationMemberRole role) {
     for (const RoleRow& row : roles) {
         if (row.role == role)
             return row.displayName.toString();
@@ -59,8 +56,7 @@ QString displayName(OrganizationMemberRole role)
     return {};
 }
 
-OrganizationMember OrganizationMember::fromJson(const JsonReader& json)
-{
+OrganizationMember OrganizationMember::fromJson(const JsonReader& json) {
     return {
         .id = json.string("id"_L1),
         .email = json.string("email"_L1),
@@ -72,8 +68,7 @@ OrganizationMember OrganizationMember::fromJson(const JsonReader& json)
     };
 }
 
-Organization Organization::fromJson(const JsonReader& json)
-{
+Organization Organization::fromJson(const JsonReader& json) {
     return {
         .id = json.string("id"_L1),
         .name = json.string("name"_L1),
@@ -84,8 +79,7 @@ Organization Organization::fromJson(const JsonReader& json)
     };
 }
 
-ExtendedOrganizationMember ExtendedOrganizationMember::fromJson(const JsonReader& json)
-{
+ExtendedOrganizationMember ExtendedOrganizationMember::fromJson(const JsonReader& json) {
     ExtendedOrganizationMember member;
     static_cast<OrganizationMember&>(member) = OrganizationMember::fromJson(json);
     member.organization = Organization::fromJson(json.object("organization"_L1));

@@ -4,8 +4,7 @@ namespace Korvi {
 
 using namespace Qt::Literals;
 
-SessionLocation SessionLocation::fromJson(const JsonReader& json)
-{
+SessionLocation SessionLocation::fromJson(const JsonReader& json) {
     return {
         .ip = json.optionalString("ip"_L1),
         .id = json.optionalString("id"_L1),
@@ -14,13 +13,11 @@ SessionLocation SessionLocation::fromJson(const JsonReader& json)
     };
 }
 
-SessionDevice SessionDevice::fromJson(const JsonReader& json)
-{
+SessionDevice SessionDevice::fromJson(const JsonReader& json) {
     return {.name = json.optionalString("name"_L1)};
 }
 
-Session Session::fromJson(const JsonReader& json)
-{
+Session Session::fromJson(const JsonReader& json) {
     Session session{
         .id = json.string("id"_L1),
         .deviceId = json.optionalString("deviceId"_L1),

@@ -4,8 +4,7 @@ namespace Korvi {
 
 using namespace Qt::Literals;
 
-ToolContent ToolContent::fromJson(const JsonReader& json)
-{
+ToolContent ToolContent::fromJson(const JsonReader& json) {
     ToolContent body;
     body.type = json.optionalString("type"_L1);
     body.text = json.optionalString("text"_L1);
@@ -17,8 +16,7 @@ ToolContent ToolContent::fromJson(const JsonReader& json)
     return body;
 }
 
-ToolContentWrapper ToolContentWrapper::fromJson(const JsonReader& json)
-{
+ToolContentWrapper ToolContentWrapper::fromJson(const JsonReader& json) {
     return {.event = json.string("event"_L1), .data = ToolContent::fromJson(json.object("data"_L1))};
 }
 

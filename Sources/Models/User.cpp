@@ -6,8 +6,7 @@ namespace Korvi {
 
 using namespace Qt::Literals;
 
-QString User::displayName() const
-{
+QString User::displayName() const {
     if (firstName && lastName)
         return *firstName + u' ' + *lastName;
     if (firstName)
@@ -15,8 +14,7 @@ QString User::displayName() const
     return email.value_or(u"User"_s);
 }
 
-std::vector<ExtendedOrganizationMember> User::validOrganizations() const
-{
+std::vector<ExtendedOrganizationMember> User::validOrganizations() const {
     std::vector<ExtendedOrganizationMember> valid;
     if (!organizationMembers)
         return valid;
@@ -27,8 +25,7 @@ std::vector<ExtendedOrganizationMember> User::validOrganizations() const
     return valid;
 }
 
-User User::fromJson(const JsonReader& json)
-{
+User User::fromJson(const JsonReader& json) {
     return {
         .id = json.string("id"_L1),
         .email = json.optionalString("email"_L1),

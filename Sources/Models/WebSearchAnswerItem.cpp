@@ -9,26 +9,22 @@ namespace Korvi {
 
 using namespace Qt::Literals;
 
-QString domainOf(const QString& url)
-{
+QString domainOf(const QString& url) {
     QString host = QUrl(url).host();
     return host.isEmpty() ? url : host.remove("www."_L1);
 }
 
-WebSearchAnswerItem::WebSearchSource WebSearchAnswerItem::WebSearchSource::fromJson(const JsonReader& json)
-{
+WebSearchAnswerItem::WebSearchSource WebSearchAnswerItem::WebSearchSource::fromJson(const JsonReader& json) {
     return {.url = json.string("url"_L1), .index = json.integer("index"_L1)};
 }
 
-QJsonObject WebSearchAnswerItem::WebSearchSource::toJson() const
-{
+QJsonObject WebSearchAnswerItem::WebSearchSource::toJson() const {
     return {{"url"_L1, url}, {"index"_L1, index}};
 }
 
 WebSearchAnswerItem::WebSearchAnswerItem(QString itemText, std::optional<std::vector<WebSearchSource>> itemSources)
     : text(std::move(itemText))
-    , sources(std::move(itemSources))
-{
+    , sources(std::move(itemSources)) {
     static const QRegularExpression citation(uR"(\[?\[(\d{1,2})\]\]?\((https?://[^)]+)\))"_s);
     static const QRegularExpression gap(uR"(\n{3,})"_s);
 
@@ -49,13 +45,11 @@ WebSearchAnswerItem::WebSearchAnswerItem(QString itemText, std::optional<std::ve
     cleanedText = cleanedText.trimmed();
 }
 
-WebSearchAnswerItem WebSearchAnswerItem::fromJson(const JsonReader& json)
-{
+WebSearchAnswerItem WebSearchAnswerItem::fromJson(const JsonReader& json) {
     return WebSearchAnswerItem(json.string("text"_L1), json.optionalArray<WebSearchSource>("sources"_L1));
 }
 
-QJsonObject WebSearchAnswerItem::toJson() const
-{
+QJsonObject WebSearchAnswerItem::toJson() const {
     QJsonObject object{{"text"_L1, text}};
     if (sources)
         object.insert("sources"_L1, toJsonArray(*sources));

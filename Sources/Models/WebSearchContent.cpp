@@ -8,8 +8,7 @@ using namespace Qt::Literals;
 
 Q_LOGGING_CATEGORY(lcWebSearch, "korvi.models.search")
 
-WebSearchResult WebSearchResult::fromJson(const JsonReader& json)
-{
+WebSearchResult WebSearchResult::fromJson(const JsonReader& json) {
     return {
         .title = json.string("title"_L1),
         .url = json.string("url"_L1),
@@ -18,20 +17,17 @@ WebSearchResult WebSearchResult::fromJson(const JsonReader& json)
     };
 }
 
-QJsonObject WebSearchResult::toJson() const
-{
+QJsonObject WebSearchResult::toJson() const {
     QJsonObject object{{"title"_L1, title}, {"url"_L1, url}, {"content"_L1, content}};
     insertIfPresent(object, "favicon"_L1, favicon);
     return object;
 }
 
-WebSearchImage WebSearchImage::fromJson(const JsonReader& json)
-{
+WebSearchImage WebSearchImage::fromJson(const JsonReader& json) {
     return {.url = json.string("url"_L1), .description = json.optionalString("description"_L1)};
 }
 
-QJsonObject WebSearchImage::toJson() const
-{
+QJsonObject WebSearchImage::toJson() const {
     QJsonObject object{{"url"_L1, url}};
     insertIfPresent(object, "description"_L1, description);
     return object;
@@ -40,8 +36,7 @@ QJsonObject WebSearchImage::toJson() const
 namespace {
 
 template <class Read>
-auto tolerant(Read read) -> decltype(read())
-{
+auto tolerant(Read read) -> decltype(read()) {
     try {
         return read();
     } catch (const DecodingError& error) {
@@ -52,8 +47,7 @@ auto tolerant(Read read) -> decltype(read())
 
 }
 
-WebSearchContent WebSearchContent::fromJson(const JsonReader& json)
-{
+WebSearchContent WebSearchContent::fromJson(const JsonReader& json) {
     WebSearchContent content;
     content.type = tolerant([&] { return json.optionalString("type"_L1); });
     content.query = tolerant([&] { return json.optionalString("query"_L1); });
@@ -64,8 +58,7 @@ WebSearchContent WebSearchContent::fromJson(const JsonReader& json)
     return content;
 }
 
-QJsonObject WebSearchContent::toJson() const
-{
+QJsonObject WebSearchContent::toJson() const {
     QJsonObject object;
     insertIfPresent(object, "type"_L1, type);
     insertIfPresent(object, "query"_L1, query);

@@ -47,8 +47,7 @@ Task<Secret> AuthTokenStore::read() {
     co_return token;
 }
 
-Task<void> AuthTokenStore::write(Secret token)
-{
+Task<void> AuthTokenStore::write(Secret token) {
     m_known = token;
     if (token.isEmpty()) {
         m_defaults.remove(currentKey);
@@ -63,24 +62,21 @@ Task<void> AuthTokenStore::write(Secret token)
     co_return;
 }
 
-Task<bool> AuthTokenStore::wipe(Secret refused)
-{
+Task<bool> AuthTokenStore::wipe(Secret refused) {
     if (m_known && m_known->reveal() != refused.reveal())
         co_return false;
     co_await write(Secret());
     co_return true;
 }
 
-void AuthTokenStore::saveLater(Secret token)
-{
+void AuthTokenStore::saveLater(Secret token) {
     m_toSave = std::move(token);
     // One writer at a time, so that an older token never overtakes a newer one.
     if (!std::exchange(m_isSaving, true))
         m_scope.start([this] { return save(); });
 }
 
-Task<void> AuthTokenStore::save()
-{
+Task<void> AuthTokenStore::save() {
     while (m_toSave) {
         const Secret token = *std::exchange(m_toSave, std::nullopt);
         co_await m_keychain.remove(service, account);

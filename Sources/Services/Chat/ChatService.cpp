@@ -105,12 +105,13 @@ void ChatService::watch(WebSocketConnection& socket, quint64 attempt) {
         };
     };
     QObject::connect(&socket, &WebSocketConnection::opened, this, current([this] { socketOpened(); }));
-    QObject::connect(&socket, &WebSocketConnection::messageReceived, this, current([this, attempt](const QString& text) {
-        for (const SocketEvent& event : SocketFrame::parse(text.toUtf8())) {
-            if (onEvent && attempt == m_connectionId)
-                onEvent(event);
-        }
-    }));
+    QObject::connect(
+        &socket, &WebSocketConnection::messageReceived, this, current([this, attempt](const QString& text) {
+            for (const SocketEvent& event : SocketFrame::parse(text.toUtf8())) {
+                if (onEvent && attempt == m_connectionId)
+                    onEvent(event);
+            }
+        }));
     // A frame that did not leave is queued again whoever lost it: it is the user's.
     QObject::connect(&socket, &WebSocketConnection::sendFailed, this,
         [this](const QString& frame, const QString& reason) { requeue(frame, reason); });

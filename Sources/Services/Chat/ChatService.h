@@ -45,6 +45,8 @@ public:
     void connect();
     // Queued frames stay; nothing reconnects by itself afterwards.
     void disconnect();
+    // Drops the queued frames: they are of a user who leaves, and must not go out in another one's name.
+    void discardPending() { m_pendingMessages.clear(); }
     // Returns when the socket has opened, or after 5 seconds: test isConnected() then.
     Task<void> reconnectAndWait();
     bool isConnected() const { return m_isConnected; }
