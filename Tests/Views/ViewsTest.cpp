@@ -9,8 +9,7 @@ class Setup : public QObject {
     Q_OBJECT
 
 public slots:
-    void qmlEngineAvailable(QQmlEngine* engine)
-    {
+    void qmlEngineAvailable(QQmlEngine* engine) {
         connect(engine, &QQmlEngine::warnings, this, [](const QList<QQmlError>& warnings) {
             for (const QQmlError& warning : warnings)
                 qFatal("QML warning: %s", qUtf8Printable(warning.toString()));

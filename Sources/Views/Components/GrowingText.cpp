@@ -5,8 +5,7 @@
 
 namespace Korvi {
 
-void GrowingText::setDocument(QQuickTextDocument* document)
-{
+void GrowingText::setDocument(QQuickTextDocument* document) {
     if (document == m_document)
         return;
     m_document = document;
@@ -16,8 +15,7 @@ void GrowingText::setDocument(QQuickTextDocument* document)
     emit documentChanged();
 }
 
-void GrowingText::setText(const QString& text)
-{
+void GrowingText::setText(const QString& text) {
     if (text == m_text)
         return;
     const bool grew = !m_text.isEmpty() && text.startsWith(m_text);
@@ -33,8 +31,7 @@ void GrowingText::setText(const QString& text)
     emit textChanged();
 }
 
-void GrowingText::replaceAll()
-{
+void GrowingText::replaceAll() {
     if (m_document)
         m_document->textDocument()->setPlainText(m_text);
 }

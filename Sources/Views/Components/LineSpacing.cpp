@@ -7,8 +7,7 @@
 
 namespace Korvi {
 
-void LineSpacing::setDocument(QQuickTextDocument* document)
-{
+void LineSpacing::setDocument(QQuickTextDocument* document) {
     if (document == m_document)
         return;
     disconnect(m_contents);
@@ -24,8 +23,7 @@ void LineSpacing::setDocument(QQuickTextDocument* document)
     emit documentChanged();
 }
 
-void LineSpacing::setDistance(qreal distance)
-{
+void LineSpacing::setDistance(qreal distance) {
     if (distance == m_distance)
         return;
     m_distance = distance;
@@ -33,8 +31,7 @@ void LineSpacing::setDistance(qreal distance)
     emit distanceChanged();
 }
 
-void LineSpacing::apply()
-{
+void LineSpacing::apply() {
     if (!m_document)
         return;
     QTextDocument* document = m_document->textDocument();

@@ -44,8 +44,7 @@ constexpr Entry symbols[] = {
     {QLatin1StringView("xmark"), QLatin1StringView("x")},
 };
 
-QByteArray load(const QString& name)
-{
+QByteArray load(const QString& name) {
     const auto* entry = std::ranges::find(symbols, name, &Entry::symbol);
     if (entry == std::end(symbols)) {
         qWarning("⚠️ [Symbol] Unknown symbol '%s'", qUtf8Printable(name));
@@ -56,21 +55,19 @@ QByteArray load(const QString& name)
         qWarning("⚠️ [Symbol] No drawing for '%s'", qUtf8Printable(name));
         return {};
     }
-    return file.readAll().replace("stroke-width=\"2\"",
-        "stroke-width=\"" + QByteArray::number(Symbol::strokeWidth) + '"');
+    return file.readAll().replace(
+        "stroke-width=\"2\"", "stroke-width=\"" + QByteArray::number(Symbol::strokeWidth) + '"');
 }
 
 }
 
 Symbol::Symbol(QQuickItem* parent)
-    : QQuickPaintedItem(parent)
-{
+    : QQuickPaintedItem(parent) {
     setAntialiasing(true);
     setImplicitSize(m_size, m_size);
 }
 
-void Symbol::setName(const QString& name)
-{
+void Symbol::setName(const QString& name) {
     if (name == m_name)
         return;
     m_name = name;
@@ -79,8 +76,7 @@ void Symbol::setName(const QString& name)
     update();
 }
 
-void Symbol::setSize(qreal size)
-{
+void Symbol::setSize(qreal size) {
     if (size == m_size)
         return;
     m_size = size;
@@ -88,8 +84,7 @@ void Symbol::setSize(qreal size)
     emit sizeChanged();
 }
 
-void Symbol::setColor(const QColor& color)
-{
+void Symbol::setColor(const QColor& color) {
     if (color == m_color)
         return;
     m_color = color;
@@ -97,8 +92,7 @@ void Symbol::setColor(const QColor& color)
     update();
 }
 
-void Symbol::paint(QPainter* painter)
-{
+void Symbol::paint(QPainter* painter) {
     if (m_svg.isEmpty())
         return;
     QSvgRenderer renderer(QByteArray(m_svg).replace("currentColor", m_color.name(QColor::HexRgb).toLatin1()));
