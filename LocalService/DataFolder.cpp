@@ -11,7 +11,8 @@
 
 namespace korvi::service {
 
-DataFolder::DataFolder(std::filesystem::path path) : path_(std::filesystem::absolute(path)) {
+DataFolder::DataFolder(std::filesystem::path path)
+    : path_(std::filesystem::absolute(path)) {
     // Conversations are nobody else's business.
     ::umask(0077);
     std::error_code error;

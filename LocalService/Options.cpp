@@ -25,7 +25,8 @@ Number numberFrom(std::string_view option, const std::string& text, Number maxim
     Number value = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
     if (text.empty() || error != std::errc() || end != text.data() + text.size() || value < 0 || value > maximum)
-        throw OptionsError(std::string(option) + ": нужно число от 0 до " + std::to_string(maximum) + ", а не «" + text + "»");
+        throw OptionsError(
+            std::string(option) + ": нужно число от 0 до " + std::to_string(maximum) + ", а не «" + text + "»");
     return value;
 }
 
@@ -80,7 +81,9 @@ constexpr std::array table{
         [](Options& o, const std::string& v) { o.model = v; }},
     Option{"--model-for", "РЕЖИМ=МОДЕЛЬ", "модель для чатов одного режима; можно повторять", setModelForMode},
     Option{"--model-idle-s", "ЧИСЛО", "сколько секунд ждать от модели следующей части ответа (180)",
-        [](Options& o, const std::string& v) { o.modelIdle = std::chrono::seconds(numberFrom("--model-idle-s", v, 86400)); }},
+        [](Options& o, const std::string& v) {
+            o.modelIdle = std::chrono::seconds(numberFrom("--model-idle-s", v, 86400));
+        }},
     Option{"--allow-plain-http", "", "разрешить http:// не только для своего компьютера: ключ и текст пойдут открыто",
         [](Options& o, const std::string&) { o.allowPlainHttp = true; }},
     Option{"--help", "", "эта справка", [](Options& o, const std::string&) { o.help = true; }},
@@ -104,7 +107,8 @@ Options parseOptions(const std::vector<std::string>& arguments) {
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const auto equals = arguments[i].find('=');
         const std::string name = arguments[i].substr(0, equals);
-        const auto* option = std::find_if(table.begin(), table.end(), [&](const Option& each) { return each.name == name; });
+        const auto* option =
+            std::find_if(table.begin(), table.end(), [&](const Option& each) { return each.name == name; });
         if (option == table.end())
             throw OptionsError("Неизвестный ключ «" + arguments[i] + "». Список ключей: korvi-service --help");
         std::string value;
@@ -129,7 +133,8 @@ std::string helpText() {
     std::string text = "korvi-service — служба, с которой разговаривает приложение Korvi.\n\n"
                        "Запуск: korvi-service [ключи]\n\n";
     for (const Option& option : table) {
-        const std::string head = "  " + std::string(option.name) + (option.value.empty() ? "" : " ") + std::string(option.value);
+        const std::string head =
+            "  " + std::string(option.name) + (option.value.empty() ? "" : " ") + std::string(option.value);
         const std::size_t width = utf16Length(head);
         text += head + std::string(width < 32 ? 32 - width : 1, ' ') + std::string(option.help) + "\n";
     }

@@ -4,7 +4,6 @@
 #include "Providers/DemoProvider.h"
 #include "Providers/OpenAiProvider.h"
 
-#include <boost/asio/signal_set.hpp>
 #include <csignal>
 
 namespace korvi::service {
@@ -15,8 +14,8 @@ std::unique_ptr<Provider> providerFor(asio::io_context& io, const Options& optio
     if (options.provider == ProviderKind::demo)
         return std::make_unique<DemoProvider>(io, options.demoDelay);
     return std::make_unique<OpenAiProvider>(io,
-        OpenAiSettings{options.openaiUrl, options.openaiKey, options.model, options.modelForMode, options.allowPlainHttp,
-            options.modelIdle});
+        OpenAiSettings{options.openaiUrl, options.openaiKey, options.model, options.modelForMode,
+            options.allowPlainHttp, options.modelIdle});
 }
 
 void printCode(const std::string& email, const std::string& code) {
@@ -26,7 +25,7 @@ void printCode(const std::string& email, const std::string& code) {
 }
 
 Service::Service(const Options& options)
-    : host_(options.host)
+    : host_(options.host == "localhost" ? "127.0.0.1" : options.host)
     , folder_(options.data)
     , database_(folder_.database())
     , accounts_(database_)
@@ -35,8 +34,18 @@ Service::Service(const Options& options)
     , provider_(providerFor(io_, options))
     , engine_(io_, chats_, *provider_)
     , api_(signIn_, accounts_, chats_, engine_)
-    , http_(io_, api_, engine_, options.host, options.port) {
+    , http_(io_, api_, engine_, host_, options.port)
+    , signals_(io_, SIGTERM, SIGINT) {
+    // A full disk or a closed pipe is an error to report, not a reason to die.
+    std::signal(SIGXFSZ, SIG_IGN);
+    std::signal(SIGPIPE, SIG_IGN);
+    signals_.async_wait([this](const boost::system::error_code& error, int) {
+        if (!error)
+            stop();
+    });
     engine_.recover();
+    if (!host_.starts_with("127.") && host_ != "::1")
+        logLine("служба доступна по сети без шифрования: поставьте перед ней сервер с TLS.");
 }
 
 std::string Service::address() const {
@@ -45,14 +54,6 @@ std::string Service::address() const {
 }
 
 void Service::run() {
-    // A full disk or a closed pipe is an error to report, not a reason to die.
-    std::signal(SIGXFSZ, SIG_IGN);
-    std::signal(SIGPIPE, SIG_IGN);
-    asio::signal_set signals(io_, SIGTERM, SIGINT);
-    signals.async_wait([this](const boost::system::error_code& error, int) {
-        if (!error)
-            stop();
-    });
     io_.run();
 }
 

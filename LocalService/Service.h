@@ -11,6 +11,7 @@
 #include "Store/ChatStore.h"
 #include "Store/Database.h"
 
+#include <boost/asio/signal_set.hpp>
 #include <memory>
 #include <string>
 
@@ -41,6 +42,7 @@ private:
     AnswerEngine engine_;
     Api api_;
     HttpServer http_;
+    asio::signal_set signals_;
 };
 
 }

@@ -18,8 +18,7 @@ int main(int argc, char** argv) {
             return 0;
         }
         Service service(options);
-        consoleLine(
-            "korvi-service " KORVI_VERSION ": " + service.address() + ", данные: " + service.data().string());
+        consoleLine("korvi-service " KORVI_VERSION ": " + service.address() + ", данные: " + service.data().string());
         service.run();
         return 0;
     } catch (const std::exception& error) {

@@ -15,7 +15,7 @@ build() {
         rm -f "/tmp/korvi-configure.$$"
     fi
     say "Building ($preset)"
-    cmake --build "build/$preset" ${1:+--target "$@"} -- --quiet 2>/dev/null || cmake --build "build/$preset" ${1:+--target "$@"}
+    cmake --build "build/$preset" ${1:+--target "$@"} -- --quiet
 }
 
 # Installs what is missing; a machine that has everything is asked one quick question.

@@ -184,8 +184,8 @@ void AnswerEngine::perform(const SessionRow& session, const AbortFrame& frame) {
 }
 
 bool AnswerEngine::hasRoomFor(const std::string& userId) const {
-    const auto own = std::count_if(running_.begin(), running_.end(),
-        [&](const auto& entry) { return entry.second.answer->userId == userId; });
+    const auto own = std::count_if(
+        running_.begin(), running_.end(), [&](const auto& entry) { return entry.second.answer->userId == userId; });
     return running_.size() < limits::answersInAll && static_cast<std::size_t>(own) < limits::answersPerUser;
 }
 

@@ -19,11 +19,11 @@ std::string faultOf(const json& content) {
     std::size_t text = 0;
     for (const json& part : content) {
         const auto type = stringAt(part, "type");
-        const char* required = !type       ? nullptr
-            : *type == "text"              ? "text"
-            : *type == "image_url"         ? "imageUrl"
-            : *type == "file_url"          ? "fileUrl"
-                                           : nullptr;
+        const char* required = !type ? nullptr
+            : *type == "text"        ? "text"
+            : *type == "image_url"   ? "imageUrl"
+            : *type == "file_url"    ? "fileUrl"
+                                     : nullptr;
         const auto value = required ? stringAt(part, required) : std::nullopt;
         if (!value)
             return "Сообщение содержит часть неизвестного вида. Обновите приложение.";
@@ -79,7 +79,8 @@ ClientFrame parseClientFrame(std::string_view text) {
         return sendFrom(data);
     if (*event == "abort") {
         const auto chatId = integerAt(data, "chatId");
-        return chatId ? ClientFrame(AbortFrame{*chatId}) : BadFrame{0, "Не указан чат, ответ в котором надо остановить."};
+        return chatId ? ClientFrame(AbortFrame{*chatId})
+                      : BadFrame{0, "Не указан чат, ответ в котором надо остановить."};
     }
     return BadFrame{0, "Служба не знает запроса «" + firstWords(*event, 40) + "». Обновите приложение или службу."};
 }

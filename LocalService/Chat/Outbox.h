@@ -32,7 +32,8 @@ public:
         bool operator==(const Mark&) const = default;
     };
 
-    explicit Outbox(Host& host) : host_(host) {}
+    explicit Outbox(Host& host)
+        : host_(host) {}
 
     void add(std::shared_ptr<Answer> answer) { answers_.push_back(std::move(answer)); }
     /// A new connection: what is not confirmed goes out again.

@@ -2,6 +2,7 @@
 
 #include "Core/Text.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <utf8proc.h>
@@ -21,8 +22,9 @@ constexpr std::array residues{
 
 /// True if the next characters could complete a residue that begins in `text`.
 bool endsInsideResidue(std::string_view text) {
+    text.remove_prefix(text.size() - std::min<std::size_t>(text.size(), 4));
     const auto start = text.rfind('\\');
-    if (start == std::string_view::npos || text.size() - start >= 5)
+    if (start == std::string_view::npos)
         return false;
     const auto tail = text.substr(start);
     for (const auto& residue : residues)
@@ -102,6 +104,7 @@ void PieceCutter::advanceBorders() {
             lastClusterStart_ = scanned_;
             ++clusters_;
         }
+        hasBackslash_ = hasBackslash_ || point == '\\';
         previousPoint_ = point;
         scanned_ += static_cast<std::size_t>(used);
     }
@@ -114,17 +117,16 @@ void PieceCutter::tryCut(std::vector<Piece>& out) {
     const auto candidate = std::string_view(pending_).substr(0, lastClusterStart_);
     if (endsInsideResidue(candidate))
         return;
-    std::string visible = asShown(candidate);
-    if (utf16Length(visible) < minimumClusters || isRepeat(visible))
+    const std::string translated = hasBackslash_ ? asShown(candidate) : std::string();
+    const std::string_view visible = hasBackslash_ ? std::string_view(translated) : candidate;
+    if ((hasBackslash_ && utf16Length(visible) < minimumClusters) || isRepeat(visible))
         return;
     if (!held_.empty())
         out.push_back({kind_, std::move(held_)});
     held_ = candidate;
     shown() += visible;
     pending_.erase(0, lastClusterStart_);
-    scanned_ = lastClusterStart_ = clusters_ = searchFrom_ = 0;
-    previousPoint_ = -1;
-    breakState_ = 0;
+    resetScan();
     advanceBorders();
 }
 
@@ -132,34 +134,61 @@ bool PieceCutter::isRepeat(std::string_view shownPiece) {
     const std::string& text = shown();
     if (kind_ == PieceKind::thinking)
         return text.ends_with(shownPiece);
+    // While a repetition grows, most of it has been compared already.
+    if (matched_ > 0 && matched_ <= shownPiece.size() &&
+        std::string_view(text).substr(searchFrom_ + matched_).starts_with(shownPiece.substr(matched_))) {
+        matched_ = shownPiece.size();
+        return true;
+    }
     // memmem rather than find(): in Cyrillic text every second byte is the same, on which find() stumbles.
     const void* match =
         memmem(text.data() + searchFrom_, text.size() - searchFrom_, shownPiece.data(), shownPiece.size());
     searchFrom_ = match ? static_cast<std::size_t>(static_cast<const char*>(match) - text.data()) : 0;
+    matched_ = match ? shownPiece.size() : 0;
     return match != nullptr;
 }
 
 void PieceCutter::closeRun(std::vector<Piece>& out) {
-    if (!held_.empty()) {
-        // What joins a new piece makes it no less new.
+    if (!held_.empty() && !isSuffixTogether()) {
+        // What joins a new text makes it no less new.
         shown() += asShown(pending_);
         out.push_back({kind_, std::move(held_) + pending_});
-    } else if (!pending_.empty()) {
-        const std::string visible = asShown(pending_);
-        searchFrom_ = 0;
-        if (utf16Length(visible) > alwaysAppended && isRepeat(visible)) {
-            for (auto& part : shortParts(pending_))
-                out.push_back({kind_, std::move(part)});
-        } else {
-            out.push_back({kind_, pending_});
-        }
-        shown() += visible;
+    } else {
+        if (!held_.empty())
+            out.push_back({kind_, std::move(held_)});
+        closePending(out);
     }
     held_.clear();
     pending_.clear();
-    scanned_ = lastClusterStart_ = clusters_ = searchFrom_ = 0;
+    resetScan();
+}
+
+bool PieceCutter::isSuffixTogether() {
+    if (kind_ == PieceKind::text)
+        return false;
+    const std::size_t before = shown().size() - asShown(held_).size();
+    return std::string_view(shown()).substr(0, before).ends_with(asShown(held_ + pending_));
+}
+
+void PieceCutter::closePending(std::vector<Piece>& out) {
+    if (pending_.empty())
+        return;
+    const std::string visible = asShown(pending_);
+    searchFrom_ = matched_ = 0;
+    if (utf16Length(visible) > alwaysAppended && isRepeat(visible)) {
+        for (auto& part : shortParts(pending_))
+            out.push_back({kind_, std::move(part)});
+    } else {
+        out.push_back({kind_, pending_});
+    }
+    shown() += visible;
+}
+
+void PieceCutter::resetScan() {
+    scanned_ = lastClusterStart_ = clusters_ = searchFrom_ = matched_ = 0;
     previousPoint_ = -1;
     breakState_ = 0;
+    hasBackslash_ = false;
 }
 
 }

@@ -32,6 +32,10 @@ private:
     void advanceBorders();
     void tryCut(std::vector<Piece>& out);
     void closeRun(std::vector<Piece>& out);
+    void closePending(std::vector<Piece>& out);
+    /// Reasoning only: what is held and what is pending would together be taken for the end of what came before.
+    bool isSuffixTogether();
+    void resetScan();
     std::string& shown() { return kind_ == PieceKind::text ? shownText_ : shownThinking_; }
     bool isRepeat(std::string_view shownPiece);
 
@@ -48,8 +52,10 @@ private:
     std::size_t clusters_ = 0;
     std::int32_t previousPoint_ = -1;
     std::int32_t breakState_ = 0;
-    // No match of a longer text can begin before the first match of its beginning.
+    bool hasBackslash_ = false;
+    // No match of a longer text can begin before the first match of its beginning, and of that so many bytes are known.
     std::size_t searchFrom_ = 0;
+    std::size_t matched_ = 0;
 };
 
 /// How the client shows a text: some models leave escape residue in it, which the client turns into what was meant.

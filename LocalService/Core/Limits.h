@@ -35,6 +35,8 @@ constexpr std::size_t ticketsPerSession = 16;
 
 /// How long an ended answer waits for its session to come back.
 constexpr auto replayLife = 120s;
+/// After a stop no longer than this, that time begins with the next start for the answers that the stop interrupted.
+constexpr auto restartPause = 10min;
 /// New pieces of all answers are committed together, at most this often.
 constexpr auto storeInterval = 20ms;
 /// A peer that neither sends nor answers pings for this long is gone.

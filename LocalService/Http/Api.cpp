@@ -152,8 +152,9 @@ Response Api::verifyCode(const Context& context) {
     Response response;
     response.body = userJson(result->user);
     response.body["isRegistration"] = result->isRegistration;
-    response.body["session"] = {{"id", result->session.id}, {"isTrusted", context.body.value("isTrusted", json(true)) == true},
-        {"opaqueToken", result->token}, {"createdAt", result->session.createdAt}};
+    response.body["session"] = {{"id", result->session.id},
+        {"isTrusted", context.body.value("isTrusted", json(true)) == true}, {"opaqueToken", result->token},
+        {"createdAt", result->session.createdAt}};
     return response;
 }
 

@@ -44,7 +44,8 @@ public:
         ws_.next_layer().set_option(asio::ip::tcp::no_delay(true), ignored);
         ws_.control_callback([this](websocket::frame_type kind, boost::beast::string_view payload) {
             if (kind == websocket::frame_type::pong && pingUnderWay_ && payload == std::to_string(pingNumber_))
-                asio::post(ws_.get_executor(), [self = shared_from_this(), number = pingNumber_] { self->arrived(number); });
+                asio::post(
+                    ws_.get_executor(), [self = shared_from_this(), number = pingNumber_] { self->arrived(number); });
         });
         ws_.async_accept(request_, [self = shared_from_this()](const error_code& error) {
             if (!error)
@@ -112,10 +113,11 @@ private:
         pingUnderWay_ = true;
         pingMark_ = outbox_->mark();
         ++pingNumber_;
-        ws_.async_ping(websocket::ping_data(std::to_string(pingNumber_)), [self = shared_from_this()](const error_code& error) {
-            if (error)
-                self->leave();
-        });
+        ws_.async_ping(
+            websocket::ping_data(std::to_string(pingNumber_)), [self = shared_from_this()](const error_code& error) {
+                if (error)
+                    self->leave();
+            });
     }
 
     void arrived(unsigned number) {

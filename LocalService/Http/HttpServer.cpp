@@ -51,8 +51,8 @@ Request requestFrom(const restinio::request_t& carried) {
 }
 
 restinio::request_handling_status_t answer(restinio::request_t& request, const Response& response) {
-    const restinio::http_status_line_t status{
-        restinio::http_status_code_t{static_cast<std::uint16_t>(response.status)}, response.status < 400 ? "OK" : "Error"};
+    const restinio::http_status_line_t status{restinio::http_status_code_t{static_cast<std::uint16_t>(response.status)},
+        response.status < 400 ? "OK" : "Error"};
     auto builder = request.create_response(status);
     builder.append_header(restinio::http_field::content_type, "application/json; charset=utf-8");
     builder.append_header(restinio::http_field::cache_control, "no-store");
@@ -113,23 +113,24 @@ HttpServer::HttpServer(
     asio::io_context& io, Api& api, AnswerEngine& engine, const std::string& host, std::uint16_t port)
     : impl_(std::make_unique<Impl>(Impl{api, engine, 0, std::make_shared<ConnectionCount>(), nullptr})) {
     Impl& impl = *impl_;
-    impl.server = std::make_unique<restinio::http_server_t<Traits>>(restinio::external_io_context(io), [&](auto& settings) {
-        settings.address(host)
-            .port(port)
-            .request_handler([&impl](restinio::request_handle_t request) { return impl.handle(request); })
-            .connection_state_listener(impl.count)
-            .ip_blocker(impl.count)
-            .incoming_http_msg_limits(restinio::incoming_http_msg_limits_t{}
-                                          .max_url_size(4096)
-                                          .max_field_name_size(256)
-                                          .max_field_value_size(8192)
-                                          .max_field_count(64)
-                                          .max_body_size(limits::parsedBody))
-            .read_next_http_message_timelimit(60s)
-            .write_http_response_timelimit(60s)
-            .acceptor_post_bind_hook(
-                [&impl](asio::ip::tcp::acceptor& acceptor) { impl.port = acceptor.local_endpoint().port(); });
-    });
+    impl.server =
+        std::make_unique<restinio::http_server_t<Traits>>(restinio::external_io_context(io), [&](auto& settings) {
+            settings.address(host)
+                .port(port)
+                .request_handler([&impl](restinio::request_handle_t request) { return impl.handle(request); })
+                .connection_state_listener(impl.count)
+                .ip_blocker(impl.count)
+                .incoming_http_msg_limits(restinio::incoming_http_msg_limits_t{}
+                                              .max_url_size(4096)
+                                              .max_field_name_size(256)
+                                              .max_field_value_size(8192)
+                                              .max_field_count(64)
+                                              .max_body_size(limits::parsedBody))
+                .read_next_http_message_timelimit(60s)
+                .write_http_response_timelimit(60s)
+                .acceptor_post_bind_hook(
+                    [&impl](asio::ip::tcp::acceptor& acceptor) { impl.port = acceptor.local_endpoint().port(); });
+        });
     try {
         impl.server->open_sync();
     } catch (const std::exception& error) {

@@ -22,7 +22,9 @@ struct Transfer {
     bool statusTold = false;
     char error[CURL_ERROR_SIZE] = {};
 
-    Transfer(asio::io_context& context, HttpPost request) : io(context), post(std::move(request)) {}
+    Transfer(asio::io_context& context, HttpPost request)
+        : io(context)
+        , post(std::move(request)) {}
     Transfer(const Transfer&) = delete;
     Transfer& operator=(const Transfer&) = delete;
     ~Transfer() {
@@ -52,8 +54,9 @@ void tellStatus(const TransferPtr& transfer) {
     curl_easy_getinfo(transfer->easy, CURLINFO_RESPONSE_CODE, &status);
     if (status == 0)
         return;
-    tell(transfer, [status, type = header(transfer->easy, "Content-Type"), retry = header(transfer->easy, "Retry-After")](
-                       HttpPost& post) { post.onStatus(status, type, retry); });
+    tell(transfer,
+        [status, type = header(transfer->easy, "Content-Type"), retry = header(transfer->easy, "Retry-After")](
+            HttpPost& post) { post.onStatus(status, type, retry); });
 }
 
 std::size_t receive(char* data, std::size_t, std::size_t size, void* user) {
@@ -119,7 +122,8 @@ struct CurlLoop::Impl {
     std::list<TransferPtr> transfers;
     std::thread thread;
 
-    explicit Impl(asio::io_context& context) : io(context) {}
+    explicit Impl(asio::io_context& context)
+        : io(context) {}
 
     void run() {
         while (!stopping) {
@@ -157,7 +161,8 @@ struct CurlLoop::Impl {
                 if ((*each)->easy != message->easy_handle)
                     continue;
                 tellStatus(*each);
-                tell(*each, [outcome = outcomeOf(message->data.result, **each)](HttpPost& post) { post.onEnd(outcome); });
+                tell(*each,
+                    [outcome = outcomeOf(message->data.result, **each)](HttpPost& post) { post.onEnd(outcome); });
                 drop(each);
                 break;
             }
@@ -170,7 +175,8 @@ struct CurlLoop::Impl {
     }
 };
 
-CurlLoop::CurlLoop(asio::io_context& io) : impl_(std::make_shared<Impl>(io)) {
+CurlLoop::CurlLoop(asio::io_context& io)
+    : impl_(std::make_shared<Impl>(io)) {
     static const CURLcode ready = curl_global_init(CURL_GLOBAL_DEFAULT);
     impl_->multi = curl_multi_init();
     if (ready != CURLE_OK || !impl_->multi)

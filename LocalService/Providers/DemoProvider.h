@@ -11,7 +11,9 @@ namespace korvi::service {
 class DemoProvider : public Provider {
 public:
     /// `delay` is the time between two steps.
-    DemoProvider(asio::io_context& io, std::chrono::milliseconds delay) : io_(io), delay_(delay) {}
+    DemoProvider(asio::io_context& io, std::chrono::milliseconds delay)
+        : io_(io)
+        , delay_(delay) {}
 
     std::unique_ptr<ProviderStream> start(const ProviderRequest& request, ProviderSink sink) override;
 

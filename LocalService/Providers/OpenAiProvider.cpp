@@ -35,8 +35,9 @@ void checkAddress(const OpenAiSettings& settings) {
     const bool isLocal = host == "localhost" || host.starts_with("127.") || host == "[::1]";
     if (scheme == "https" || (scheme == "http" && (isLocal || settings.allowPlainHttp)))
         return;
-    throw std::runtime_error("--openai-url: для адреса вне своего компьютера нужен https:// — иначе ключ и разговоры пойдут "
-                             "открытым текстом. Если это своя доверенная сеть, добавьте --allow-plain-http.");
+    throw std::runtime_error(
+        "--openai-url: для адреса вне своего компьютера нужен https:// — иначе ключ и разговоры пойдут "
+        "открытым текстом. Если это своя доверенная сеть, добавьте --allow-plain-http.");
 }
 
 /// One turn in the protocol's form; absent if there is nothing to say in it.
@@ -50,7 +51,8 @@ std::optional<json> messageFrom(const ProviderTurn& turn) {
         else if (type == "file_url")
             text += "[Приложен файл: " + stringAt(part, "filename").value_or("без имени") + "]\n";
         else if (type == "image_url")
-            if (const auto url = stringAt(part, "imageUrl"); url && (url->starts_with("http") || url->starts_with("data:")))
+            if (const auto url = stringAt(part, "imageUrl");
+                url && (url->starts_with("http") || url->starts_with("data:")))
                 images.push_back({{"type", "image_url"}, {"image_url", {{"url", *url}}}});
     }
     if (images.empty())
@@ -86,7 +88,9 @@ public:
         post.onStatus = [this](long status, const std::string& type, const std::string& retryAfter) {
             status_ = status;
             isStream_ = status == 200 && type.find("application/json") == std::string::npos;
-            retryAfter_ = retryAfter;
+            // The header may also hold a date, which helps nobody in a message.
+            if (retryAfter.find_first_not_of("0123456789") == std::string::npos)
+                retryAfter_ = retryAfter;
         };
         post.onBytes = [this](std::string bytes) { receive(bytes); };
         post.onEnd = [this](HttpOutcome outcome) { end(outcome); };
@@ -184,7 +188,8 @@ private:
     static std::string errorText(const json& body) {
         const auto error = body.is_object() ? body.find("error") : body.end();
         if (body.is_object() && error != body.end())
-            return error->is_string() ? error->get<std::string>() : stringAt(*error, "message").value_or("без пояснения");
+            return error->is_string() ? error->get<std::string>()
+                                      : stringAt(*error, "message").value_or("без пояснения");
         return {};
     }
 
@@ -214,7 +219,8 @@ private:
             return "Сервер модели просит подождать: слишком много запросов или исчерпана квота. Повторите " +
                 (retryAfter_.empty() ? "позже." : "через " + retryAfter_ + " с.") + why;
         if (status_ >= 500)
-            return "На сервере модели ошибка (" + std::to_string(status_) + "). Отправьте сообщение ещё раз чуть позже." + why;
+            return "На сервере модели ошибка (" + std::to_string(status_) +
+                "). Отправьте сообщение ещё раз чуть позже." + why;
         if (status_ != 200)
             return "Сервер модели ответил ошибкой " + std::to_string(status_) + "." + why;
         if (hasText_)
@@ -240,7 +246,9 @@ private:
 
 }
 
-OpenAiProvider::OpenAiProvider(asio::io_context& io, OpenAiSettings settings) : settings_(std::move(settings)), curl_(io) {
+OpenAiProvider::OpenAiProvider(asio::io_context& io, OpenAiSettings settings)
+    : settings_(std::move(settings))
+    , curl_(io) {
     checkAddress(settings_);
     while (settings_.url.ends_with('/'))
         settings_.url.pop_back();

@@ -10,16 +10,16 @@ using soci::use;
 
 void AccountStore::saveCode(const std::string& email, const CodeRow& code) {
     db_.run([&](soci::session& sql) {
-        sql << "INSERT OR REPLACE INTO codes(email, code_hash, expires_at, tries_left) VALUES(:e, :h, :x, :t)", use(email),
-            use(code.hash), use(code.expiresAt), use(code.triesLeft);
+        sql << "INSERT OR REPLACE INTO codes(email, code_hash, expires_at, tries_left) VALUES(:e, :h, :x, :t)",
+            use(email), use(code.hash), use(code.expiresAt), use(code.triesLeft);
     });
 }
 
 std::optional<CodeRow> AccountStore::code(const std::string& email) {
     return db_.run([&](soci::session& sql) -> std::optional<CodeRow> {
         CodeRow row;
-        sql << "SELECT code_hash, expires_at, tries_left FROM codes WHERE email = :e", into(row.hash), into(row.expiresAt),
-            into(row.triesLeft), use(email);
+        sql << "SELECT code_hash, expires_at, tries_left FROM codes WHERE email = :e", into(row.hash),
+            into(row.expiresAt), into(row.triesLeft), use(email);
         return sql.got_data() ? std::optional(row) : std::nullopt;
     });
 }

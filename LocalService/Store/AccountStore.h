@@ -28,7 +28,8 @@ struct CodeRow {
 /// Users, their sessions and the sign-in codes under way.
 class AccountStore {
 public:
-    explicit AccountStore(Database& database) : db_(database) {}
+    explicit AccountStore(Database& database)
+        : db_(database) {}
 
     void saveCode(const std::string& email, const CodeRow& code);
     std::optional<CodeRow> code(const std::string& email);

@@ -1,8 +1,8 @@
 #include "Store/ChatStore.h"
 
 #include "Core/Json.h"
+#include "Core/Limits.h"
 #include "Core/Time.h"
-
 
 namespace korvi::service {
 
@@ -122,7 +122,8 @@ ChatRow ChatStore::addChat(const ChatRow& draft) {
         row.createdAt = row.updatedAt = toIso8601(WallClock::now());
         long long project = row.projectId.value_or(0);
         soci::indicator projectIndicator = row.projectId ? soci::i_ok : soci::i_null;
-        sql << "INSERT INTO chats(user_id, name, mode, created_at, updated_at, project_id) VALUES(:u, :n, :m, :a, :b, :p)",
+        sql << "INSERT INTO chats(user_id, name, mode, created_at, updated_at, project_id) VALUES(:u, :n, :m, :a, :b, "
+               ":p)",
             use(row.userId), use(row.name), use(row.mode), use(row.createdAt), use(row.updatedAt),
             use(project, projectIndicator);
         sql.get_last_insert_id("chats", row.id);
@@ -154,8 +155,7 @@ bool ChatStore::removeChat(const std::string& userId, long long chatId) {
     return true;
 }
 
-std::vector<MessageRow> ChatStore::messages(
-    const std::string& userId, long long chatId, const std::string& sessionId) {
+std::vector<MessageRow> ChatStore::messages(const std::string& userId, long long chatId, const std::string& sessionId) {
     return db_.run([&](soci::session& sql) {
         const soci::transaction oneView(sql);
         auto rows = selectMessages(sql,
@@ -185,13 +185,14 @@ void ChatStore::beginAnswer(Answer& answer, const json& question) {
     db_.transact([&](soci::session& sql) {
         const std::string now = toIso8601(WallClock::now());
         const std::string content = dumpJson(question);
-        sql << "INSERT INTO messages(chat_id, role, content, created_at) VALUES(:c, 'user', :b, :t)", use(answer.chatId),
-            use(content), use(now);
-        sql << "INSERT INTO messages(chat_id, role, content, created_at) VALUES(:c, 'ai', '[]', :t)", use(answer.chatId),
-            use(now);
+        sql << "INSERT INTO messages(chat_id, role, content, created_at) VALUES(:c, 'user', :b, :t)",
+            use(answer.chatId), use(content), use(now);
+        sql << "INSERT INTO messages(chat_id, role, content, created_at) VALUES(:c, 'ai', '[]', :t)",
+            use(answer.chatId), use(now);
         sql.get_last_insert_id("messages", answer.messageId);
         const int creates = answer.createsChat ? 1 : 0;
-        sql << "INSERT INTO answers(message_id, user_id, session_id, creates_chat, state) VALUES(:m, :u, :s, :c, 'running')",
+        sql << "INSERT INTO answers(message_id, user_id, session_id, creates_chat, state) VALUES(:m, :u, :s, :c, "
+               "'running')",
             use(answer.messageId), use(answer.userId), use(answer.sessionId), use(creates);
         sql << "UPDATE chats SET updated_at = :t WHERE id = :c", use(now), use(answer.chatId);
     });
@@ -258,6 +259,14 @@ void ChatStore::forgetPieces(const Answer& answer) {
 }
 
 void ChatStore::closeInterrupted(const std::string& error) {
+    // Their sessions could not come back while the service was down: the time to do so begins now. After a longer pause
+    // nobody waits any more.
+    const long long now = toMillis(WallClock::now());
+    const long long oldest = now - std::chrono::milliseconds(limits::restartPause).count();
+    db_.run([&](soci::session& sql) {
+        sql << "UPDATE answers SET ended_at = :n WHERE state = 'interrupted' AND delivered = 0 AND ended_at > :o",
+            use(now), use(oldest);
+    });
     std::vector<Answer> answers;
     db_.run([&](soci::session& sql) {
         Answer answer;
@@ -284,7 +293,8 @@ std::vector<Answer> ChatStore::undelivered(long long since) {
         sql << "DELETE FROM pieces WHERE message_id IN (SELECT message_id FROM answers WHERE delivered = 0 "
                "AND state <> 'running' AND ended_at < :t)",
             use(since);
-        sql << "UPDATE answers SET delivered = 1 WHERE delivered = 0 AND state <> 'running' AND ended_at < :t", use(since);
+        sql << "UPDATE answers SET delivered = 1 WHERE delivered = 0 AND state <> 'running' AND ended_at < :t",
+            use(since);
 
         std::vector<Answer> answers;
         Answer row;
@@ -292,13 +302,13 @@ std::vector<Answer> ChatStore::undelivered(long long since) {
         int creates = 0;
         int createConfirmed = 0;
         long long piecesConfirmed = 0;
-        soci::statement query =
-            (sql.prepare << "SELECT a.message_id, m.chat_id, a.user_id, a.session_id, a.creates_chat, a.state, a.error, "
-                            "a.ended_at, a.create_confirmed, a.pieces_confirmed FROM answers a "
-                            "JOIN messages m ON m.id = a.message_id "
-                            "WHERE a.delivered = 0 AND a.state <> 'running' ORDER BY a.message_id",
-                into(row.messageId), into(row.chatId), into(row.userId), into(row.sessionId), into(creates), into(state),
-                into(row.error), into(row.endedAt), into(createConfirmed), into(piecesConfirmed));
+        soci::statement query = (sql.prepare
+                << "SELECT a.message_id, m.chat_id, a.user_id, a.session_id, a.creates_chat, a.state, a.error, "
+                   "a.ended_at, a.create_confirmed, a.pieces_confirmed FROM answers a "
+                   "JOIN messages m ON m.id = a.message_id "
+                   "WHERE a.delivered = 0 AND a.state <> 'running' ORDER BY a.message_id",
+            into(row.messageId), into(row.chatId), into(row.userId), into(row.sessionId), into(creates), into(state),
+            into(row.error), into(row.endedAt), into(createConfirmed), into(piecesConfirmed));
         query.execute();
         while (query.fetch()) {
             row.createsChat = creates != 0;
@@ -322,8 +332,8 @@ std::vector<Piece> ChatStore::pieces(soci::session& sql, long long messageId) {
     std::vector<Piece> result;
     std::string kind;
     std::string body;
-    soci::statement query = (sql.prepare << "SELECT kind, body FROM pieces WHERE message_id = :m ORDER BY seq", into(kind),
-        into(body), use(messageId));
+    soci::statement query = (sql.prepare << "SELECT kind, body FROM pieces WHERE message_id = :m ORDER BY seq",
+        into(kind), into(body), use(messageId));
     query.execute();
     while (query.fetch())
         result.push_back({kind == "text" ? PieceKind::text : PieceKind::thinking, body});

@@ -39,7 +39,8 @@ nlohmann::json contentOf(const std::vector<Piece>& pieces);
 /// Chats, their messages and the answers that are being written. Every query names the user whose rows it means.
 class ChatStore {
 public:
-    explicit ChatStore(Database& database) : db_(database) {}
+    explicit ChatStore(Database& database)
+        : db_(database) {}
 
     std::vector<ChatRow> chats(const std::string& userId);
     std::optional<ChatRow> chat(const std::string& userId, long long chatId);

@@ -85,8 +85,9 @@ void Database::migrate(const std::filesystem::path& file) {
     int version = 0;
     sql_ << "PRAGMA user_version", soci::into(version);
     if (version > schemaVersion)
-        throw unusable(file, "она создана более новой версией программы (схема " + std::to_string(version) +
-                ", эта версия знает " + std::to_string(schemaVersion) + ")");
+        throw unusable(file,
+            "она создана более новой версией программы (схема " + std::to_string(version) + ", эта версия знает " +
+                std::to_string(schemaVersion) + ")");
     int tables = 0;
     sql_ << "SELECT count(*) FROM sqlite_master", soci::into(tables);
     if (version == 0 && tables > 0)

@@ -14,62 +14,90 @@ namespace Korvi {
 
 using namespace Qt::Literals;
 
+namespace {
+
+// SQLite's own result codes, without the extension in the higher bits. Everything else (a full disk, another process
+// that holds the file) passes, and is no reason to part with the file.
+bool saysDamaged(const QSqlError& error) {
+    constexpr int corrupt = 11;
+    constexpr int notADatabase = 26;
+    const int code = error.nativeErrorCode().toInt() & 0xff;
+    return code == corrupt || code == notADatabase;
+}
+
+}
+
 Defaults::Defaults(const QString& path)
     : m_path(path)
     , m_connection(u"defaults-"_s + QUuid::createUuid().toString(QUuid::WithoutBraces)) {
     if (open() == Opened::damaged) {
         moveAside();
-        if (open() != Opened::ready)
-            m_problem = u"Настройки не сохраняются: не удалось создать файл "_s + m_path;
+        open();
     }
-    if (!m_problem.isEmpty())
-        qCWarning(lcPlatform).noquote() << "⚠️ [Defaults]" << m_problem;
 }
 
 Defaults::~Defaults() {
-    if (m_database) {
-        m_database->close();
-        m_database.reset();
-        QSqlDatabase::removeDatabase(m_connection);
-    }
+    close();
 }
 
 Defaults::Opened Defaults::open() {
     if (!makePrivateFile(m_path)) {
-        m_problem = u"Настройки не сохраняются: нет доступа к файлу "_s + m_path;
+        notSaved(u"нет доступа к файлу "_s + m_path);
         return Opened::unavailable;
     }
     m_database = std::make_unique<QSqlDatabase>(QSqlDatabase::addDatabase(u"QSQLITE"_s, m_connection));
     m_database->setDatabaseName(m_path);
     m_database->setConnectOptions(u"QSQLITE_BUSY_TIMEOUT=2000"_s);
-    if (!m_database->open())
-        return Opened::damaged;
-    QSqlQuery query(*m_database);
-    // NORMAL in WAL mode survives a kill of the process; only a power cut can take the last values.
-    for (const auto* statement : {"PRAGMA journal_mode=WAL", "PRAGMA synchronous=NORMAL",
-             "CREATE TABLE IF NOT EXISTS defaults(key TEXT PRIMARY KEY, value BLOB NOT NULL) WITHOUT ROWID",
-             "SELECT key, value FROM defaults LIMIT 1"}) {
-        if (!query.exec(QString::fromLatin1(statement)))
-            return Opened::damaged;
+    QSqlError error;
+    if (!m_database->open()) {
+        error = m_database->lastError();
+    } else {
+        QSqlQuery query(*m_database);
+        // NORMAL in WAL mode survives a kill of the process; only a power cut can take the last values.
+        for (const auto* statement : {"PRAGMA journal_mode=WAL", "PRAGMA synchronous=NORMAL",
+                 "CREATE TABLE IF NOT EXISTS defaults(key TEXT PRIMARY KEY, value BLOB NOT NULL) WITHOUT ROWID",
+                 "SELECT key, value FROM defaults LIMIT 1"}) {
+            if (!query.exec(QString::fromLatin1(statement))) {
+                error = query.lastError();
+                break;
+            }
+        }
     }
-    return Opened::ready;
+    if (!error.isValid())
+        return Opened::ready;
+    close();
+    notSaved(error.databaseText());
+    return saysDamaged(error) ? Opened::damaged : Opened::unavailable;
 }
 
-void Defaults::moveAside() {
+void Defaults::close() {
+    if (!m_database)
+        return;
     m_database->close();
     m_database.reset();
     QSqlDatabase::removeDatabase(m_connection);
+}
+
+void Defaults::moveAside() {
     const QString aside = m_path + u".damaged-"_s + QDateTime::currentDateTimeUtc().toString(u"yyyyMMdd-hhmmss"_s);
     for (const QString& suffix : {QString(), u"-wal"_s, u"-shm"_s})
         QFile::rename(m_path + suffix, aside + suffix);
-    m_problem = u"Файл настроек был повреждён. Он отложен: "_s + aside;
+    m_notSaved.clear();
+    m_movedAside = u"Файл настроек был повреждён. Он отложен: "_s + aside;
+    qCWarning(lcPlatform).noquote() << "⚠️ [Defaults]" << m_movedAside;
+}
+
+void Defaults::notSaved(const QString& reason) {
+    const QString problem = u"Настройки не сохраняются: "_s + reason;
+    if (std::exchange(m_notSaved, problem) != problem)
+        qCWarning(lcPlatform).noquote() << "⚠️ [Defaults]" << problem;
 }
 
 std::optional<QByteArray> Defaults::data(const QString& key) const {
     const auto unsaved = m_unsaved.constFind(key);
     if (unsaved != m_unsaved.constEnd())
         return *unsaved;
-    if (!m_database || !m_database->isOpen())
+    if (!m_database)
         return std::nullopt;
     QSqlQuery query(*m_database);
     query.prepare(u"SELECT value FROM defaults WHERE key = ?"_s);
@@ -118,14 +146,16 @@ void Defaults::remove(const QString& key) {
 
 void Defaults::write(const QString& key, std::optional<QByteArray> value) {
     m_unsaved.insert(key, std::move(value));
+    if (!m_database && open() != Opened::ready)
+        return;
     // Values that an earlier write had to leave in memory go first: the disk may have room again.
     for (auto it = m_unsaved.begin(); it != m_unsaved.end();)
         it = writeRow(it.key(), it.value()) ? m_unsaved.erase(it) : std::next(it);
+    if (m_unsaved.isEmpty())
+        m_notSaved.clear();
 }
 
 bool Defaults::writeRow(const QString& key, const std::optional<QByteArray>& value) {
-    if (!m_database || !m_database->isOpen())
-        return false;
     QSqlQuery query(*m_database);
     if (value) {
         query.prepare(u"INSERT INTO defaults(key, value) VALUES(?, ?) "
@@ -139,8 +169,7 @@ bool Defaults::writeRow(const QString& key, const std::optional<QByteArray>& val
     }
     if (query.exec())
         return true;
-    m_problem = u"Настройки не сохраняются: "_s + query.lastError().databaseText();
-    qCWarning(lcPlatform).noquote() << "⚠️ [Defaults]" << m_problem;
+    notSaved(query.lastError().databaseText());
     return false;
 }
 

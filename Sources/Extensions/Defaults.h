@@ -33,20 +33,24 @@ public:
     void setInteger(const QString& key, qint64 value);
     void remove(const QString& key);
 
-    QString problem() const { return m_problem; } // empty when all is well
+    // Empty when all is well: that values are not saved, as long as they are not, or that a file was moved aside.
+    QString problem() const { return m_notSaved.isEmpty() ? m_movedAside : m_notSaved; }
 
 private:
     enum class Opened { ready, damaged, unavailable };
 
     Opened open();
+    void close();
     void moveAside();
+    void notSaved(const QString& reason);
     void write(const QString& key, std::optional<QByteArray> value);
     bool writeRow(const QString& key, const std::optional<QByteArray>& value);
 
     QString m_path;
     QString m_connection;
-    QString m_problem;
-    std::unique_ptr<QSqlDatabase> m_database;
+    QString m_notSaved;
+    QString m_movedAside;
+    std::unique_ptr<QSqlDatabase> m_database;            // null unless it is ready
     QHash<QString, std::optional<QByteArray>> m_unsaved; // absent value: removed
 };
 

@@ -76,6 +76,8 @@ Task<void> run(std::function<Task<void>()> body) {
         // The owner has gone or has changed its mind.
     } catch (const std::exception& error) {
         qCCritical(lcTask).noquote() << "❌ [TaskScope] A task ended with an unhandled error:" << error.what();
+    } catch (...) {
+        qCCritical(lcTask) << "❌ [TaskScope] A task ended with an unhandled error of an unknown type";
     }
 }
 

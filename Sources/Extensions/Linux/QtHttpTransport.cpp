@@ -5,6 +5,7 @@
 #include <QNetworkCookie>
 #include <QNetworkCookieJar>
 #include <QNetworkReply>
+#include <QPointer>
 #include <QTimer>
 
 #include <array>
@@ -75,9 +76,10 @@ Async<HttpResponse> QtHttpTransport::send(HttpRequest request) {
     QObject::connect(reply, &QNetworkReply::finished, reply, [reply, resolver]() mutable {
         reply->deleteLater();
         const QVariant status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);
-        // Qt reports 4xx and 5xx as errors too; only an exchange that broke off is one here.
+        // Qt reports 4xx and 5xx as errors too. Any other error, be it behind a good status, means
+        // that the exchange broke off.
         const bool brokeOff = reply->error() != QNetworkReply::NoError &&
-            (reply->error() < QNetworkReply::ContentAccessDenied || !status.isValid());
+            (reply->error() < QNetworkReply::ContentAccessDenied || status.toInt() < 400);
         if (brokeOff)
             return resolver.fail(urlError(reply->error(), reply->errorString()));
         HttpResponse response{.status = status.toInt(), .headers = {}, .body = reply->readAll()};
@@ -85,10 +87,10 @@ Async<HttpResponse> QtHttpTransport::send(HttpRequest request) {
             response.headers.emplace_back(name, value);
         resolver.resolve(std::move(response));
     });
-    resolver.onCancel([reply] {
-        reply->disconnect();
-        reply->abort();
-        reply->deleteLater();
+    // Null when it ended with its transport. Its signals stay connected: Qt's own abort goes through them.
+    resolver.onCancel([reply = QPointer(reply)] {
+        if (reply)
+            reply->abort();
     });
     return resolver.async();
 }

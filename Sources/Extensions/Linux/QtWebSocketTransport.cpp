@@ -33,10 +33,14 @@ public:
     explicit QtWebSocketConnection(const WebSocketRequest& request) {
         m_openTimer.setSingleShot(true);
         m_pingTimer.setSingleShot(true);
-        connect(&m_openTimer, &QTimer::timeout, this,
-            [this] { end([this] { emit failed(urlError(QNetworkReply::TimeoutError, {})); }); });
+        connect(&m_openTimer, &QTimer::timeout, this, [this] {
+            end([this] { emit failed(urlError(QNetworkReply::TimeoutError, {})); });
+            m_socket.abort();
+        });
         connect(&m_pingTimer, &QTimer::timeout, this, [this] { emit pingFailed(u"Время ожидания истекло."_s); });
         connect(&m_socket, &QWebSocket::connected, this, [this] {
+            if (m_ended)
+                return;
             m_openTimer.stop();
             m_isOpen = true;
             emit opened();
@@ -49,8 +53,14 @@ public:
             emit pong();
         });
         connect(&m_socket, &QWebSocket::bytesWritten, this, [this] { confirmWritten(); });
-        connect(&m_socket, &QWebSocket::disconnected, this,
-            [this] { end([this] { emit closed(m_socket.closeCode(), m_socket.closeReason()); }); });
+        connect(&m_socket, &QWebSocket::disconnected, this, [this] {
+            if (m_isOpen)
+                return end([this] { emit closed(m_socket.closeCode(), m_socket.closeReason()); });
+            // The error that says why no connection came about follows within this turn.
+            QMetaObject::invokeMethod(
+                this, [this] { end([this] { emit failed(urlError(QNetworkReply::RemoteHostClosedError, {})); }); },
+                Qt::QueuedConnection);
+        });
         connect(&m_socket, QOverload<QAbstractSocket::SocketError>::of(&QWebSocket::error), this,
             [this](QAbstractSocket::SocketError error) {
                 const URLError reason = socketError(error, m_socket.errorString());
@@ -109,9 +119,16 @@ public:
         m_openTimer.stop();
         m_pingTimer.stop();
         m_socket.disconnect(this);
+        m_socket.flush();
+        // What has left must not be given back, and what is given back must not leave: either would double it.
+        if (m_socket.bytesToWrite() > 0) {
+            m_socket.abort();
+            return std::exchange(m_unwritten, {});
+        }
         m_socket.close(static_cast<QWebSocketProtocol::CloseCode>(code));
         m_socket.flush();
-        return std::exchange(m_unwritten, {});
+        m_unwritten.clear();
+        return {};
     }
 
 private:
@@ -126,8 +143,9 @@ private:
     }
 
     int refusedStatus() const {
-        // Qt tells a refused upgrade only in words that hold the status.
-        static const QRegularExpression status(uR"(\b([1-5]\d\d)\b)"_s);
+        // Qt tells a refused upgrade only in words, "... code: 403 (Forbidden)". Other failures quote keys of the
+        // handshake, which hold digits as well. A 400 comes without its number and counts as a failure.
+        static const QRegularExpression status(uR"(\b([1-5]\d\d) \()"_s);
         return status.match(m_socket.errorString()).captured(1).toInt();
     }
 

@@ -1,0 +1,147 @@
+#include "Support/Client.h"
+#include "Support/FakeModel.h"
+
+#include <csignal>
+#include <cstdlib>
+#include <gmock/gmock.h>
+
+namespace korvi::service::test {
+namespace {
+
+using nlohmann::json;
+using testing::HasSubstr;
+using testing::Not;
+
+/// The service in front of a model that follows these scripts.
+struct Conversation {
+    explicit Conversation(std::vector<FakeModel::Script> scripts, std::vector<std::string> more = {})
+        : model(std::move(scripts)) {
+        std::vector<std::string> arguments{
+            "--provider", "openai", "--openai-url", model.url(), "--model-for", "auto=small-model"};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        ::setenv("KORVI_OPENAI_KEY", "key-of-the-test", 1);
+        service = std::make_unique<ServiceProcess>(folder.path(), arguments);
+        ::unsetenv("KORVI_OPENAI_KEY");
+        client = std::make_unique<ChatClient>(service->port(), signIn(*service, "user@example.com"));
+    }
+
+    std::vector<json> ask(const std::string& text) {
+        client->send(createFrame(text));
+        return client->receiveAnswer();
+    }
+
+    TemporaryFolder folder;
+    FakeModel model;
+    std::unique_ptr<ServiceProcess> service;
+    std::unique_ptr<ChatClient> client;
+};
+
+std::vector<std::string> split(const std::string& text, std::size_t size) {
+    std::vector<std::string> parts{streamHead()};
+    for (std::size_t at = 0; at < text.size(); at += size)
+        parts.push_back(text.substr(at, size));
+    return parts;
+}
+
+TEST(Model, AStreamIsFoldedHoweverItIsSplit) {
+    const std::string body = ": keep-alive\r\n\r\n" + event({{"role", "assistant"}, {"content", ""}}) +
+        event({{"reasoning_content", "Сначала подумаю как следует. "}}) + event({{"content", "Здравствуйте, 👋 "}}) +
+        event({{"content", "это ответ модели."}}) +
+        "data: {\"choices\":[{\"index\":0,\"delta\":{},\"finish_reason\":\"stop\"}]}\r\n\r\ndata: "
+        "{\"choices\":[],\"usage\":{}}\n\ndata: [DONE]\n\n";
+    Conversation talk({{split(body, 7)}, {split(event({{"content", "Второй ответ."}}) + "data: [DONE]\n\n", 1000)}});
+    const auto frames = talk.ask("Привет");
+    EXPECT_EQ(frames.back()["event"], "end");
+    EXPECT_EQ(joined(frames, "thinking"), "Сначала подумаю как следует. ");
+    EXPECT_EQ(joined(frames, "chunk"), "Здравствуйте, 👋 это ответ модели.");
+    talk.client->send(sendFrame(frames[0]["data"]["id"], "Ещё"));
+    EXPECT_EQ(joined(talk.client->receiveAnswer(), "chunk"), "Второй ответ.");
+    EXPECT_EQ(talk.model.script(1).request, json::parse(R"({"model":"small-model","stream":true,"messages":[
+        {"role":"user","content":"Привет"},{"role":"assistant","content":"Здравствуйте, 👋 это ответ модели."},
+        {"role":"user","content":"Ещё"}]})"));
+    EXPECT_THAT(talk.model.script(0).head, HasSubstr("POST /v1/chat/completions "));
+    EXPECT_THAT(talk.model.script(0).head, HasSubstr("Authorization: Bearer key-of-the-test"));
+    talk.service->signal(SIGTERM);
+    EXPECT_EQ(talk.service->wait(), 0);
+    EXPECT_THAT(talk.service->errors(), Not(HasSubstr("key-of-the-test")));
+}
+
+TEST(Model, AnEndpointThatDoesNotStreamAnswersToo) {
+    const std::string body =
+        R"({"choices":[{"message":{"role":"assistant","content":"Целиком."},"finish_reason":"stop"}]})";
+    Conversation talk({{{"HTTP/1.1 200 OK\r\nContent-Type: application/json\r\nContent-Length: " +
+        std::to_string(body.size()) + "\r\n\r\n" + body}}});
+    const auto frames = talk.ask("Привет");
+    EXPECT_EQ(joined(frames, "chunk"), "Целиком.");
+    EXPECT_EQ(frames.back()["event"], "end");
+}
+
+TEST(Model, WhatGoesWrongSaysWhatToDoAndKeepsTheText) {
+    const auto refusal = [](const std::string& status, const std::string& headers, const std::string& body) {
+        return std::vector<std::string>{"HTTP/1.1 " + status + "\r\nContent-Type: application/json\r\n" + headers +
+            "Content-Length: " + std::to_string(body.size()) + "\r\nConnection: close\r\n\r\n" + body};
+    };
+    const std::string text = event({{"content", "Начало ответа, которое уже пришло."}});
+    struct Case {
+        std::vector<std::string> parts;
+        const char* message;
+        bool hasText;
+    };
+    const std::vector<Case> cases{
+        {refusal("401 Unauthorized", "", R"({"error":{"message":"bad key"}})"),
+            "не принял ключ. Проверьте KORVI_OPENAI_KEY", false},
+        {refusal("429 Too Many Requests", "Retry-After: 17\r\n", "{}"), "через 17 с.", false},
+        {refusal("500 Internal Server Error", "", "<html>"), "ошибка (500)", false},
+        {refusal("404 Not Found", "", R"({"error":"model \"small-model\" not found"})"),
+            "Проверьте --openai-url и --model", false},
+        {refusal("200 OK", "", "<html>hello</html>"), "не похож на ответ модели", false},
+        {{streamHead(), text, "data: {broken\n\n"}, "не удалось разобрать", true},
+        {{streamHead(), text, "data: {\"error\":{\"message\":\"overloaded\"}}\n\n"}, "overloaded", true},
+        {{streamHead(), text, "data: {\"choi"}, "оборвалось", true},
+        {{"HTTP/1.1 200 OK\r\nContent-Type: text/event-stream\r\nContent-Length: 100000\r\n\r\n", text}, "оборвалось",
+            true},
+    };
+    std::vector<FakeModel::Script> scripts;
+    for (const Case& each : cases)
+        scripts.push_back({each.parts});
+    Conversation talk(scripts);
+    for (const Case& each : cases) {
+        const auto frames = talk.ask("Привет");
+        EXPECT_EQ(frames.back()["event"], "error") << each.message;
+        EXPECT_THAT(frames.back()["data"].value("message", ""), HasSubstr(each.message));
+        EXPECT_EQ(joined(frames, "chunk"), each.hasText ? "Начало ответа, которое уже пришло." : "") << each.message;
+    }
+}
+
+TEST(Model, ThatFallsSilentIsGivenUp) {
+    Conversation talk(
+        {{{streamHead(), event({{"content", "Начало ответа, которое уже пришло."}})}, true}}, {"--model-idle-s", "1"});
+    const auto frames = talk.ask("Привет");
+    EXPECT_EQ(joined(frames, "chunk"), "Начало ответа, которое уже пришло.");
+    EXPECT_THAT(frames.back()["data"].value("message", ""), HasSubstr("не отвечает больше 1 с"));
+}
+
+TEST(Model, ThatIsStoppedIsDisconnected) {
+    Conversation talk(
+        {{{streamHead(), event({{"content", "Начало ответа, которое уже пришло и ещё немного, и ещё немного."}})},
+             true},
+            {{streamHead(), event({{"content", "Другой ответ."}}), "data: [DONE]\n\n"}}});
+    talk.client->send(createFrame("Привет"));
+    const long long chat = talk.client->receive()["data"]["id"];
+    talk.client->send({{"event", "abort"}, {"data", {{"chatId", chat}}}});
+    EXPECT_EQ(talk.client->receiveAnswer().back()["event"], "end");
+    // The far side serves one connection at a time: it gets to the second only when the first is closed.
+    EXPECT_EQ(joined(talk.ask("Ещё"), "chunk"), "Другой ответ.");
+}
+
+TEST(Model, ThatIsNotThereIsNamed) {
+    TemporaryFolder folder;
+    ServiceProcess service(folder.path(), {"--provider", "openai", "--openai-url", "http://127.0.0.1:1/v1"});
+    ChatClient client(service.port(), signIn(service, "user@example.com"));
+    client.send(createFrame("Привет"));
+    EXPECT_THAT(client.receiveAnswer().back()["data"].value("message", ""),
+        HasSubstr("не удаётся подключиться к http://127.0.0.1:1/v1"));
+}
+
+}
+}
