@@ -7,14 +7,14 @@ namespace korvi::service::limits {
 
 using namespace std::chrono_literals;
 
-constexpr std::size_t body = 1024 * 1024;
+constexpr std::size_t body = std::size_t{1024} * 1024;
 /// What the HTTP parser takes in before it drops the connection without an answer: room to refuse politely, and for
 /// uploads of 10 MB.
-constexpr std::size_t parsedBody = 12 * 1024 * 1024;
-constexpr std::size_t frame = 1024 * 1024;
-constexpr std::size_t messageText = 256 * 1024;
+constexpr std::size_t parsedBody = std::size_t{12} * 1024 * 1024;
+constexpr std::size_t frame = std::size_t{1024} * 1024;
+constexpr std::size_t messageText = std::size_t{256} * 1024;
 constexpr std::size_t messageParts = 32;
-constexpr std::size_t answer = 4 * 1024 * 1024;
+constexpr std::size_t answer = std::size_t{4} * 1024 * 1024;
 constexpr std::size_t chatName = 200;
 constexpr std::size_t titleLength = 48;
 

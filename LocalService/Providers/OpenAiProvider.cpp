@@ -13,9 +13,9 @@ using nlohmann::json;
 
 namespace {
 
-constexpr std::size_t keptErrorBody = 64 * 1024;
+constexpr std::size_t keptErrorBody = std::size_t{64} * 1024;
 /// Older turns beyond this are left out: no model reads more, and a request has to stay sendable.
-constexpr std::size_t historyBytes = 512 * 1024;
+constexpr std::size_t historyBytes = std::size_t{512} * 1024;
 
 std::string urlPart(CURLU* url, CURLUPart part) {
     char* text = nullptr;

@@ -11,7 +11,7 @@ namespace korvi::service {
 /// an event is of interest here.
 class SseParser {
 public:
-    static constexpr std::size_t maximumEvent = 1024 * 1024;
+    static constexpr std::size_t maximumEvent = std::size_t{1024} * 1024;
 
     /// The data of the events that `bytes` completes.
     std::vector<std::string> feed(std::string_view bytes);

@@ -75,6 +75,12 @@ FocusScope {
         visible: list.visible
         width: parent.width - Theme.gap4 // not over the scroll bar
     }
+    FocusRing {
+        anchors.fill: list
+        anchors.margins: Theme.haloWidth
+        // The keyboard is on the list itself, not on a text that was clicked in it.
+        shown: list.visible && list.currentItem !== null && list.currentItem.activeFocus
+    }
     ConversationPlaceholder {
         anchors.centerIn: list
         isConnected: view.chat.isConnected

@@ -25,8 +25,37 @@ Window {
     Binding { property: "textSize"; target: Theme; value: window.textSize }
     Binding { property: "reducedMotion"; target: Theme; value: window.reducedMotion }
 
+    Loader {
+        id: noticeBar
+
+        property bool dismissed: false
+
+        active: window.notice.length > 0 && !dismissed
+        height: active ? implicitHeight : 0
+        width: parent.width
+
+        onActiveChanged: show()
+        Component.onCompleted: show()
+
+        // By address, so that a start without a notice does not load what shows one.
+        function show(): void {
+            if (active)
+                setSource("NoticeBar.qml", { text: Qt.binding(() => window.notice) })
+        }
+    }
+    Connections {
+        function onDismissed() {
+            noticeBar.dismissed = true
+        }
+
+        ignoreUnknownSignals: true
+        target: noticeBar.item
+    }
     ContentView {
-        anchors.fill: parent
+        anchors.bottom: parent.bottom
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.top: noticeBar.bottom
         auth: window.auth
         chat: window.chat
     }
