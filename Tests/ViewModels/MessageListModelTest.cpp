@@ -1,0 +1,98 @@
+#include "Chat/MessageListModel.h"
+#include "Chat/ChatListModel.h"
+#include "Printing.h"
+
+#include <QAbstractItemModelTester>
+
+#include <gmock/gmock.h>
+
+namespace Korvi::Test {
+namespace {
+
+using namespace Qt::Literals;
+using testing::ElementsAre;
+
+ChatMessage message(qint64 id, const QString& text) {
+    ChatMessage made;
+    made.id = id;
+    made.content = std::vector<MessageContent>{{MessageContent::Text{text}}};
+    return made;
+}
+
+// "insert 0-1", "change 1", "remove 2-2" in the order in which they came.
+class Changes {
+public:
+    explicit Changes(QAbstractItemModel& model)
+        : m_tester(&model, QAbstractItemModelTester::FailureReportingMode::Fatal) {
+        const auto range = [this](const QString& what) {
+            return [this, what](const QModelIndex&, int first, int last) {
+                lines.append(u"%1 %2-%3"_s.arg(what).arg(first).arg(last));
+            };
+        };
+        QObject::connect(&model, &QAbstractItemModel::rowsInserted, &m_context, range(u"insert"_s));
+        QObject::connect(&model, &QAbstractItemModel::rowsRemoved, &m_context, range(u"remove"_s));
+        QObject::connect(&model, &QAbstractItemModel::dataChanged, &m_context,
+            [this](const QModelIndex& first, const QModelIndex& last) {
+                lines.append(u"change %1-%2"_s.arg(first.row()).arg(last.row()));
+            });
+        QObject::connect(&model, &QAbstractItemModel::modelReset, &m_context, [this] { lines.append(u"reset"_s); });
+    }
+
+    QStringList lines;
+
+private:
+    QAbstractItemModelTester m_tester;
+    QObject m_context;
+};
+
+TEST(MessageListModel, AnnouncesTheRowsThatChangedAndNoOthers) {
+    MessageListModel model;
+    Changes changes(model);
+    model.append({message(1, u"a"_s), message(2, u"b"_s)});
+    model.replace(1, message(2, u"b"_s)); // equal
+    model.replace(1, message(2, u"bc"_s));
+    model.setMessages({message(1, u"a"_s), message(2, u"bc"_s), message(3, u"c"_s)});
+    model.setMessages({message(1, u"a"_s), message(2, u"x"_s)});
+    model.setMessages({message(1, u"a"_s), message(2, u"x"_s)}); // equal
+    model.remove(0);
+    EXPECT_THAT(changes.lines,
+        ElementsAre(
+            u"insert 0-1"_s, u"change 1-1"_s, u"insert 2-2"_s, u"change 1-1"_s, u"remove 2-2"_s, u"remove 0-0"_s));
+}
+
+TEST(MessageListModel, OnlyTheLastRowStreams) {
+    MessageListModel model;
+    model.append({message(1, u"a"_s), message(2, u"b"_s)});
+    model.setStreaming(true);
+    EXPECT_FALSE(model.data(model.index(0), MessageListModel::IsStreamingRole).toBool());
+    EXPECT_TRUE(model.data(model.index(1), MessageListModel::IsStreamingRole).toBool());
+}
+
+Chat chat(qint64 id, const QString& updatedAt, bool favorite = false) {
+    Chat made;
+    made.id = id;
+    made.updatedAt = updatedAt;
+    made.isFavorite = favorite;
+    return made;
+}
+
+TEST(ChatListModel, FavouritesStandFirstThenTheMostRecent) {
+    ChatListModel model;
+    Changes changes(model);
+    const auto ids = [&] {
+        std::vector<qint64> all;
+        for (const Chat& each : model.chats())
+            all.push_back(each.id);
+        return all;
+    };
+    model.setChats({chat(1, u"2026-01-01"_s), chat(2, u"2026-01-03"_s), chat(3, u"2025-01-01"_s, true)});
+    EXPECT_THAT(ids(), ElementsAre(3, 2, 1));
+    model.upsert(chat(4, u"2026-01-02"_s));
+    EXPECT_THAT(ids(), ElementsAre(3, 2, 4, 1));
+    model.upsert(chat(1, u"2026-01-04"_s)); // known: moves, is not doubled
+    EXPECT_THAT(ids(), ElementsAre(3, 1, 2, 4));
+    EXPECT_THAT(changes.lines, ElementsAre(u"reset"_s, u"insert 2-2"_s, u"remove 3-3"_s, u"insert 1-1"_s));
+}
+
+}
+}
