@@ -60,6 +60,16 @@ QString joined(const std::vector<MessageContent>& content) {
 }
 
 template <class Block>
+qsizetype length(const std::vector<MessageContent>& content) {
+    qsizetype result = 0;
+    for (const MessageContent& block : content) {
+        if (const auto* part = block.as<Block>())
+            result += part->text.size();
+    }
+    return result;
+}
+
+template <class Block>
 bool has(const std::vector<MessageContent>& content) {
     return std::any_of(
         content.begin(), content.end(), [](const MessageContent& block) { return block.as<Block>() != nullptr; });
@@ -97,6 +107,14 @@ void AnswerFold::beginReplay() {
     m_thinkingRepeated = 0;
 }
 
+SeenText& AnswerFold::seen(const std::vector<MessageContent>& content, Kind kind) {
+    SeenText& seen = kind == Kind::text ? m_text : m_thinking;
+    // Text changes elsewhere only by whole blocks, a tool's for instance: its length tells.
+    if (seen.text().size() != (kind == Kind::text ? length<Text>(content) : length<Thinking>(content)))
+        seen.reset(kind == Kind::text ? joined<Text>(content) : joined<Thinking>(content));
+    return seen;
+}
+
 QString AnswerFold::withoutRepeat(Kind kind, const QString& joinedText, const QString& piece) {
     auto& repeated = kind == Kind::text ? m_textRepeated : m_thinkingRepeated;
     if (!repeated)
@@ -114,14 +132,14 @@ QString AnswerFold::withoutRepeat(Kind kind, const QString& joinedText, const QS
 
 AnswerFold::Outcome AnswerFold::fold(std::vector<MessageContent>& content, const QStringList& pieces, Kind kind) {
     Outcome outcome;
-    QString whole = kind == Kind::text ? joined<Text>(content) : joined<Thinking>(content);
+    SeenText& whole = seen(content, kind);
     const bool hasPlaceholder = has<MessageContent::Generating>(content);
     for (const QString& received : pieces) {
-        const QString piece = withoutRepeat(kind, whole, withoutEscapes(received));
+        const QString piece = withoutRepeat(kind, whole.text(), withoutEscapes(received));
         if (piece.isEmpty())
             continue;
         if (kind == Kind::thinking) {
-            if (hasCharacters(piece, shortestRepeat) && whole.endsWith(piece)) {
+            if (hasCharacters(piece, shortestRepeat) && whole.text().endsWith(piece)) {
                 qCInfo(lcAnswerFold) << "⚠️ [ChatViewModel] Duplicate thinking chunk detected, skipping";
                 continue;
             }
@@ -138,7 +156,7 @@ AnswerFold::Outcome AnswerFold::fold(std::vector<MessageContent>& content, const
             }
             outcome.follow = appendText(content, piece) || outcome.follow;
         }
-        whole += piece;
+        whole.append(piece);
         outcome.changed = true;
     }
     return outcome;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Chat/SeenText.h"
 #include "MessageContent.h"
 
 #include <QStringList>
@@ -25,7 +26,12 @@ public:
     Outcome fold(std::vector<MessageContent>& content, const QStringList& pieces, Kind kind);
 
 private:
+    SeenText& seen(const std::vector<MessageContent>& content, Kind kind);
     QString withoutRepeat(Kind kind, const QString& joined, const QString& piece);
+
+    // The joined text and reasoning of the answer, kept from piece to piece.
+    SeenText m_text;
+    SeenText m_thinking;
 
     bool m_isReplaying = false;
     // How much of the joined text, and of the joined reasoning, the replay has repeated; absent when it has

@@ -373,18 +373,16 @@ void ChatViewModel::flushPieces() {
     const int last = m_messages.count() - 1;
     if (last < 0)
         return;
-    ChatMessage answer = m_messages.messages().back();
-    foldInto(*generation, answer);
-    m_messages.replace(last, std::move(answer));
+    m_messages.update(last, [&](ChatMessage& answer) { return foldInto(*generation, answer); });
 }
 
-void ChatViewModel::foldInto(Generation& generation, ChatMessage& answer) {
+bool ChatViewModel::foldInto(Generation& generation, ChatMessage& answer) {
     const QStringList thinking = std::exchange(generation.thinkingPieces, {});
     const QStringList text = std::exchange(generation.textPieces, {});
     if (answer.role != ChatMessage::Role::ai) {
         qCWarning(lcChat) << "⚠️ [ChatViewModel] updateLastMessage: last message is not AI, it's"
                           << rawValue(answer.role);
-        return;
+        return false;
     }
     if (!answer.content)
         answer.content.emplace();
@@ -395,6 +393,7 @@ void ChatViewModel::foldInto(Generation& generation, ChatMessage& answer) {
         emit contentUpdateTriggerChanged();
         emit contentScrolled();
     }
+    return thought.changed || told.changed;
 }
 
 void ChatViewModel::refreshGenerating() {

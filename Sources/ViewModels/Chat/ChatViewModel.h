@@ -112,7 +112,7 @@ private:
     void streamEnded();
     void receivePiece(const QString& piece, AnswerFold::Kind kind);
     void flushPieces();
-    void foldInto(Generation& generation, ChatMessage& answer);
+    bool foldInto(Generation& generation, ChatMessage& answer); // whether it changed the answer
     void finish(const Generation* generation);
     void park();
     bool unpark(qint64 chatId);

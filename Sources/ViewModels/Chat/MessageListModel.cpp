@@ -75,6 +75,11 @@ void MessageListModel::replace(int row, ChatMessage message) {
     emit dataChanged(index(row), index(row));
 }
 
+void MessageListModel::update(int row, const std::function<bool(ChatMessage&)>& change) {
+    if (change(m_messages[static_cast<std::size_t>(row)]))
+        emit dataChanged(index(row), index(row), {TextRole, ThinkingRole});
+}
+
 void MessageListModel::remove(int row) {
     beginRemoveRows({}, row, row);
     m_messages.erase(m_messages.begin() + row);

@@ -5,6 +5,8 @@
 #include <QAbstractListModel>
 #include <QtQml/qqmlregistration.h>
 
+#include <functional>
+
 namespace Korvi {
 
 // The messages of the open conversation, oldest first. Announces exactly the rows that changed.
@@ -37,6 +39,8 @@ public:
     void append(std::vector<ChatMessage> messages);
     // `row` must exist.
     void replace(int row, ChatMessage message);
+    // Changes a message in place; `change` says whether it did.
+    void update(int row, const std::function<bool(ChatMessage&)>& change);
     void remove(int row);
     void setStreaming(bool streaming); // marks the last row
 
