@@ -1,0 +1,145 @@
+// The writing primitives of Buffer: what every printed byte passes through.
+#include "Lines/Buffer.h"
+#include "Unicode/UnicodeUtil.h"
+#include "Unicode/Utf8.h"
+
+#include <algorithm>
+
+namespace termcore {
+namespace {
+
+void writeNarrow(Cell* out, const std::uint8_t* bytes, std::size_t count, std::uint32_t style) {
+    // Eight-byte stores of byte | style << 32: the compiler turns this loop into vector code.
+    for (std::size_t i = 0; i < count; ++i)
+        out[i] = {bytes[i], style};
+}
+
+constexpr std::uint8_t glyphMask = UnicodeUtil::widthMask | UnicodeUtil::joins | UnicodeUtil::regionalIndicator;
+constexpr std::uint8_t narrowGlyph = 2; // columns + 1, and nothing that joins
+constexpr std::uint8_t wideGlyph = 3;
+
+}
+
+void Buffer::wrapToNextLine() {
+    cursorX = leftLimit();
+    if (cursorY >= regionBottom) {
+        if (scroll)
+            scroll(true);
+    } else {
+        ++cursorY;
+        lines.setWrapped(screenIndex(cursorY), true);
+    }
+}
+
+void Buffer::insertCharacter(std::uint32_t code, int width, std::uint32_t style) {
+    const int limit = rightLimit();
+    if (cursorX + width - 1 > limit) {
+        if (wraparound) {
+            wrapToNextLine();
+        } else {
+            if (width == 2)
+                return;
+            cursorX = limit;
+        }
+    }
+    BufferLine& line = screenLine(cursorY);
+    const Cell blank{0, style};
+    if (insertMode) {
+        line.insertCells(cursorX, width, limit, blank);
+        if (line.getWidth(columnCount - 1) == 2)
+            line.set(columnCount - 1, blank);
+    }
+    storeLast(cursorX);
+    cursorX = std::min(cursorX, columnCount - 1);
+    line.set(cursorX++, {Cell::textOf(code, static_cast<unsigned>(width)), style});
+    for (int i = 1; i < width && cursorX < columnCount; ++i)
+        line.set(cursorX++, {Cell::continuation, style});
+}
+
+std::size_t Buffer::insertAsciiRun(std::span<const std::uint8_t> run, std::uint32_t style) {
+    if (insertMode || run.empty())
+        return 0;
+    const int limit = rightLimit();
+    std::size_t written = 0;
+    while (written < run.size()) {
+        if (cursorX > limit) {
+            if (!wraparound)
+                break;
+            wrapToNextLine();
+        }
+        const std::size_t room = cursorX > limit ? 1 : static_cast<std::size_t>(limit + 1 - cursorX);
+        const std::size_t count = std::min(room, run.size() - written);
+        const int end = cursorX + static_cast<int>(count);
+        writeNarrow(screenLine(cursorY).write(end, true) + cursorX, run.data() + written, count, style);
+        written += count;
+        cursorX = end;
+    }
+    if (written > 0)
+        storeLast(cursorX - 1);
+    return written;
+}
+
+std::size_t Buffer::insertUtf8Run(std::span<const std::uint8_t> run, std::uint32_t style) {
+    if (insertMode || run.empty())
+        return 0;
+    const int limit = rightLimit();
+    const std::uint8_t* at = run.data();
+    const std::uint8_t* const end = at + run.size();
+    int lastCol = -1;
+    BufferLine* line = nullptr;
+    Cell* cells = nullptr;
+    int col = cursorX;
+    while (at < end) {
+        std::uint32_t scalar = *at;
+        std::uint32_t length = 1;
+        if (scalar >= 0xD0 && scalar < 0xD2 && end - at >= 2) {
+            // Cyrillic
+            if ((at[1] & 0xC0) != 0x80)
+                break;
+            scalar = (scalar & 0x1F) << 6 | (at[1] & 0x3FU);
+            length = 2;
+        } else if (scalar >= 0x80) {
+            const Utf8Scalar next = utf8::decode({at, static_cast<std::size_t>(end - at)});
+            if (!next.isValid)
+                break;
+            scalar = next.scalar;
+            length = next.length;
+        }
+        const std::uint8_t glyph = UnicodeUtil::properties(scalar) & glyphMask;
+        if (glyph != narrowGlyph && glyph != wideGlyph)
+            break;
+        const int width = glyph - 1;
+        if (col + width - 1 > limit) {
+            if (!wraparound || leftLimit() + width > columnCount)
+                break;
+            if (line != nullptr)
+                line->write(col, false);
+            cursorX = col;
+            wrapToNextLine();
+            col = cursorX;
+            line = nullptr;
+        }
+        if (line == nullptr) {
+            line = &screenLine(cursorY);
+            cells = line->write(0, false);
+        }
+        lastCol = col;
+        if (width == 1) {
+            cells[col++] = {scalar, style};
+        } else {
+            cells[col] = {scalar | Cell::wide, style};
+            cells[col + 1] = {Cell::continuation, style};
+            col += 2;
+        }
+        at += length;
+    }
+    if (line != nullptr)
+        line->write(col, false);
+    cursorX = col;
+    const auto written = static_cast<std::size_t>(at - run.data());
+    if (written > 0 && lastCol >= 0)
+        storeLast(lastCol);
+    return written;
+}
+
+}

@@ -1,0 +1,248 @@
+#include "Parser/EscapeSequenceParser.h"
+
+#include "Parser/ByteScan.h"
+
+#include <utility>
+
+namespace termcore {
+namespace {
+
+constexpr std::uint8_t bel = 0x07;
+constexpr std::uint8_t can = 0x18;
+constexpr std::uint8_t sub = 0x1A;
+constexpr std::uint8_t esc = 0x1B;
+
+std::span<const std::uint8_t> bytesOf(std::string_view text) {
+    return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
+}
+
+}
+
+void EscapeSequenceParser::reset() {
+    currentState = initialState;
+    osc.clear();
+    apc.clear();
+    collect.clear();
+    parameters.assign(1, 0);
+    separators.clear();
+    activeDcsHandler.reset();
+    dcsRun = nullptr;
+    target.printStateReset();
+}
+
+void EscapeSequenceParser::clearSequence() {
+    parameters.assign(1, 0);
+    separators.clear();
+    collect.clear();
+    osc.clear();
+    apc.clear();
+    dcsRun = nullptr;
+    target.printStateReset();
+}
+
+void EscapeSequenceParser::parse(std::span<const std::uint8_t> data) {
+    const Bytes begin = data.data();
+    const Bytes end = begin + data.size();
+    dcsRun = nullptr;
+    for (Bytes at = begin; at < end;) {
+        if (currentState == ParserState::ground) {
+            // In the ground state every byte above 0x1F is text; C1 controls are what UTF-8 is made of.
+            if (*at > 0x1F) {
+                const Bytes textEnd = bytescan::findControl(at, end);
+                target.handlePrint({at, textEnd});
+                at = textEnd;
+                if (at == end)
+                    break;
+            }
+            if (*at == esc) {
+                if (const Bytes after = tryControlSequence(at, end)) {
+                    at = after;
+                    continue;
+                }
+            } else if (*at != sub && *at != 0x19) {
+                target.dispatchExecute(*at++);
+                continue;
+            }
+        }
+        const ParserAction action = vt500Transitions.action(currentState, *at);
+        nextState = vt500Transitions.next(currentState, *at);
+        at = perform(action, at, begin, end);
+        if (at == nullptr)
+            return;
+        currentState = nextState;
+    }
+    if (currentState == ParserState::dcsPassthrough)
+        flushDcs(end);
+}
+
+/// The common case in one go: ESC '[', parameters without a private marker, and a final byte, all in this piece. Null
+/// when it is anything else, which then takes the way through the table.
+EscapeSequenceParser::Bytes EscapeSequenceParser::tryControlSequence(Bytes escape, Bytes end) {
+    constexpr int mostDigits = 17; // stays below the limit
+    if (end - escape < 3 || escape[1] != '[')
+        return nullptr;
+    parameters.assign(1, 0);
+    separators.clear();
+    collect.clear();
+    Bytes at = escape + 2;
+    // The first parameter is there even when it is empty, and a ':' can't stand at the start.
+    if (*at == ':')
+        return nullptr;
+    while (true) {
+        std::int64_t value = 0;
+        const Bytes digits = at;
+        while (at < end && *at >= '0' && *at <= '9')
+            value = value * 10 + (*at++ - '0');
+        if (at == end || at - digits > mostDigits)
+            return nullptr;
+        parameters.back() = value;
+        if (*at != ';' && *at != ':')
+            break;
+        if (parameters.size() >= largestParameterCount)
+            return nullptr;
+        separators += static_cast<char>(*at++);
+        parameters.push_back(0);
+    }
+    if (*at < 0x40 || *at > 0x7E)
+        return nullptr;
+    target.printStateReset();
+    dispatchCsi(*at);
+    return at + 1;
+}
+
+EscapeSequenceParser::Bytes EscapeSequenceParser::perform(ParserAction action, Bytes at, Bytes begin, Bytes end) {
+    const std::uint8_t code = *at;
+    switch (action) {
+    case ParserAction::ignore: flushDcs(at); break;
+    case ParserAction::error:
+        if (!handleError(at, begin))
+            return nullptr;
+        break;
+    case ParserAction::print: break; // the ground state takes text before it comes to the table
+    case ParserAction::execute: target.dispatchExecute(code); break;
+    case ParserAction::oscStart: (nextState == ParserState::apcString ? apc : osc).clear(); break;
+    case ParserAction::oscPut: return putString(at, end);
+    case ParserAction::oscEnd: endString(code); break;
+    case ParserAction::csiDispatch: dispatchCsi(code); break;
+    case ParserAction::param: param(code); break;
+    case ParserAction::collect:
+        if (collect.size() < largestString)
+            collect += static_cast<char>(code);
+        break;
+    case ParserAction::escDispatch: target.dispatchEsc(collect, code); break;
+    case ParserAction::clear: clearSequence(); break;
+    case ParserAction::dcsHook: hookDcs(code); break;
+    case ParserAction::dcsPut:
+        if (dcsRun == nullptr)
+            dcsRun = at;
+        break;
+    case ParserAction::dcsUnhook: unhookDcs(at, code); break;
+    }
+    return at + 1;
+}
+
+/// A whole run of string bytes: up to BEL, CAN or ESC. Other controls are dropped; 0x9C is data here, as UTF-8 needs.
+EscapeSequenceParser::Bytes EscapeSequenceParser::putString(Bytes at, Bytes end) {
+    std::string& text = currentState == ParserState::apcString ? apc : osc;
+    while (at < end) {
+        const Bytes runEnd = bytescan::findControl(at, end);
+        const auto run = static_cast<std::size_t>(runEnd - at);
+        if (text.size() + run <= largestString)
+            text.append(reinterpret_cast<const char*>(at), run);
+        at = runEnd;
+        if (at == end || *at == bel || *at == can || *at == esc)
+            break;
+        ++at;
+    }
+    return at;
+}
+
+void EscapeSequenceParser::param(std::uint8_t code) {
+    if (code == ';' || code == ':') {
+        if (parameters.size() < largestParameterCount) {
+            separators += static_cast<char>(code);
+            parameters.push_back(0);
+        }
+        return;
+    }
+    const std::int64_t value = parameters.back() * 10 + (code - '0');
+    parameters.back() = value >= parameterLimit ? 0 : value;
+}
+
+std::int64_t EscapeSequenceParser::parseInt(std::span<const std::uint8_t> digits) {
+    std::int64_t value = 0;
+    for (const std::uint8_t digit : digits) {
+        if (digit < '0' || digit > '9')
+            break;
+        if (value >= parameterLimit)
+            return 0;
+        value = value * 10 + (digit - '0');
+    }
+    return value;
+}
+
+void EscapeSequenceParser::endString(std::uint8_t code) {
+    if (code != can && code != sub) {
+        // The handlers may come to feed other terminals, but this string is theirs for the call.
+        if (currentState == ParserState::apcString && !apc.empty()) {
+            target.dispatchApc(static_cast<std::uint8_t>(apc[0]), bytesOf(apc).subspan(1));
+        } else if (currentState == ParserState::oscString && !osc.empty()) {
+            const std::size_t semicolon = osc.find(';');
+            const bool hasData = semicolon != std::string::npos;
+            const auto bytes = bytesOf(osc);
+            target.dispatchOsc(parseInt(hasData ? bytes.first(semicolon) : bytes),
+                hasData ? bytes.subspan(semicolon + 1) : bytes.first(0));
+        }
+    }
+    nextState = code == esc ? ParserState::escape : ParserState::ground;
+    clearSequence();
+}
+
+bool EscapeSequenceParser::handleError(Bytes at, Bytes begin) {
+    if (*at > 0x9F) {
+        switch (currentState) {
+        case ParserState::csiIgnore:
+        case ParserState::dcsIgnore: nextState = currentState; return true;
+        case ParserState::dcsPassthrough:
+            if (dcsRun == nullptr)
+                dcsRun = at;
+            nextState = currentState;
+            return true;
+        default: break;
+        }
+    }
+    if (!errorHandler)
+        return true;
+    ParsingState report{static_cast<std::size_t>(at - begin), *at, currentState, false, dcsRun != nullptr, osc, apc, collect,
+        parameters, false};
+    return !errorHandler(std::move(report)).abort;
+}
+
+void EscapeSequenceParser::dispatchCsi(std::uint8_t final) {
+    target.dispatchCsi({parameters, separators, collect, final});
+}
+
+void EscapeSequenceParser::hookDcs(std::uint8_t final) {
+    activeDcsHandler = target.dcsHandler(collect, final);
+    if (activeDcsHandler)
+        activeDcsHandler->hook(bytesOf(collect), parameters, final);
+}
+
+void EscapeSequenceParser::flushDcs(Bytes at) {
+    if (dcsRun != nullptr && activeDcsHandler && at > dcsRun)
+        activeDcsHandler->put({dcsRun, at});
+    dcsRun = nullptr;
+}
+
+void EscapeSequenceParser::unhookDcs(Bytes at, std::uint8_t code) {
+    if (activeDcsHandler) {
+        flushDcs(at);
+        // RIS inside a handler would drop it: keep it alive for the call.
+        const auto handler = std::move(activeDcsHandler);
+        handler->unhook();
+    }
+    nextState = code == esc ? ParserState::escape : ParserState::ground;
+    clearSequence();
+}
+
+}
