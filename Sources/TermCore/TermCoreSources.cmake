@@ -23,6 +23,11 @@ set(TERMCORE_SOURCES
     Lines/Reflow.cpp
     Parser/EscapeSequenceParser.cpp
     Parser/TransitionTable.cpp
+    Process/HeadlessTerminal.cpp
+    Process/LocalProcess.cpp
+    Process/ProcessWorker.cpp
+    Process/PseudoTerminalHelpers.cpp
+    Process/RunLoop.cpp
     Terminal/CharSets.cpp
     Terminal/Color.cpp
     Terminal/ControlFunctions.cpp
