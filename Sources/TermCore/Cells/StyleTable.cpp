@@ -14,6 +14,17 @@ Attribute StyleTable::attributeOf(Id id) const {
     if (isInterned(id))
         return entries[indexOf(id)].attribute;
     Attribute result;
+    if (const Id kind = id & kindMask; kind != 0) {
+        (kind == foregroundKind ? result.fg : result.bg) = Attribute::Color::trueColor(
+            static_cast<std::uint8_t>(id >> 16), static_cast<std::uint8_t>(id >> 8), static_cast<std::uint8_t>(id));
+        for (unsigned i = 0; i < shortStyleCount; ++i) {
+            if ((id >> (shortStyleShift + i) & 1) != 0)
+                result.style |= shortStyles[i];
+        }
+        if (contains(result.style, CharacterStyle::underline))
+            result.underlineStyle = UnderlineStyle::single;
+        return result;
+    }
     result.fg = unpackedColor(id >> fgShift & 0x1FF);
     result.bg = unpackedColor(id >> bgShift & 0x1FF);
     result.style = static_cast<CharacterStyle>(id >> styleShift & 0xFF);
@@ -34,7 +45,7 @@ StyleTable::Id StyleTable::intern(const Attribute& attribute, TinyAtom payload) 
     while (buckets[bucket] != 0) {
         const std::uint32_t index = buckets[bucket] - 1;
         if (entries[index] == entry)
-            return index | internedBit;
+            return index | internedKind;
         bucket = (bucket + 1) & mask;
     }
     std::uint32_t index = 0;
@@ -50,7 +61,7 @@ StyleTable::Id StyleTable::intern(const Attribute& attribute, TinyAtom payload) 
     }
     buckets[bucket] = index + 1;
     ++liveCount;
-    return index | internedBit;
+    return index | internedKind;
 }
 
 void StyleTable::rebuildBuckets(std::size_t bucketCount) {

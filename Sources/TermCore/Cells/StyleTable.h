@@ -11,8 +11,9 @@
 namespace termcore {
 
 /// Turns the look of a cell, an `Attribute` and a payload, into 32 bits. Default and palette colours are packed into
-/// the id itself; only true colours, underline colours and payloads need an entry in the table. Entries are found
-/// through open addressing and reclaimed by `collect`, when the owner has marked what its cells still use.
+/// the id itself, and so is one true colour beside a default one with the usual styles. Only what is left (two true
+/// colours, underline colours, payloads) needs an entry in the table. Entries are found through open addressing and
+/// reclaimed by `collect`, when the owner has marked what its cells still use.
 class StyleTable {
 public:
     using Id = std::uint32_t;
@@ -27,15 +28,30 @@ public:
     Attribute attributeOf(Id id) const;
     TinyAtom payloadOf(Id id) const { return isInterned(id) ? entries[indexOf(id)].payload : TinyAtom{}; }
 
-    static constexpr bool isInterned(Id id) { return (id & internedBit) != 0; }
+    static constexpr bool isInterned(Id id) { return (id & kindMask) == internedKind; }
 
     /// The id of an attribute that needs no entry, else nothing.
     static constexpr std::optional<Id> packed(const Attribute& a) {
-        if (!a.underlineColor.isAbsent() || a.fg.kind >= Attribute::Color::Kind::trueColor ||
-            a.bg.kind >= Attribute::Color::Kind::trueColor)
+        using Kind = Attribute::Color::Kind;
+        if (!a.underlineColor.isAbsent())
             return std::nullopt;
-        return packedColor(a.fg) << fgShift | packedColor(a.bg) << bgShift | static_cast<Id>(a.style) << styleShift |
-            static_cast<Id>(a.underlineStyle) << underlineShift;
+        if (a.fg.kind < Kind::trueColor && a.bg.kind < Kind::trueColor)
+            return packedColor(a.fg) << fgShift | packedColor(a.bg) << bgShift | static_cast<Id>(a.style) << styleShift |
+                static_cast<Id>(a.underlineStyle) << underlineShift;
+        const bool isForeground = a.fg.kind == Kind::trueColor;
+        const Attribute::Color& color = isForeground ? a.fg : a.bg;
+        const Attribute::Color& other = isForeground ? a.bg : a.fg;
+        const bool hasPlainUnderline =
+            contains(a.style, CharacterStyle::underline) == (a.underlineStyle == UnderlineStyle::single);
+        if (other.kind != Kind::defaultColor || !hasPlainUnderline || a.underlineStyle > UnderlineStyle::single)
+            return std::nullopt;
+        Id styles = 0;
+        for (unsigned i = 0; i < shortStyleCount; ++i)
+            styles |= contains(a.style, shortStyles[i]) ? 1U << i : 0U;
+        if ((a.style & ~allShortStyles()) != CharacterStyle::none)
+            return std::nullopt;
+        return (isForeground ? foregroundKind : backgroundKind) | styles << shortStyleShift |
+            static_cast<Id>(color.red) << 16 | static_cast<Id>(color.green) << 8 | color.blue;
     }
 
     /// True when enough entries have come since the last collection to make another one worth its walk.
@@ -44,11 +60,20 @@ public:
 
     /// Frees all entries whose mark is not set; `marks` is indexed by `indexOf` and may be shorter than the table.
     void collect(const std::vector<bool>& marks);
-    static constexpr std::size_t indexOf(Id id) { return id & ~internedBit; }
+    static constexpr std::size_t indexOf(Id id) { return id & ~kindMask; }
     std::size_t capacity() const { return entries.size(); }
 
 private:
-    static constexpr Id internedBit = 0x80000000;
+    // What the id holds, in its two high bits; 0: palette colours.
+    static constexpr Id kindMask = 0xC0000000;
+    static constexpr Id foregroundKind = 0x40000000;
+    static constexpr Id internedKind = 0x80000000;
+    static constexpr Id backgroundKind = 0xC0000000;
+    static constexpr unsigned shortStyleShift = 24;
+    static constexpr unsigned shortStyleCount = 6;
+    static constexpr CharacterStyle shortStyles[shortStyleCount] = {CharacterStyle::bold, CharacterStyle::dim,
+        CharacterStyle::italic, CharacterStyle::underline, CharacterStyle::inverse, CharacterStyle::crossedOut};
+    static constexpr CharacterStyle allShortStyles() { return ~(CharacterStyle::blink | CharacterStyle::invisible); }
     static constexpr unsigned fgShift = 0;
     static constexpr unsigned bgShift = 9;
     static constexpr unsigned styleShift = 18;

@@ -27,10 +27,7 @@ std::size_t Buffer::getCorrectBufferLength(int forRows) const {
 Cell Buffer::getCharAbsolute(int col, int row) const {
     if (row < 0 || static_cast<std::size_t>(row) >= lines.count() || col < 0)
         return {};
-    std::vector<Cell> scratch;
-    const auto cells = lines.read(static_cast<std::size_t>(row), scratch);
-    const auto at = static_cast<std::size_t>(std::min(col, columnCount - 1));
-    return at < cells.size() ? cells[at] : Cell{};
+    return lines.cellAt(static_cast<std::size_t>(row), static_cast<std::size_t>(std::min(col, columnCount - 1)));
 }
 
 void Buffer::fillViewportRows(Cell fill) {

@@ -92,18 +92,26 @@ std::size_t Buffer::insertUtf8Run(std::span<const std::uint8_t> run, std::uint32
     while (at < end) {
         std::uint32_t scalar = *at;
         std::uint32_t length = 1;
-        if (scalar >= 0xD0 && scalar < 0xD2 && end - at >= 2) {
-            // Cyrillic
-            if ((at[1] & 0xC0) != 0x80)
-                break;
-            scalar = (scalar & 0x1F) << 6 | (at[1] & 0x3FU);
-            length = 2;
-        } else if (scalar >= 0x80) {
-            const Utf8Scalar next = utf8::decode({at, static_cast<std::size_t>(end - at)});
-            if (!next.isValid)
-                break;
-            scalar = next.scalar;
-            length = next.length;
+        const auto isContinuation = [at](std::ptrdiff_t offset) { return (at[offset] & 0xC0) == 0x80; };
+        const auto bits = [at](std::ptrdiff_t offset) { return at[offset] & 0x3FU; };
+        if (scalar >= 0x80) {
+            // RFC 3629; anything not in its short form, or broken, is left to the slow way.
+            const std::ptrdiff_t left = end - at;
+            if (scalar >= 0xE1 && scalar < 0xF0 && left >= 3 && isContinuation(1) && isContinuation(2)) {
+                scalar = (scalar & 0xF) << 12 | bits(1) << 6 | bits(2);
+                length = 3;
+                if (scalar >= 0xD800 && scalar <= 0xDFFF)
+                    break;
+            } else if (scalar >= 0xC2 && scalar < 0xE0 && left >= 2 && isContinuation(1)) {
+                scalar = (scalar & 0x1F) << 6 | bits(1);
+                length = 2;
+            } else {
+                const Utf8Scalar next = utf8::decode({at, static_cast<std::size_t>(left)});
+                if (!next.isValid)
+                    break;
+                scalar = next.scalar;
+                length = next.length;
+            }
         }
         const std::uint8_t glyph = UnicodeUtil::properties(scalar) & glyphMask;
         if (glyph != narrowGlyph && glyph != wideGlyph)

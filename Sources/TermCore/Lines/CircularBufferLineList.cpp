@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cassert>
+#include <cstring>
 #include <utility>
 
 namespace termcore {
@@ -66,6 +67,12 @@ std::span<const Cell> CircularBufferLineList::read(std::size_t index, std::vecto
     scratch.resize(std::max<std::size_t>(scratch.size(), slot.cellCount));
     slot.packed().unpack(scratch.data());
     return std::span<const Cell>(scratch).first(slot.cellCount);
+}
+
+Cell CircularBufferLineList::cellAt(std::size_t index, std::size_t col) const {
+    std::vector<Cell> scratch;
+    const auto cells = read(index, scratch);
+    return col < cells.size() ? cells[col] : Cell{};
 }
 
 bool CircularBufferLineList::isWrapped(std::size_t index) const {
@@ -300,25 +307,42 @@ void CircularBufferLineList::splice(
 
 void CircularBufferLineList::rotateUp(
     std::size_t top, std::size_t bottom, std::size_t by, Cell fill, bool wrapped) {
-    const std::size_t height = bottom - top + 1;
-    by = std::min(by, height);
+    by = std::min(by, bottom - top + 1);
     for (std::size_t i = top; i < top + by; ++i)
         release(slotAt(i));
-    for (std::size_t i = top; i + by <= bottom; ++i)
-        std::swap(slotAt(i), slotAt(i + by));
-    for (std::size_t i = bottom + 1 - by; i <= bottom; ++i)
+    moveSlots(top + by, top, bottom - top + 1 - by);
+    for (std::size_t i = bottom + 1 - by; i <= bottom; ++i) {
+        slotAt(i) = {};
         makeBlank(slotAt(i), fill, wrapped);
+    }
 }
 
 void CircularBufferLineList::rotateDown(std::size_t top, std::size_t bottom, std::size_t by, Cell fill) {
-    const std::size_t height = bottom - top + 1;
-    by = std::min(by, height);
+    by = std::min(by, bottom - top + 1);
     for (std::size_t i = bottom + 1 - by; i <= bottom; ++i)
         release(slotAt(i));
-    for (std::size_t i = bottom; i >= top + by; --i)
-        std::swap(slotAt(i), slotAt(i - by));
-    for (std::size_t i = top; i < top + by; ++i)
+    moveSlots(top, top + by, bottom - top + 1 - by);
+    for (std::size_t i = top; i < top + by; ++i) {
+        slotAt(i) = {};
         makeBlank(slotAt(i), fill, false);
+    }
+}
+
+/// Moves slots within the ring; what they held before where they are moved from is left behind.
+void CircularBufferLineList::moveSlots(std::size_t from, std::size_t to, std::size_t moved) {
+    if (moved == 0)
+        return;
+    const std::size_t low = physical(std::min(from, to));
+    if (low + (std::max(from, to) - std::min(from, to)) + moved <= slots.size()) {
+        Slot* base = slots.data();
+        std::memmove(static_cast<void*>(base + physical(to)), base + physical(from), moved * sizeof(Slot));
+    } else if (from > to) {
+        for (std::size_t i = 0; i < moved; ++i)
+            slotAt(to + i) = slotAt(from + i);
+    } else {
+        for (std::size_t i = moved; i-- > 0;)
+            slotAt(to + i) = slotAt(from + i);
+    }
 }
 
 void CircularBufferLineList::rearrange(

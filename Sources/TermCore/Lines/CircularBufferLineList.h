@@ -38,6 +38,8 @@ public:
     }
     /// The cells; what lies beyond them is empty. Valid until the line changes or `scratch` does.
     std::span<const Cell> read(std::size_t index, std::vector<Cell>& scratch) const;
+    /// One cell; what lies beyond the line's own cells is empty.
+    Cell cellAt(std::size_t index, std::size_t col) const;
     bool isWrapped(std::size_t index) const;
     void setWrapped(std::size_t index, bool wrapped);
     BufferLine::RenderLineMode renderMode(std::size_t index) const;
@@ -115,6 +117,7 @@ private:
     void makeBlank(Slot& slot, Cell fill, bool wrapped);
     void pack(Slot& slot);
     void rebuild(std::size_t capacity);
+    void moveSlots(std::size_t from, std::size_t to, std::size_t moved);
 
     std::vector<Slot> slots; // grows to `limit` as lines come
     std::size_t startIndex = 0;

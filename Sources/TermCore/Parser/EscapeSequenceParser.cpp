@@ -23,16 +23,14 @@ void EscapeSequenceParser::reset() {
     osc.clear();
     apc.clear();
     collect.clear();
-    parameters.assign(1, 0);
-    separators.clear();
+    resetParameters();
     activeDcsHandler.reset();
     dcsRun = nullptr;
     target.printStateReset();
 }
 
 void EscapeSequenceParser::clearSequence() {
-    parameters.assign(1, 0);
-    separators.clear();
+    resetParameters();
     collect.clear();
     osc.clear();
     apc.clear();
@@ -81,8 +79,7 @@ EscapeSequenceParser::Bytes EscapeSequenceParser::tryControlSequence(Bytes escap
     constexpr int mostDigits = 17; // stays below the limit
     if (end - escape < 3 || escape[1] != '[')
         return nullptr;
-    parameters.assign(1, 0);
-    separators.clear();
+    resetParameters();
     collect.clear();
     Bytes at = escape + 2;
     // The first parameter is there even when it is empty, and a ':' can't stand at the start.
@@ -95,13 +92,11 @@ EscapeSequenceParser::Bytes EscapeSequenceParser::tryControlSequence(Bytes escap
             value = value * 10 + (*at++ - '0');
         if (at == end || at - digits > mostDigits)
             return nullptr;
-        parameters.back() = value;
+        parameters[parameterCount - 1] = value;
         if (*at != ';' && *at != ':')
             break;
-        if (parameters.size() >= largestParameterCount)
+        if (!addParameter(*at++))
             return nullptr;
-        separators += static_cast<char>(*at++);
-        parameters.push_back(0);
     }
     if (*at < 0x40 || *at > 0x7E)
         return nullptr;
@@ -159,14 +154,24 @@ EscapeSequenceParser::Bytes EscapeSequenceParser::putString(Bytes at, Bytes end)
 
 void EscapeSequenceParser::param(std::uint8_t code) {
     if (code == ';' || code == ':') {
-        if (parameters.size() < largestParameterCount) {
-            separators += static_cast<char>(code);
-            parameters.push_back(0);
-        }
+        addParameter(code);
         return;
     }
-    const std::int64_t value = parameters.back() * 10 + (code - '0');
-    parameters.back() = value >= parameterLimit ? 0 : value;
+    std::int64_t& last = parameters[parameterCount - 1];
+    const std::int64_t value = last * 10 + (code - '0');
+    last = value >= parameterLimit ? 0 : value;
+}
+
+bool EscapeSequenceParser::addParameter(std::uint8_t separator) {
+    if (parameterCount == parameters.size()) {
+        if (parameterCount >= largestParameterCount)
+            return false;
+        parameters.resize(parameterCount * 2);
+        separators.resize(parameterCount * 2);
+    }
+    separators[parameterCount - 1] = static_cast<char>(separator);
+    parameters[parameterCount++] = 0;
+    return true;
 }
 
 std::int64_t EscapeSequenceParser::parseInt(std::span<const std::uint8_t> digits) {
@@ -214,18 +219,18 @@ bool EscapeSequenceParser::handleError(Bytes at, Bytes begin) {
     if (!errorHandler)
         return true;
     ParsingState report{static_cast<std::size_t>(at - begin), *at, currentState, false, dcsRun != nullptr, osc, apc, collect,
-        parameters, false};
+        {parameters.begin(), parameters.begin() + static_cast<std::ptrdiff_t>(parameterCount)}, false};
     return !errorHandler(std::move(report)).abort;
 }
 
 void EscapeSequenceParser::dispatchCsi(std::uint8_t final) {
-    target.dispatchCsi({parameters, separators, collect, final});
+    target.dispatchCsi({std::span(parameters).first(parameterCount), {separators.data(), parameterCount - 1}, collect, final});
 }
 
 void EscapeSequenceParser::hookDcs(std::uint8_t final) {
     activeDcsHandler = target.dcsHandler(collect, final);
     if (activeDcsHandler)
-        activeDcsHandler->hook(bytesOf(collect), parameters, final);
+        activeDcsHandler->hook(bytesOf(collect), std::span(parameters).first(parameterCount), final);
 }
 
 void EscapeSequenceParser::flushDcs(Bytes at) {

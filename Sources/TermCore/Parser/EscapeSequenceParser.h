@@ -43,6 +43,13 @@ public:
 private:
     using Bytes = const std::uint8_t*;
 
+    static constexpr std::size_t initialParameterRoom = 32;
+
+    void resetParameters() {
+        parameterCount = 1;
+        parameters[0] = 0;
+    }
+    bool addParameter(std::uint8_t separator);
     Bytes tryControlSequence(Bytes escape, Bytes end);
     Bytes perform(ParserAction action, Bytes at, Bytes begin, Bytes end);
     Bytes putString(Bytes at, Bytes end);
@@ -61,8 +68,9 @@ private:
     ParserState nextState = initialState;
     std::string osc;
     std::string apc;
-    std::vector<std::int64_t> parameters{0};
-    std::string separators;
+    std::vector<std::int64_t> parameters = std::vector<std::int64_t>(initialParameterRoom); // the first parameterCount
+    std::vector<char> separators = std::vector<char>(initialParameterRoom);                 // one fewer
+    std::size_t parameterCount = 1;
     std::string collect;
     std::unique_ptr<DcsHandler> activeDcsHandler;
     Bytes dcsRun = nullptr; // start of an open run of DCS data

@@ -3,6 +3,7 @@
 #include "Terminal/Terminal.h"
 
 #include <algorithm>
+#include <array>
 
 namespace termcore::commands {
 namespace {
@@ -10,26 +11,28 @@ namespace {
 using Color = Attribute::Color;
 
 struct StyleChange {
-    std::int64_t parameter;
-    CharacterStyle bits;
-    bool on;
+    CharacterStyle bits = CharacterStyle::none;
+    bool on = false;
 };
 
-constexpr StyleChange styleChanges[] = {
-    {1, CharacterStyle::bold, true},
-    {2, CharacterStyle::dim, true},
-    {3, CharacterStyle::italic, true},
-    {5, CharacterStyle::blink, true},
-    {7, CharacterStyle::inverse, true},
-    {8, CharacterStyle::invisible, true},
-    {9, CharacterStyle::crossedOut, true},
-    {22, CharacterStyle::bold | CharacterStyle::dim, false},
-    {23, CharacterStyle::italic, false},
-    {25, CharacterStyle::blink, false},
-    {27, CharacterStyle::inverse, false},
-    {28, CharacterStyle::invisible, false},
-    {29, CharacterStyle::crossedOut, false},
-};
+/// By parameter.
+constexpr auto styleChanges = [] {
+    std::array<StyleChange, 30> changes{};
+    changes[1] = {CharacterStyle::bold, true};
+    changes[2] = {CharacterStyle::dim, true};
+    changes[3] = {CharacterStyle::italic, true};
+    changes[5] = {CharacterStyle::blink, true};
+    changes[7] = {CharacterStyle::inverse, true};
+    changes[8] = {CharacterStyle::invisible, true};
+    changes[9] = {CharacterStyle::crossedOut, true};
+    changes[22] = {CharacterStyle::bold | CharacterStyle::dim, false};
+    changes[23] = {CharacterStyle::italic, false};
+    changes[25] = {CharacterStyle::blink, false};
+    changes[27] = {CharacterStyle::inverse, false};
+    changes[28] = {CharacterStyle::invisible, false};
+    changes[29] = {CharacterStyle::crossedOut, false};
+    return changes;
+}();
 
 void setUnderline(Attribute& attribute, UnderlineStyle style) {
     attribute.underlineStyle = style;
@@ -109,14 +112,9 @@ std::size_t apply(Attribute& attribute, std::size_t at, const ControlSequence& s
         case 58: return extended(attribute.underlineColor);
         case 59: attribute.underlineColor = Color::absent(); break;
         default:
-            for (const StyleChange& change : styleChanges) {
-                if (change.parameter != code)
-                    continue;
-                if (change.on)
-                    attribute.style |= change.bits;
-                else
-                    attribute.style &= ~change.bits;
-                break;
+            if (code < static_cast<std::int64_t>(styleChanges.size())) {
+                const StyleChange& change = styleChanges[static_cast<std::size_t>(code)];
+                attribute.style = change.on ? attribute.style | change.bits : attribute.style & ~change.bits;
             }
         }
     }

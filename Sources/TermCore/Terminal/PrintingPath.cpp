@@ -5,12 +5,14 @@
 #include "Unicode/UnicodeUtil.h"
 
 #include <algorithm>
+#include <string>
 
 namespace termcore {
 
 void PrintingPath::print(std::span<const std::uint8_t> slice) {
     Buffer& buffer = *terminal.activeBuffer;
-    terminal.updateRange(buffer.y());
+    const int firstRow = buffer.y();
+    terminal.updateRange(firstRow);
     if (terminal.charsets.active == nullptr && !reading.hasPutback()) {
         const std::uint32_t style = terminal.currentStyle();
         const std::uint8_t* const end = slice.data() + slice.size();
@@ -42,7 +44,8 @@ void PrintingPath::print(std::span<const std::uint8_t> slice) {
     } else {
         printGeneral(slice);
     }
-    terminal.updateRange(buffer.y());
+    if (buffer.y() != firstRow)
+        terminal.updateRange(buffer.y());
 }
 
 void PrintingPath::printGeneral(std::span<const std::uint8_t> slice) {
@@ -89,8 +92,10 @@ void PrintingPath::printScalar(std::uint32_t scalar) {
     if (width < 0)
         return;
     if (hasLast()) {
-        const std::u32string previous = lastText();
-        if (wantsToJoin(scalar, previous) && joinLast(scalar, previous))
+        const Join& decided = joinOf(lastCode(), scalar);
+        if (decided.outcome == Join::Outcome::join)
+            join(scalar, decided.code);
+        if (decided.outcome != Join::Outcome::write)
             return;
     }
     if (width > 0)
@@ -108,41 +113,47 @@ bool PrintingPath::hasLast() const {
         static_cast<std::size_t>(last.row) < buffer.lines.count();
 }
 
-std::u32string PrintingPath::lastText() const {
+std::uint32_t PrintingPath::lastCode() const {
     const Buffer::LastCell& last = terminal.activeBuffer->lastBufferStorage;
-    const Cell cell = terminal.activeBuffer->getCharAbsolute(last.col, last.row);
-    return graphemes.text(static_cast<std::int32_t>(cell.code()));
+    return terminal.activeBuffer->getCharAbsolute(last.col, last.row).code();
 }
 
 bool PrintingPath::lastEndsInJoiner() const {
-    if (graphemes.size() == 0 || !hasLast())
-        return false;
-    const Buffer::LastCell& last = terminal.activeBuffer->lastBufferStorage;
-    const Cell cell = terminal.activeBuffer->getCharAbsolute(last.col, last.row);
-    return cell.code() >= static_cast<std::uint32_t>(GraphemeTable::firstCode) &&
-        graphemes.text(static_cast<std::int32_t>(cell.code())).back() == UnicodeUtil::zeroWidthJoiner;
+    return graphemes.size() != 0 && hasLast() &&
+        graphemes.lastScalar(static_cast<std::int32_t>(lastCode())) == UnicodeUtil::zeroWidthJoiner;
 }
 
-bool PrintingPath::wantsToJoin(std::uint32_t scalar, const std::u32string& previous) const {
-    if (UnicodeUtil::mayJoin(scalar) || previous.back() == UnicodeUtil::zeroWidthJoiner)
-        return true;
-    return UnicodeUtil::isRegionalIndicator(scalar) && previous.size() == 1 &&
-        UnicodeUtil::isRegionalIndicator(previous[0]);
+const PrintingPath::Join& PrintingPath::joinOf(std::uint32_t previous, std::uint32_t scalar) {
+    const std::uint64_t key = std::uint64_t{previous} << 32 | scalar;
+    Join& entry = joins[(previous * 0x9E3779B1U ^ scalar * 0x85EBCA6BU) >> 22 & (joinCacheSize - 1)];
+    if (entry.key != key) {
+        entry = decideJoin(previous, scalar);
+        entry.key = key;
+    }
+    return entry;
 }
 
-bool PrintingPath::joinLast(std::uint32_t scalar, const std::u32string& previous) {
-    if (previous.size() >= largestCluster)
-        return UnicodeUtil::columnWidth(scalar) == 0;
-    std::u32string cluster = previous;
+PrintingPath::Join PrintingPath::decideJoin(std::uint32_t previous, std::uint32_t scalar) {
+    using Outcome = Join::Outcome;
+    std::u32string cluster = graphemes.text(static_cast<std::int32_t>(previous));
+    const char32_t last = cluster.back();
+    const bool isFlag = UnicodeUtil::isRegionalIndicator(scalar) && cluster.size() == 1 && UnicodeUtil::isRegionalIndicator(last);
+    if (!UnicodeUtil::mayJoin(scalar) && last != UnicodeUtil::zeroWidthJoiner && !isFlag)
+        return {0, Outcome::write, 0};
+    const Outcome otherwise = UnicodeUtil::columnWidth(scalar) == 0 ? Outcome::drop : Outcome::write;
+    if (cluster.size() >= largestCluster)
+        return {0, otherwise, 0};
     cluster += static_cast<char32_t>(scalar);
     if (!GraphemeTable::isOneCluster(cluster))
-        return UnicodeUtil::columnWidth(scalar) == 0;
+        return {0, otherwise, 0};
     const bool isSelector = scalar == UnicodeUtil::emojiSelector || scalar == UnicodeUtil::textSelector;
-    if (isSelector && !UnicodeUtil::acceptsVariationSelector(previous.back()))
-        return true;
+    if (isSelector && !UnicodeUtil::acceptsVariationSelector(last))
+        return {0, Outcome::drop, 0};
     const auto code = graphemes.code(cluster);
-    if (!code)
-        return true;
+    return code ? Join{0, Outcome::join, static_cast<std::uint32_t>(*code)} : Join{0, Outcome::drop, 0};
+}
+
+void PrintingPath::join(std::uint32_t scalar, std::uint32_t code) {
     Buffer& buffer = *terminal.activeBuffer;
     const Buffer::LastCell& last = buffer.lastBufferStorage;
     BufferLine& line = buffer.lines.edit(static_cast<std::size_t>(last.row));
@@ -157,11 +168,10 @@ bool PrintingPath::joinLast(std::uint32_t scalar, const std::u32string& previous
         width = 1;
         buffer.setX(buffer.x() - 1);
     }
-    cell.text = Cell::textOf(static_cast<std::uint32_t>(*code), static_cast<unsigned>(width));
+    cell.text = Cell::textOf(code, static_cast<unsigned>(width));
     line.set(col, cell);
     if (last.row >= buffer.yBase)
         terminal.updateRange(last.row - buffer.yBase);
-    return true;
 }
 
 }

@@ -3,9 +3,10 @@
 #include "Terminal/ReadingBuffer.h"
 #include "Unicode/GraphemeTable.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
-#include <string>
+#include <vector>
 
 namespace termcore {
 
@@ -29,19 +30,30 @@ public:
     static constexpr std::size_t largestCluster = 32;
 
 private:
+    /// What becomes of a scalar behind a cell with a certain text. It hangs on the two alone and is remembered.
+    struct Join {
+        enum class Outcome : std::uint8_t { write, drop, join };
+
+        std::uint64_t key = ~std::uint64_t{0};
+        Outcome outcome = Outcome::write;
+        std::uint32_t code = 0; ///< of the joined cluster
+    };
+    static constexpr std::size_t joinCacheSize = 1024;
+
     void printGeneral(std::span<const std::uint8_t> slice);
     void printByte(std::uint8_t byte);
     void printScalar(std::uint32_t scalar);
     void write(std::uint32_t code, int width);
-    bool wantsToJoin(std::uint32_t scalar, const std::u32string& previous) const;
-    /// True when the scalar is done with: joined, or to be dropped.
-    bool joinLast(std::uint32_t scalar, const std::u32string& previous);
-    std::u32string lastText() const;
+    const Join& joinOf(std::uint32_t previous, std::uint32_t scalar);
+    Join decideJoin(std::uint32_t previous, std::uint32_t scalar);
+    void join(std::uint32_t scalar, std::uint32_t code);
     bool hasLast() const;
+    std::uint32_t lastCode() const;
     bool lastEndsInJoiner() const;
 
     Terminal& terminal;
     ReadingBuffer reading;
+    std::vector<Join> joins = std::vector<Join>(joinCacheSize);
 };
 
 }

@@ -30,6 +30,13 @@ std::u32string GraphemeTable::text(std::int32_t code) const {
     return index < indexToChar.size() ? indexToChar[index] : std::u32string(1, U' ');
 }
 
+char32_t GraphemeTable::lastScalar(std::int32_t code) const {
+    if (code < firstCode)
+        return static_cast<char32_t>(code);
+    const auto index = static_cast<std::size_t>(code - firstCode);
+    return index < indexToChar.size() ? indexToChar[index].back() : U' ';
+}
+
 void GraphemeTable::appendUtf8(std::string& out, std::int32_t code) const {
     if (code < firstCode) {
         utf8::append(out, code >= 0 && UnicodeUtil::isScalar(static_cast<std::uint32_t>(code)) ? static_cast<std::uint32_t>(code) : U' ');

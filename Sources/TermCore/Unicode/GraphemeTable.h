@@ -24,6 +24,8 @@ public:
     void appendUtf8(std::string& out, std::int32_t code) const;
 
     std::size_t size() const { return indexToChar.size(); }
+    /// The last scalar of a code's text.
+    char32_t lastScalar(std::int32_t code) const;
 
     /// True when the scalars form exactly one extended grapheme cluster.
     static bool isOneCluster(std::u32string_view scalars);
