@@ -20,7 +20,8 @@ public:
     using CharacterProvider = std::function<void(std::string& out, std::uint32_t code)>;
 
     explicit BufferLine(int cols, Cell fillData = {}, bool wrapped = false);
-    explicit BufferLine(const BufferLine& from);
+    BufferLine(const BufferLine& from);
+    BufferLine(BufferLine&&) noexcept = default;
     BufferLine& operator=(const BufferLine&) = delete;
 
     bool isWrapped = false; ///< continues the line above, which ran out of columns

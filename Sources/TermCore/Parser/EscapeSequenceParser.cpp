@@ -1,7 +1,9 @@
 #include "Parser/EscapeSequenceParser.h"
 
 #include "Parser/ByteScan.h"
+#include "Unicode/Utf8.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace termcore {
@@ -42,7 +44,10 @@ void EscapeSequenceParser::parse(std::span<const std::uint8_t> data) {
     const Bytes begin = data.data();
     const Bytes end = begin + data.size();
     dcsRun = nullptr;
-    for (Bytes at = begin; at < end;) {
+    Bytes at = begin;
+    if (at < end && isInsideCharacter())
+        at = putString(at, end);
+    while (at < end) {
         if (currentState == ParserState::ground) {
             // In the ground state every byte above 0x1F is text; C1 controls are what UTF-8 is made of.
             if (*at > 0x1F) {
@@ -88,9 +93,12 @@ EscapeSequenceParser::Bytes EscapeSequenceParser::tryControlSequence(Bytes escap
     while (true) {
         std::int64_t value = 0;
         const Bytes digits = at;
-        while (at < end && *at >= '0' && *at <= '9')
+        while (at < end && *at >= '0' && *at <= '9') {
+            if (at - digits == mostDigits)
+                return nullptr;
             value = value * 10 + (*at++ - '0');
-        if (at == end || at - digits > mostDigits)
+        }
+        if (at == end)
             return nullptr;
         parameters[parameterCount - 1] = value;
         if (*at != ';' && *at != ':')
@@ -136,9 +144,37 @@ EscapeSequenceParser::Bytes EscapeSequenceParser::perform(ParserAction action, B
     return at + 1;
 }
 
-/// A whole run of string bytes: up to BEL, CAN or ESC. Other controls are dropped; 0x9C is data here, as UTF-8 needs.
+/// True when a string was cut in the middle of a UTF-8 sequence: the next byte is no C1 control, whatever its value.
+bool EscapeSequenceParser::isInsideCharacter() const {
+    if (currentState != ParserState::oscString && currentState != ParserState::apcString)
+        return false;
+    const std::string& text = currentState == ParserState::apcString ? apc : osc;
+    for (std::size_t back = 1; back <= std::min<std::size_t>(3, text.size()); ++back) {
+        const auto byte = static_cast<std::uint8_t>(text[text.size() - back]);
+        if ((byte & 0xC0) != 0x80)
+            return utf8::sequenceLength(byte) > back;
+    }
+    return false;
+}
+
+/// A whole run of string bytes: up to BEL, CAN or ESC. Other controls are dropped; 0x9C is data here, as UTF-8 needs,
+/// unless it ends a command without data.
 EscapeSequenceParser::Bytes EscapeSequenceParser::putString(Bytes at, Bytes end) {
     std::string& text = currentState == ParserState::apcString ? apc : osc;
+    constexpr std::size_t longestNumber = 20;
+    if (currentState == ParserState::oscString && text.size() <= longestNumber &&
+        text.find_first_not_of("0123456789;") == std::string::npos &&
+        text.find(';') >= text.size() - 1) {
+        Bytes head = at;
+        while (head < end && *head >= '0' && *head <= '9')
+            ++head;
+        if (head < end && *head == ';' && text.find(';') == std::string::npos)
+            ++head;
+        if (head < end && *head == 0x9C && (head > at || !text.empty())) {
+            text.append(reinterpret_cast<const char*>(at), static_cast<std::size_t>(head - at));
+            return head;
+        }
+    }
     while (at < end) {
         const Bytes runEnd = bytescan::findControl(at, end);
         const auto run = static_cast<std::size_t>(runEnd - at);

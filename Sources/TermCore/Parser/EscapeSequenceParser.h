@@ -52,6 +52,7 @@ private:
     bool addParameter(std::uint8_t separator);
     Bytes tryControlSequence(Bytes escape, Bytes end);
     Bytes perform(ParserAction action, Bytes at, Bytes begin, Bytes end);
+    bool isInsideCharacter() const;
     Bytes putString(Bytes at, Bytes end);
     void clearSequence();
     void param(std::uint8_t code);

@@ -1,5 +1,6 @@
 #include "Tool/ScreenDump.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <vector>
 
@@ -151,10 +152,17 @@ std::string dumpScrollback(const Terminal& terminal) {
     std::string logical;
     const CircularBufferLineList& lines = terminal.displayBuffer().lines;
     std::vector<Cell> scratch;
+    const auto lastCol = static_cast<std::size_t>(terminal.displayBuffer().cols() - 1);
     for (std::size_t row = 0; row < lines.count(); ++row) {
-        logical += text(terminal, lines.read(row, scratch));
-        if (row + 1 < lines.count() && lines.isWrapped(row + 1))
+        auto cells = lines.read(row, scratch);
+        if (row + 1 < lines.count() && lines.isWrapped(row + 1)) {
+            // A wide glyph that did not fit leaves a gap, which is no blank of the text.
+            if (lines.cellAt(row, lastCol) == Cell{} && lines.cellAt(row + 1, 0).width() == 2)
+                cells = cells.first(std::min(cells.size(), lastCol));
+            logical += text(terminal, cells);
             continue;
+        }
+        logical += text(terminal, cells);
         trimBlanks(logical);
         out += logical + "\n";
         logical.clear();
