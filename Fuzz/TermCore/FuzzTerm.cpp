@@ -45,10 +45,10 @@ void readAll(const termcore::Terminal& terminal) {
     }
 }
 
-/// C1 controls and SUB in a string mean different things at the start of a piece and inside: such inputs are not cut.
+/// C1 controls, EM and SUB in a string mean different things at the start of a piece and inside: such inputs are not cut.
 bool mayBeCut(std::span<const std::uint8_t> bytes) {
     for (const std::uint8_t byte : bytes) {
-        if (byte == 0x1A || (byte >= 0x80 && byte <= 0x9F))
+        if (byte == 0x19 || byte == 0x1A || (byte >= 0x80 && byte <= 0x9F))
             return false;
     }
     return true;

@@ -54,8 +54,9 @@ bool BufferLine::hasAnyContent() const {
 
 int BufferLine::getTrimmedLength() const {
     for (int i = used - 1; i >= 0; --i) {
-        if (data[i].code() != 0)
-            return i + data[i].width();
+        const Cell& cell = (*this)[i];
+        if (cell.code() != 0)
+            return i + cell.width();
     }
     return 0;
 }
@@ -168,9 +169,10 @@ void BufferLine::translateToString(std::string& out, bool trimRight, int startCo
     if (trimRight)
         end = std::min(end, getTrimmedLength());
     for (int i = std::max(startCol, 0); i < end; ++i) {
-        const bool isFiller = data[i].code() == 0 && i > 0 && data[i - 1].width() == 2;
+        const Cell& cell = (*this)[i];
+        const bool isFiller = cell.code() == 0 && i > 0 && (*this)[i - 1].width() == 2;
         if (!(skipNullCellsFollowingWide && isFiller))
-            characterProvider(out, data[i].code());
+            characterProvider(out, cell.code());
     }
 }
 

@@ -3,6 +3,7 @@
 #include "Cells/Cell.h"
 #include "Lines/LineImage.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -35,7 +36,7 @@ public:
     std::vector<Cell> getData() const { return {data.get(), data.get() + cellCount}; }
 
     /// An index at or beyond the cell count means the last cell. A line without cells can't be indexed.
-    const Cell& operator[](int index) const { return data[adjusted(index)]; }
+    const Cell& operator[](int index) const { return data[static_cast<std::size_t>(adjusted(index))]; }
     void set(int index, Cell cell);
     int getWidth(int index) const { return (*this)[index].width(); }
     bool hasContent(int index) const;
