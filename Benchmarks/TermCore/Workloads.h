@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace bench {
@@ -15,8 +17,8 @@ struct Workload {
 inline constexpr int cols = 200;
 inline constexpr int rows = 50;
 
-/// Each about `size` bytes long, the same in every run.
-std::vector<Workload> workloads(std::size_t size);
+/// Each about `size` bytes long, the same in every run; all, or the one called `only`.
+std::vector<Workload> workloads(std::size_t size, std::string_view only);
 
 std::string lines(std::size_t count, int length);
 

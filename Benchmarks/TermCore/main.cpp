@@ -1,4 +1,5 @@
-// bench-term [--quick] [--only NAME] [--callgrind NAME]: the terminal engine beside libvterm's bare state parser.
+// The terminal engine beside libvterm's bare state parser. --engine NAME runs the engine alone, once: for profilers,
+// and with `valgrind --tool=callgrind` for instructions per byte.
 #include "AllocationCounter.h"
 #include "Terminal/Terminal.h"
 #include "Workloads.h"
@@ -6,7 +7,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
-#include <cstring>
+#include <cstdlib>
 #include <fstream>
 #include <malloc.h>
 #include <memory>
@@ -68,12 +69,10 @@ double median(std::vector<double> values) {
     return values[values.size() / 2];
 }
 
-bool compare(const std::vector<bench::Workload>& all, std::string_view only, int runs) {
+bool compare(const std::vector<bench::Workload>& all, int runs) {
     bool isGood = true;
     std::printf("%-24s %10s %10s %8s %6s\n", "MB/s, 200x50", "TermCore", "libvterm", "times", "goal");
     for (const bench::Workload& work : all) {
-        if (!only.empty() && work.name != only)
-            continue;
         std::vector<double> ours;
         std::vector<double> theirs;
         for (int i = 0; i < runs; ++i) {
@@ -126,7 +125,7 @@ bool countAllocations() {
 
 int main(int argc, char** argv) {
     std::string only;
-    std::string callgrind;
+    std::string engineOnly;
     int runs = 7;
     std::size_t size = std::size_t{8} << 20;
     for (int i = 1; i < argc; ++i) {
@@ -136,24 +135,22 @@ int main(int argc, char** argv) {
             size = std::size_t{2} << 20;
         } else if (word == "--only" && i + 1 < argc) {
             only = argv[++i];
-        } else if (word == "--callgrind" && i + 1 < argc) {
-            callgrind = argv[++i];
+        } else if (word == "--engine" && i + 1 < argc) {
+            engineOnly = argv[++i];
+        } else if (word == "--size" && i + 1 < argc) {
+            size = std::strtoul(argv[++i], nullptr, 10) << 20;
         } else {
-            std::fprintf(stderr, "usage: bench-term [--quick] [--only NAME] [--callgrind NAME]\n");
+            std::fprintf(stderr, "usage: bench-term [--quick] [--only NAME] [--engine NAME] [--size MB]\n");
             return 2;
         }
     }
-    if (!callgrind.empty()) {
-        // One pass over a small input, to be divided by its length.
-        for (const bench::Workload& work : bench::workloads(std::size_t{1} << 20)) {
-            if (work.name == callgrind) {
-                measureEngine(work.bytes);
-                std::printf("%zu bytes\n", work.bytes.size());
-            }
+    if (!engineOnly.empty()) {
+        for (const bench::Workload& work : bench::workloads(size, engineOnly)) {
+            std::printf("%.0f MB/s, %zu bytes\n", measureEngine(work.bytes), work.bytes.size());
         }
         return 0;
     }
-    bool isGood = compare(bench::workloads(size), only, runs);
+    bool isGood = compare(bench::workloads(size, only), runs);
     if (only.empty()) {
         isGood = measureMemory(29, 60) && isGood;
         isGood = measureMemory(200, 60) && isGood;

@@ -85,12 +85,11 @@ TEST(Reflow, ThereAndBackKeepsTheText) {
     }
 }
 
-/// Whatever sizes come, the buffers keep their invariants.
-TEST(Reflow, InvariantsHoldForAnySizes) {
+void resizeAtRandom(int history) {
     Random random(5);
     TestHost host;
-    Terminal terminal(&host, sized(20, 5, 30));
-    for (int round = 0; round < 1500; ++round) {
+    Terminal terminal(&host, sized(20, 5, history));
+    for (int round = 0; round < 1000; ++round) {
         for (unsigned n = random() % 6; n > 0; --n)
             terminal.feed("слово 中文 wrapped text \x1b[4");
         terminal.feed(random() % 3 == 0 ? "m\x1b[H" : "m\r\n");
@@ -108,6 +107,12 @@ TEST(Reflow, InvariantsHoldForAnySizes) {
             ASSERT_EQ(buffer->tabStops.size(), static_cast<std::size_t>(terminal.cols()));
         }
     }
+}
+
+/// Whatever sizes come, the buffers keep their invariants.
+TEST(Reflow, InvariantsHoldForAnySizes) {
+    for (const int history : {0, 1, 30})
+        resizeAtRandom(history);
 }
 
 }

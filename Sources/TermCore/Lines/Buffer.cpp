@@ -100,6 +100,21 @@ void Buffer::resize(int newCols, int newRows) {
     }
     columnCount = newCols;
     rowCount = newRows;
+    if (lines.count() > 0)
+        fitScreenToLines();
+}
+
+/// The screen is the last `rows` lines. Reflow in a ring without room for what it adds may leave it elsewhere.
+void Buffer::fitScreenToLines() {
+    while (static_cast<int>(lines.count()) < yBase + rowCount && !lines.isFull())
+        lines.pushBlank();
+    const int wanted = std::max(static_cast<int>(lines.count()) - rowCount, 0);
+    const int moved = wanted - yBase;
+    if (moved == 0)
+        return;
+    yBase = wanted;
+    yDisp = std::clamp(yDisp + moved, 0, yBase);
+    cursorY = std::clamp(cursorY - moved, 0, rowCount - 1);
 }
 
 void Buffer::resizeRows(int newCols, int newRows) {

@@ -4,7 +4,9 @@
 #include "Cells/Cell.h"
 #include "Lines/CircularBufferLineList.h"
 
+#include <bit>
 #include <cstdint>
+#include <cstring>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -106,6 +108,16 @@ public:
 
     /// Writes one glyph at the cursor; `code` as in a cell, `width` 0 to 2.
     void insertCharacter(std::uint32_t code, int width, std::uint32_t style);
+    /// The commonest case of `insertAsciiRun`: the run fits into the line. False when it does not, or in insert mode.
+    bool insertWithinLine(std::span<const std::uint8_t> run, std::uint32_t style) {
+        const int end = cursorX + static_cast<int>(run.size());
+        if (insertMode || end > rightLimit() + 1)
+            return false;
+        writeNarrow(screenLine(cursorY).write(end, true) + cursorX, run.data(), run.size(), style);
+        cursorX = end;
+        storeLast(end - 1);
+        return true;
+    }
     /// Writes bytes of width 1 until they are used up, or a line is full and autowrap off. Returns how many were written;
     /// none in insert mode.
     std::size_t insertAsciiRun(std::span<const std::uint8_t> run, std::uint32_t style);
@@ -126,8 +138,19 @@ private:
         if (value >= 0)
             field = value;
     }
+    static void writeNarrow(Cell* out, const std::uint8_t* bytes, std::size_t count, std::uint32_t style) {
+        // One eight-byte store for each cell, which the compiler turns into vector code; two halves would stall who
+        // reads the cell as a whole soon after.
+        static_assert(std::endian::native == std::endian::little);
+        const std::uint64_t high = std::uint64_t{style} << 32;
+        for (std::size_t i = 0; i < count; ++i) {
+            const std::uint64_t cell = high | bytes[i];
+            std::memcpy(static_cast<void*>(out + i), &cell, sizeof cell);
+        }
+    }
     void wrapToNextLine();
     void resizeRows(int newCols, int newRows);
+    void fitScreenToLines();
     void storeLast(int col) { lastBufferStorage = {yBase + cursorY, col, columnCount, rowCount}; }
 
     int cursorX = 0;

@@ -68,6 +68,17 @@ public:
         bytesOnly = bytesOnly && narrowBytes;
         return data.get();
     }
+    /// As `clear` in the default look, for a line that begins a new life.
+    void renew() {
+        if (images)
+            images.reset();
+        for (Cell *cell = data.get(), *end = cell + used; cell != end; ++cell)
+            *cell = {};
+        used = 0;
+        bytesOnly = true;
+        isWrapped = false;
+        renderMode = RenderLineMode::single;
+    }
     int usedCells() const { return used; }
     bool holdsBytesOnly() const { return bytesOnly; }
 

@@ -10,11 +10,20 @@ namespace termcore {
 CircularBufferLineList::CircularBufferLineList(int cols, std::size_t maxLength)
     : limit(maxLength)
     , lineCols(cols)
-    , arena(std::make_unique<LineArena>()) {}
+    , arena(std::make_unique<LineArena>()) {
+    spareLines.reserve(spareLimit);
+}
 
 CircularBufferLineList::~CircularBufferLineList() {
     for (std::size_t i = 0; i < length; ++i)
         release(slotAt(i));
+    dropSpareLines();
+}
+
+void CircularBufferLineList::dropSpareLines() {
+    for (BufferLine* line : spareLines)
+        delete line;
+    spareLines.clear();
 }
 
 CircularBufferLineList::CircularBufferLineList(CircularBufferLineList&& other) noexcept
@@ -23,7 +32,7 @@ CircularBufferLineList::CircularBufferLineList(CircularBufferLineList&& other) n
     , length(std::exchange(other.length, 0))
     , limit(other.limit)
     , lineCols(other.lineCols)
-    , spareLines(std::move(other.spareLines))
+    , spareLines(std::exchange(other.spareLines, {}))
     , arena(std::move(other.arena)) {}
 
 CircularBufferLineList& CircularBufferLineList::operator=(CircularBufferLineList&& other) noexcept {
@@ -109,11 +118,9 @@ int CircularBufferLineList::trimmedLength(std::size_t index) const {
 std::unique_ptr<BufferLine> CircularBufferLineList::takeLine() {
     if (spareLines.empty())
         return std::make_unique<BufferLine>(lineCols);
-    std::unique_ptr<BufferLine> line = std::move(spareLines.back());
+    std::unique_ptr<BufferLine> line(spareLines.back());
     spareLines.pop_back();
-    line->clear();
-    line->isWrapped = false;
-    line->renderMode = BufferLine::RenderLineMode::single;
+    line->renew();
     return line;
 }
 
@@ -131,22 +138,26 @@ BufferLine& CircularBufferLineList::thaw(Slot& slot) {
     return *slot.line();
 }
 
-void CircularBufferLineList::release(Slot& slot) {
-    if (slot.kind == Kind::line) {
-        std::unique_ptr<BufferLine> line(slot.line());
-        if (spareLines.size() < spareLimit && line->count() == lineCols)
-            spareLines.push_back(std::move(line));
-    } else if (slot.isPacked()) {
-        arena->release(static_cast<const std::byte*>(slot.data));
+/// A few bytes in the default look: what most lines of a fast scrolling program are.
+bool CircularBufferLineList::packShort(const BufferLine& line, std::size_t used, Slot& result) {
+    std::byte* room = arena->reserve(PackedLine::shortLine);
+    const Cell* cells = line.cells().data();
+    std::uint32_t styles = 0;
+    std::size_t count = 0;
+    for (std::size_t i = 0; i < used; ++i) {
+        room[i] = static_cast<std::byte>(cells[i].text);
+        styles |= cells[i].style;
+        count = cells[i].text != 0 ? i + 1 : count;
     }
-    slot = {};
-}
-
-void CircularBufferLineList::makeBlank(Slot& slot, Cell fill, bool wrapped) {
-    release(slot);
-    slot.flags = wrapped ? wrappedFlag : 0;
-    if (fill != Cell{})
-        thaw(slot).fill(fill);
+    if (styles != 0)
+        return false;
+    if (count > 0) {
+        arena->commit(count);
+        result.data = room;
+        result.cellCount = result.packedCells = static_cast<std::uint16_t>(count);
+        result.kind = Kind::packedBytes;
+    }
+    return true;
 }
 
 void CircularBufferLineList::pack(Slot& slot) {
@@ -157,6 +168,11 @@ void CircularBufferLineList::pack(Slot& slot) {
     Slot result;
     result.flags = static_cast<std::uint8_t>((line->isWrapped ? wrappedFlag : 0) |
         (static_cast<unsigned>(line->renderMode) << renderModeShift));
+    if (used <= PackedLine::shortLine && line->holdsBytesOnly() && packShort(*line, used, result)) {
+        keepSpare(line);
+        slot = result;
+        return;
+    }
     if (used > 0) {
         PackedLine packed;
         std::byte* room = arena->reserve(PackedLine::largestSize(used));
@@ -171,7 +187,7 @@ void CircularBufferLineList::pack(Slot& slot) {
             result.kind = static_cast<Kind>(packed.form);
         }
     }
-    release(slot);
+    keepSpare(line);
     slot = result;
 }
 
@@ -213,12 +229,14 @@ void CircularBufferLineList::pushBlank(Cell fill, bool wrapped) {
     if (length == slots.size())
         rebuild(std::min(limit, std::max<std::size_t>(64, slots.size() * 2)));
     ++length;
-    makeBlank(slotAt(length - 1), fill, wrapped);
+    makeBlank(slotAt(length - 1), fill, wrapped); // slots behind the end hold nothing of their own
 }
 
 void CircularBufferLineList::pop() {
-    if (length > 0)
-        release(slotAt(--length));
+    if (length > 0) {
+        --length;
+        release(slotAt(length));
+    }
 }
 
 void CircularBufferLineList::recycle(Cell fill, bool wrapped) {
@@ -226,9 +244,8 @@ void CircularBufferLineList::recycle(Cell fill, bool wrapped) {
     Slot& first = slots[startIndex];
     if (++startIndex == slots.size())
         startIndex = 0;
+    release(first);
     makeBlank(first, fill, wrapped);
-    if (slots.size() != length)
-        std::swap(first, slotAt(length - 1));
 }
 
 void CircularBufferLineList::setMaxLength(std::size_t newLimit) {
@@ -264,7 +281,7 @@ void CircularBufferLineList::shiftElements(std::size_t start, std::size_t lines,
         for (std::size_t i = 0; i < lines; ++i) {
             Slot& to = slotAt(static_cast<std::size_t>(target) + i);
             release(to);
-            std::swap(to, slotAt(start + i));
+            to = std::exchange(slotAt(start + i), Slot{});
         }
         return;
     }
@@ -276,7 +293,7 @@ void CircularBufferLineList::shiftElements(std::size_t start, std::size_t lines,
         if (to >= length)
             continue;
         release(slotAt(to));
-        std::swap(slotAt(to), slotAt(start + i));
+        slotAt(to) = std::exchange(slotAt(start + i), Slot{});
     }
 }
 
@@ -311,10 +328,8 @@ void CircularBufferLineList::rotateUp(
     for (std::size_t i = top; i < top + by; ++i)
         release(slotAt(i));
     moveSlots(top + by, top, bottom - top + 1 - by);
-    for (std::size_t i = bottom + 1 - by; i <= bottom; ++i) {
-        slotAt(i) = {};
+    for (std::size_t i = bottom + 1 - by; i <= bottom; ++i)
         makeBlank(slotAt(i), fill, wrapped);
-    }
 }
 
 void CircularBufferLineList::rotateDown(std::size_t top, std::size_t bottom, std::size_t by, Cell fill) {
@@ -322,10 +337,8 @@ void CircularBufferLineList::rotateDown(std::size_t top, std::size_t bottom, std
     for (std::size_t i = bottom + 1 - by; i <= bottom; ++i)
         release(slotAt(i));
     moveSlots(top, top + by, bottom - top + 1 - by);
-    for (std::size_t i = top; i < top + by; ++i) {
-        slotAt(i) = {};
+    for (std::size_t i = top; i < top + by; ++i)
         makeBlank(slotAt(i), fill, false);
-    }
 }
 
 /// Moves slots within the ring; what they held before where they are moved from is left behind.
@@ -370,7 +383,7 @@ void CircularBufferLineList::rearrange(
 
 void CircularBufferLineList::setCols(int cols) {
     lineCols = cols;
-    spareLines.clear();
+    dropSpareLines();
 }
 
 std::size_t CircularBufferLineList::linesWithImages() const {

@@ -113,9 +113,28 @@ private:
 
     BufferLine& thaw(Slot& slot);
     std::unique_ptr<BufferLine> takeLine();
-    void release(Slot& slot);
-    void makeBlank(Slot& slot, Cell fill, bool wrapped);
+    /// The slot's line is gone; what the slot holds is left to the caller.
+    void release(Slot& slot) {
+        if (slot.isPacked())
+            arena->release(static_cast<const std::byte*>(slot.data));
+        else if (slot.kind == Kind::line)
+            keepSpare(slot.line());
+    }
+    void keepSpare(BufferLine* line) {
+        if (spareLines.size() < spareLimit && line->count() == lineCols)
+            spareLines.push_back(line);
+        else
+            delete line;
+    }
+    void dropSpareLines();
+    void makeBlank(Slot& slot, Cell fill, bool wrapped) {
+        slot = {};
+        slot.flags = wrapped ? wrappedFlag : 0;
+        if ((fill.text | fill.style) != 0)
+            thaw(slot).fill(fill);
+    }
     void pack(Slot& slot);
+    bool packShort(const BufferLine& line, std::size_t used, Slot& result);
     void rebuild(std::size_t capacity);
     void moveSlots(std::size_t from, std::size_t to, std::size_t moved);
 
@@ -124,7 +143,7 @@ private:
     std::size_t length = 0;
     std::size_t limit = 0;
     int lineCols = 0;
-    std::vector<std::unique_ptr<BufferLine>> spareLines;
+    std::vector<BufferLine*> spareLines; // owned; room for spareLimit is there from the start
     std::unique_ptr<LineArena> arena;
     std::vector<PackedLine::Run> runScratch;
 };

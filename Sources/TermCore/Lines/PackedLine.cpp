@@ -106,7 +106,7 @@ void widenWords(const std::byte* in, std::size_t count, Cell* out) {
 
 std::size_t PackedLine::pack(
     std::span<const Cell> cells, bool bytesOnly, std::byte* out, std::vector<Run>& runs, PackedLine& result) {
-    while (!cells.empty() && cells.back() == Cell{})
+    while (!cells.empty() && (cells.back().text | cells.back().style) == 0)
         cells = cells.first(cells.size() - 1);
     result = {out, static_cast<std::uint16_t>(cells.size()), static_cast<std::uint16_t>(cells.size()), 0, Form::bytes};
     if (cells.empty())

@@ -28,7 +28,8 @@ void EscapeSequenceParser::reset() {
     resetParameters();
     activeDcsHandler.reset();
     dcsRun = nullptr;
-    target.printStateReset();
+    if (target.hasUnfinishedCharacter)
+        target.printStateReset();
 }
 
 void EscapeSequenceParser::clearSequence() {
@@ -37,7 +38,8 @@ void EscapeSequenceParser::clearSequence() {
     osc.clear();
     apc.clear();
     dcsRun = nullptr;
-    target.printStateReset();
+    if (target.hasUnfinishedCharacter)
+        target.printStateReset();
 }
 
 void EscapeSequenceParser::parse(std::span<const std::uint8_t> data) {
@@ -85,7 +87,8 @@ EscapeSequenceParser::Bytes EscapeSequenceParser::tryControlSequence(Bytes escap
     if (end - escape < 3 || escape[1] != '[')
         return nullptr;
     resetParameters();
-    collect.clear();
+    if (!collect.empty())
+        collect.clear();
     Bytes at = escape + 2;
     // The first parameter is there even when it is empty, and a ':' can't stand at the start.
     if (*at == ':')
@@ -103,12 +106,15 @@ EscapeSequenceParser::Bytes EscapeSequenceParser::tryControlSequence(Bytes escap
         parameters[parameterCount - 1] = value;
         if (*at != ';' && *at != ':')
             break;
-        if (!addParameter(*at++))
+        if (parameterCount == initialParameterRoom)
             return nullptr;
+        separators[parameterCount - 1] = static_cast<char>(*at++);
+        parameters[parameterCount++] = 0;
     }
     if (*at < 0x40 || *at > 0x7E)
         return nullptr;
-    target.printStateReset();
+    if (target.hasUnfinishedCharacter)
+        target.printStateReset();
     dispatchCsi(*at);
     return at + 1;
 }

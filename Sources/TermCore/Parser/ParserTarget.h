@@ -16,8 +16,9 @@ public:
     virtual ~ParserTarget() = default;
     /// Text: bytes above 0x1F, not yet decoded.
     virtual void handlePrint(std::span<const std::uint8_t> data) = 0;
-    /// The sequence state was cleared: an unfinished character is given up.
+    /// The sequence state was cleared: an unfinished character is given up. Only called when there is one.
     virtual void printStateReset() = 0;
+    bool hasUnfinishedCharacter = false;
     virtual void dispatchExecute(std::uint8_t code) = 0;
     virtual void dispatchEsc(std::string_view collect, std::uint8_t final) = 0;
     virtual void dispatchCsi(const ControlSequence& sequence) = 0;

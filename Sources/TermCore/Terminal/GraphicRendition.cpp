@@ -10,28 +10,67 @@ namespace {
 
 using Color = Attribute::Color;
 
-struct StyleChange {
-    CharacterStyle bits = CharacterStyle::none;
-    bool on = false;
+enum class Change : std::uint8_t {
+    none,
+    reset,
+    styleOn,
+    styleOff,
+    underline,
+    underlineOff,
+    doubleUnderline,
+    foreground,
+    background,
+    extendedForeground,
+    extendedBackground,
+    extendedUnderline,
+    defaultForeground,
+    defaultBackground,
+    defaultUnderline,
+};
+
+struct Rendition {
+    Change change = Change::none;
+    std::uint8_t value = 0; ///< style bits or palette index
 };
 
 /// By parameter.
-constexpr auto styleChanges = [] {
-    std::array<StyleChange, 30> changes{};
-    changes[1] = {CharacterStyle::bold, true};
-    changes[2] = {CharacterStyle::dim, true};
-    changes[3] = {CharacterStyle::italic, true};
-    changes[5] = {CharacterStyle::blink, true};
-    changes[7] = {CharacterStyle::inverse, true};
-    changes[8] = {CharacterStyle::invisible, true};
-    changes[9] = {CharacterStyle::crossedOut, true};
-    changes[22] = {CharacterStyle::bold | CharacterStyle::dim, false};
-    changes[23] = {CharacterStyle::italic, false};
-    changes[25] = {CharacterStyle::blink, false};
-    changes[27] = {CharacterStyle::inverse, false};
-    changes[28] = {CharacterStyle::invisible, false};
-    changes[29] = {CharacterStyle::crossedOut, false};
-    return changes;
+constexpr auto renditions = [] {
+    std::array<Rendition, 108> table{};
+    const auto style = [&](std::size_t at, Change change, CharacterStyle bits) {
+        table[at] = {change, static_cast<std::uint8_t>(bits)};
+    };
+    const auto palette = [&](std::size_t at, Change change, std::uint8_t first) {
+        for (std::uint8_t i = 0; i < 8; ++i)
+            table[at + i] = {change, static_cast<std::uint8_t>(first + i)};
+    };
+    table[0] = {Change::reset, 0};
+    style(1, Change::styleOn, CharacterStyle::bold);
+    style(2, Change::styleOn, CharacterStyle::dim);
+    style(3, Change::styleOn, CharacterStyle::italic);
+    table[4] = {Change::underline, 0};
+    style(5, Change::styleOn, CharacterStyle::blink);
+    style(7, Change::styleOn, CharacterStyle::inverse);
+    style(8, Change::styleOn, CharacterStyle::invisible);
+    style(9, Change::styleOn, CharacterStyle::crossedOut);
+    table[21] = {Change::doubleUnderline, 0};
+    style(22, Change::styleOff, CharacterStyle::bold | CharacterStyle::dim);
+    style(23, Change::styleOff, CharacterStyle::italic);
+    table[24] = {Change::underlineOff, 0};
+    style(25, Change::styleOff, CharacterStyle::blink);
+    style(27, Change::styleOff, CharacterStyle::inverse);
+    style(28, Change::styleOff, CharacterStyle::invisible);
+    style(29, Change::styleOff, CharacterStyle::crossedOut);
+    palette(30, Change::foreground, 0);
+    table[38] = {Change::extendedForeground, 0};
+    table[39] = {Change::defaultForeground, 0};
+    palette(40, Change::background, 0);
+    table[48] = {Change::extendedBackground, 0};
+    table[49] = {Change::defaultBackground, 0};
+    table[58] = {Change::extendedUnderline, 0};
+    table[59] = {Change::defaultUnderline, 0};
+    palette(90, Change::foreground, 8);
+    palette(100, Change::background, 8);
+    return table;
 }();
 
 void setUnderline(Attribute& attribute, UnderlineStyle style) {
@@ -74,49 +113,44 @@ ExtendedColor colonColor(std::size_t start, std::span<const std::int64_t> parame
     return {std::nullopt, run};
 }
 
+/// Colour and underline forms; returns how many parameters were taken.
+std::size_t applyExtended(Color& target, std::size_t at, bool hasColon, const ControlSequence& sequence) {
+    const ExtendedColor result = parseExtendedColor(at + 1, hasColon, sequence.parameters, sequence.separators);
+    if (result.color)
+        target = *result.color;
+    return 1 + std::max<std::size_t>(result.used, 1);
+}
+
 /// One parameter; returns how many were taken.
 std::size_t apply(Attribute& attribute, std::size_t at, const ControlSequence& sequence) {
-    const std::int64_t code = sequence.parameters[at];
+    const auto code = static_cast<std::uint64_t>(sequence.parameters[at]);
+    if (code >= renditions.size())
+        return 1;
     const bool hasColon = at < sequence.separators.size() && sequence.separators[at] == ':';
-    const auto extended = [&](Color& target) {
-        const ExtendedColor result = parseExtendedColor(at + 1, hasColon, sequence.parameters, sequence.separators);
-        if (result.color)
-            target = *result.color;
-        return 1 + std::max<std::size_t>(result.used, 1);
-    };
-    if (code >= 30 && code <= 37)
-        attribute.fg = Color::ansi256(static_cast<std::uint8_t>(code - 30));
-    else if (code >= 40 && code <= 47)
-        attribute.bg = Color::ansi256(static_cast<std::uint8_t>(code - 40));
-    else if (code >= 90 && code <= 97)
-        attribute.fg = Color::ansi256(static_cast<std::uint8_t>(code - 90 + 8));
-    else if (code >= 100 && code <= 107)
-        attribute.bg = Color::ansi256(static_cast<std::uint8_t>(code - 100 + 8));
-    else {
-        switch (code) {
-        case 0: attribute = Attribute::empty; break;
-        case 4:
-            if (hasColon && at + 1 < sequence.parameters.size()) {
-                const std::int64_t style = sequence.parameters[at + 1];
-                setUnderline(attribute, style > 5 ? UnderlineStyle::single : static_cast<UnderlineStyle>(style));
-                return 2;
-            }
-            setUnderline(attribute, UnderlineStyle::single);
-            break;
-        case 21: setUnderline(attribute, UnderlineStyle::double_); break;
-        case 24: setUnderline(attribute, UnderlineStyle::none); break;
-        case 38: return extended(attribute.fg);
-        case 39: attribute.fg = Color::defaultColor(); break;
-        case 48: return extended(attribute.bg);
-        case 49: attribute.bg = Color::defaultColor(); break;
-        case 58: return extended(attribute.underlineColor);
-        case 59: attribute.underlineColor = Color::absent(); break;
-        default:
-            if (code < static_cast<std::int64_t>(styleChanges.size())) {
-                const StyleChange& change = styleChanges[static_cast<std::size_t>(code)];
-                attribute.style = change.on ? attribute.style | change.bits : attribute.style & ~change.bits;
-            }
+    const Rendition rendition = renditions[code];
+    switch (rendition.change) {
+    case Change::none: break;
+    case Change::reset: attribute = Attribute::empty; break;
+    case Change::styleOn: attribute.style |= static_cast<CharacterStyle>(rendition.value); break;
+    case Change::styleOff: attribute.style &= ~static_cast<CharacterStyle>(rendition.value); break;
+    case Change::underline:
+        if (hasColon && at + 1 < sequence.parameters.size()) {
+            const std::int64_t style = sequence.parameters[at + 1];
+            setUnderline(attribute, style > 5 ? UnderlineStyle::single : static_cast<UnderlineStyle>(style));
+            return 2;
         }
+        setUnderline(attribute, UnderlineStyle::single);
+        break;
+    case Change::underlineOff: setUnderline(attribute, UnderlineStyle::none); break;
+    case Change::doubleUnderline: setUnderline(attribute, UnderlineStyle::double_); break;
+    case Change::foreground: attribute.fg = Color::ansi256(rendition.value); break;
+    case Change::background: attribute.bg = Color::ansi256(rendition.value); break;
+    case Change::extendedForeground: return applyExtended(attribute.fg, at, hasColon, sequence);
+    case Change::extendedBackground: return applyExtended(attribute.bg, at, hasColon, sequence);
+    case Change::extendedUnderline: return applyExtended(attribute.underlineColor, at, hasColon, sequence);
+    case Change::defaultForeground: attribute.fg = Color::defaultColor(); break;
+    case Change::defaultBackground: attribute.bg = Color::defaultColor(); break;
+    case Change::defaultUnderline: attribute.underlineColor = Color::absent(); break;
     }
     return 1;
 }

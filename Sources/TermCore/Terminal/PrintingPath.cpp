@@ -16,36 +16,49 @@ void PrintingPath::print(std::span<const std::uint8_t> slice) {
     if (terminal.charsets.active == nullptr && !reading.hasPutback()) {
         const std::uint32_t style = terminal.currentStyle();
         const std::uint8_t* const end = slice.data() + slice.size();
-        while (!slice.empty()) {
-            const std::uint8_t* const asciiEnd = bytescan::findNonPrintable(slice.data(), end);
-            std::size_t written = 0;
-            if (asciiEnd != slice.data()) {
-                written = buffer.insertAsciiRun({slice.data(), asciiEnd}, style);
-            } else if (!lastEndsInJoiner()) {
-                written = buffer.insertUtf8Run(slice, style);
-            }
-            slice = slice.subspan(written);
-            if (slice.empty() || (written != 0 && slice.data() == asciiEnd))
-                continue;
-            // One awkward scalar, then on with the runs.
-            const std::size_t length = std::max<std::size_t>(1, utf8::sequenceLength(slice[0]));
-            if (length > slice.size()) {
-                printGeneral(slice);
-                break;
-            }
-            printGeneral(slice.first(length));
-            slice = slice.subspan(length);
-            if (reading.hasPutback()) {
-                // A broken sequence left bytes that may begin another one.
-                printGeneral(slice);
-                break;
-            }
-        }
+        if (bytescan::findNonPrintable(slice.data(), end) == end && buffer.insertWithinLine(slice, style))
+            return;
+        printRuns(slice, style);
     } else {
         printGeneral(slice);
     }
     if (buffer.y() != firstRow)
         terminal.updateRange(buffer.y());
+}
+
+void PrintingPath::printRuns(std::span<const std::uint8_t> slice, std::uint32_t style) {
+    Buffer& buffer = *terminal.activeBuffer;
+    const std::uint8_t* const end = slice.data() + slice.size();
+    while (!slice.empty()) {
+        const std::uint8_t* const asciiEnd = bytescan::findNonPrintable(slice.data(), end);
+        std::size_t written = 0;
+        if (asciiEnd != slice.data()) {
+            written = buffer.insertAsciiRun({slice.data(), asciiEnd}, style);
+        } else if (!lastEndsInJoiner()) {
+            written = buffer.insertUtf8Run(slice, style);
+        }
+        slice = slice.subspan(written);
+        if (slice.empty() || (written != 0 && slice.data() == asciiEnd))
+            continue;
+        // One awkward scalar, then on with the runs.
+        if (const Utf8Scalar next = utf8::decode(slice); next.isValid && next.length > 1) {
+            printScalar(next.scalar);
+            slice = slice.subspan(next.length);
+            continue;
+        }
+        const std::size_t length = std::max<std::size_t>(1, utf8::sequenceLength(slice[0]));
+        if (length > slice.size()) {
+            printGeneral(slice);
+            break;
+        }
+        printGeneral(slice.first(length));
+        slice = slice.subspan(length);
+        if (reading.hasPutback()) {
+            // A broken sequence left bytes that may begin another one.
+            printGeneral(slice);
+            break;
+        }
+    }
 }
 
 void PrintingPath::printGeneral(std::span<const std::uint8_t> slice) {

@@ -22,6 +22,7 @@ public:
     void print(std::span<const std::uint8_t> slice);
     /// Gives up an unfinished character.
     void resetPutback() { reading.resetPutback(); }
+    bool hasPutback() const { return reading.hasPutback(); }
 
     GraphemeTable graphemes;
 
@@ -40,6 +41,7 @@ private:
     };
     static constexpr std::size_t joinCacheSize = 1024;
 
+    void printRuns(std::span<const std::uint8_t> slice, std::uint32_t style);
     void printGeneral(std::span<const std::uint8_t> slice);
     void printByte(std::uint8_t byte);
     void printScalar(std::uint32_t scalar);

@@ -196,12 +196,6 @@ void Terminal::log(std::string_view text) const {
 
 // -- styles ---------------------------------------------------------------------------------------------------------------
 
-void Terminal::resolveStyles() {
-    style = styles.idOf(currentAttribute);
-    erasedStyle = styles.idOf(currentAttribute.erased());
-    styleIsKnown = true;
-}
-
 /// Frees the looks that no cell has any more: memory stays in proportion to what is on the screen and in the history.
 void Terminal::collectStyles() {
     std::vector<bool> marks(styles.capacity(), false);

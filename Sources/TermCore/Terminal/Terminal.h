@@ -89,7 +89,7 @@ public:
         changedInvariant.clear();
     }
     void updateFullScreen() { refresh(0, rowCount - 1); }
-    void updateRange(int row, bool scrolling = false) {
+    [[gnu::always_inline]] void updateRange(int row, bool scrolling = false) {
         changed.add(row);
         if (!scrolling)
             addScrollInvariant(row);
@@ -175,15 +175,17 @@ public:
         styleIsKnown = false;
     }
     std::uint32_t currentStyle() {
-        if (!styleIsKnown)
-            resolveStyles();
+        if (!styleIsKnown) {
+            style = styles.idOf(currentAttribute);
+            styleIsKnown = true;
+        }
         return style;
     }
     /// An erased cell: empty, in the current background.
     Cell erasedCell() {
-        if (!styleIsKnown)
-            resolveStyles();
-        return {0, erasedStyle};
+        if (currentAttribute.bg == Attribute::Color::defaultColor())
+            return {};
+        return {0, styles.idOf(currentAttribute.erased())};
     }
     void setWraparound(bool on);
     void setMarginMode(bool on);
@@ -204,8 +206,14 @@ public:
     void countPayload(TinyAtom atom) { payloads.push_back(atom); }
 
 private:
-    void handlePrint(std::span<const std::uint8_t> data) override { printing.print(data); }
-    void printStateReset() override { printing.resetPutback(); }
+    void handlePrint(std::span<const std::uint8_t> data) override {
+        printing.print(data);
+        hasUnfinishedCharacter = printing.hasPutback();
+    }
+    void printStateReset() override {
+        printing.resetPutback();
+        hasUnfinishedCharacter = false;
+    }
     void dispatchExecute(std::uint8_t code) override;
     void dispatchEsc(std::string_view collect, std::uint8_t final) override;
     void dispatchCsi(const ControlSequence& sequence) override;
@@ -217,9 +225,7 @@ private:
     void setup(bool isReset);
     void resizeBuffers(int newCols, int newRows);
     void bindScroll();
-    void resolveStyles();
     void collectStyles();
-    void scrollMargins();
     std::span<const Cell> lineOf(const Buffer& from, int absoluteRow, std::vector<Cell>& scratch) const;
 
     TerminalDelegate* tdel;
@@ -232,7 +238,6 @@ private:
 
     Attribute currentAttribute;
     std::uint32_t style = 0;
-    std::uint32_t erasedStyle = 0;
     bool styleIsKnown = true;
 
     UpdateRange changed;

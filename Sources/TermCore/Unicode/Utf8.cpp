@@ -2,27 +2,6 @@
 
 namespace termcore::utf8 {
 
-Utf8Scalar decode(std::span<const std::uint8_t> bytes) {
-    if (bytes.empty())
-        return {};
-    const std::uint8_t first = bytes[0];
-    const std::uint32_t length = sequenceLength(first);
-    if (length <= 1)
-        return {first, 1, length == 1};
-    if (bytes.size() < length)
-        return {first, 0, false};
-    std::uint32_t scalar = first & (0xFFU >> (length + 1));
-    for (std::uint32_t i = 1; i < length; ++i) {
-        if ((bytes[i] & 0xC0) != 0x80)
-            return {first, 1, false};
-        scalar = scalar << 6 | (bytes[i] & 0x3FU);
-    }
-    constexpr std::uint32_t smallest[] = {0, 0, 0x80, 0x800, 0x10000};
-    if (scalar < smallest[length] || scalar > 0x10FFFF || (scalar >= 0xD800 && scalar <= 0xDFFF))
-        return {first, 1, false};
-    return {scalar, length, true};
-}
-
 void append(std::string& out, std::uint32_t scalar) {
     if (scalar < 0x80) {
         out += static_cast<char>(scalar);
