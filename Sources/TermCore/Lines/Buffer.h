@@ -143,6 +143,11 @@ private:
         // reads the cell as a whole soon after.
         static_assert(std::endian::native == std::endian::little);
         const std::uint64_t high = std::uint64_t{style} << 32;
+        if (count == 1) {
+            const std::uint64_t cell = high | bytes[0];
+            std::memcpy(static_cast<void*>(out), &cell, sizeof cell);
+            return;
+        }
         for (std::size_t i = 0; i < count; ++i) {
             const std::uint64_t cell = high | bytes[i];
             std::memcpy(static_cast<void*>(out + i), &cell, sizeof cell);

@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
@@ -38,6 +40,11 @@ std::size_t decodePairs(const std::uint8_t* bytes, std::uint32_t style, Cell* ou
     return static_cast<std::size_t>(__builtin_ctz(~static_cast<unsigned>(good))) / 2;
 }
 #endif
+
+/// Han and Hangul: wide, and nothing that joins.
+constexpr bool isPlainWide(std::uint32_t scalar) {
+    return (scalar >= 0x4E00 && scalar <= 0x9FFF) || (scalar >= 0xAC00 && scalar <= 0xD7A3);
+}
 
 constexpr std::uint8_t glyphMask = UnicodeUtil::widthMask | UnicodeUtil::joins | UnicodeUtil::regionalIndicator;
 constexpr std::uint8_t narrowGlyph = 2; // columns + 1, and nothing that joins
@@ -108,6 +115,7 @@ std::size_t Buffer::insertUtf8Run(std::span<const std::uint8_t> run, std::uint32
     if (insertMode || run.empty())
         return 0;
     const int limit = rightLimit();
+    const std::uint64_t styleBits = std::uint64_t{style} << 32;
     const std::uint8_t* at = run.data();
     const std::uint8_t* const end = at + run.size();
     int lastCol = -1;
@@ -128,6 +136,22 @@ std::size_t Buffer::insertUtf8Run(std::span<const std::uint8_t> run, std::uint32
             }
         }
 #endif
+        if (line != nullptr && *at >= 0xE4 && *at <= 0xED) {
+            const std::uint8_t* const start = at;
+            while (end - at >= 3 && (at[0] & 0xF0) == 0xE0 && (at[1] & 0xC0) == 0x80 && (at[2] & 0xC0) == 0x80 &&
+                col + 1 <= limit) {
+                const std::uint32_t han = (at[0] & 0xFU) << 12 | (at[1] & 0x3FU) << 6 | (at[2] & 0x3FU);
+                if (!isPlainWide(han))
+                    break;
+                const std::uint64_t pair[2] = {styleBits | han | Cell::wide, styleBits | Cell::continuation};
+                std::memcpy(static_cast<void*>(cells + col), pair, sizeof pair);
+                lastCol = col;
+                col += 2;
+                at += 3;
+            }
+            if (at != start)
+                continue;
+        }
         std::uint32_t scalar = *at;
         std::uint32_t length = 1;
         const auto isContinuation = [at](std::ptrdiff_t offset) { return (at[offset] & 0xC0) == 0x80; };

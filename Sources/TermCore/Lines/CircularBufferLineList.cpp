@@ -160,18 +160,17 @@ bool CircularBufferLineList::packShort(const BufferLine& line, std::size_t used,
     return true;
 }
 
-void CircularBufferLineList::pack(Slot& slot) {
+BufferLine* CircularBufferLineList::pack(Slot& slot) {
     BufferLine* line = slot.line();
     const auto used = static_cast<std::size_t>(line->usedCells());
     if (line->images || PackedLine::largestSize(used) > LineArena::largestRequest)
-        return;
+        return nullptr;
     Slot result;
     result.flags = static_cast<std::uint8_t>((line->isWrapped ? wrappedFlag : 0) |
         (static_cast<unsigned>(line->renderMode) << renderModeShift));
     if (used <= PackedLine::shortLine && line->holdsBytesOnly() && packShort(*line, used, result)) {
-        keepSpare(line);
         slot = result;
-        return;
+        return line;
     }
     if (used > 0) {
         PackedLine packed;
@@ -187,14 +186,39 @@ void CircularBufferLineList::pack(Slot& slot) {
             result.kind = static_cast<Kind>(packed.form);
         }
     }
-    keepSpare(line);
     slot = result;
+    return line;
 }
 
 void CircularBufferLineList::freeze(std::size_t index) {
     Slot& slot = slotAt(index);
-    if (slot.kind == Kind::line)
-        pack(slot);
+    if (slot.kind != Kind::line)
+        return;
+    if (BufferLine* line = pack(slot))
+        keepSpare(line);
+}
+
+void CircularBufferLineList::scrollScreen(std::size_t top, Cell fill, bool wrapped) {
+    Slot& leaving = slotAt(top);
+    BufferLine* line = leaving.kind == Kind::line ? pack(leaving) : nullptr;
+    if (length == limit) {
+        release(slots[startIndex]);
+        if (++startIndex == slots.size())
+            startIndex = 0;
+    } else {
+        if (length == slots.size())
+            rebuild(std::min(limit, std::max<std::size_t>(64, slots.size() * 2)));
+        ++length;
+    }
+    Slot& coming = slotAt(length - 1);
+    if (line == nullptr || line->count() != lineCols) {
+        if (line != nullptr)
+            keepSpare(line);
+        makeBlank(coming, fill, wrapped);
+        return;
+    }
+    reuse(*line, fill, wrapped);
+    coming = {line, 0, 0, 0, Kind::line, 0};
 }
 
 void CircularBufferLineList::resizeLine(std::size_t index, int newCols) {
@@ -325,6 +349,17 @@ void CircularBufferLineList::splice(
 void CircularBufferLineList::rotateUp(
     std::size_t top, std::size_t bottom, std::size_t by, Cell fill, bool wrapped) {
     by = std::min(by, bottom - top + 1);
+    const std::size_t height = bottom - top + 1;
+    Slot* const region = &slotAt(top);
+    const bool isUnbroken = region + height <= slots.data() + slots.size();
+    if (by == 1 && isUnbroken && region->kind == Kind::line && region->line()->count() == lineCols) {
+        // The common scroll: the line that goes comes in again at the other end.
+        const Slot first = *region;
+        std::memmove(static_cast<void*>(region), region + 1, (height - 1) * sizeof(Slot));
+        region[height - 1] = first;
+        reuse(*first.line(), fill, wrapped);
+        return;
+    }
     for (std::size_t i = top; i < top + by; ++i)
         release(slotAt(i));
     moveSlots(top + by, top, bottom - top + 1 - by);

@@ -61,6 +61,9 @@ public:
     void pop();
     /// Only when full: the first line becomes the last, cleared in the look of `fill`.
     void recycle(Cell fill, bool wrapped);
+    /// A scroll of the whole screen in one step: `freeze(top)`, then `recycle` when full or `pushBlank`. The cells of the
+    /// line that leaves serve the one that comes.
+    void scrollScreen(std::size_t top, Cell fill, bool wrapped);
     void setMaxLength(std::size_t newLimit);
     /// Raising it adds blank lines.
     void setCount(std::size_t newCount);
@@ -126,6 +129,12 @@ private:
         else
             delete line;
     }
+    static void reuse(BufferLine& line, Cell fill, bool wrapped) {
+        line.renew();
+        line.isWrapped = wrapped;
+        if ((fill.text | fill.style) != 0)
+            line.fill(fill);
+    }
     void dropSpareLines();
     void makeBlank(Slot& slot, Cell fill, bool wrapped) {
         slot = {};
@@ -133,7 +142,8 @@ private:
         if ((fill.text | fill.style) != 0)
             thaw(slot).fill(fill);
     }
-    void pack(Slot& slot);
+    /// Packs the line of the slot and gives the line back for reuse; null when it has to stay.
+    BufferLine* pack(Slot& slot);
     bool packShort(const BufferLine& line, std::size_t used, Slot& result);
     void rebuild(std::size_t capacity);
     void moveSlots(std::size_t from, std::size_t to, std::size_t moved);

@@ -123,15 +123,16 @@ void Terminal::scroll(bool isWrapped) {
         const bool wasFull = target.lines.isFull();
         if (target.hasImagesAt(0) && wasFull)
             --target.linesWithImagesCount;
-        // The line that leaves the screen is packed first, so that its cells serve the new one.
-        if (target.hasScrollback())
-            target.lines.freeze(target.screenIndex(0));
         if (bottomLine + 1 == target.lines.count()) {
-            if (wasFull)
+            if (target.hasScrollback() && target.scrollback() > 0)
+                target.lines.scrollScreen(target.screenIndex(0), erasedCell(), isWrapped);
+            else if (wasFull)
                 target.lines.recycle(erasedCell(), isWrapped);
             else
                 target.lines.pushBlank(erasedCell(), isWrapped);
         } else {
+            if (target.hasScrollback())
+                target.lines.freeze(target.screenIndex(0));
             target.lines.splice(bottomLine + 1, 0, 1, erasedCell(), isWrapped);
         }
         if (!wasFull) {
@@ -148,12 +149,9 @@ void Terminal::scroll(bool isWrapped) {
     }
     if (!userScrolling)
         target.yDisp = target.yBase;
-    addScrollInvariant(top);
-    addScrollInvariant(bottom);
-    if (!target.hasScrollback()) {
-        changed.add(top);
-        changed.add(bottom);
-    }
+    addScrollInvariant(top, bottom);
+    if (!target.hasScrollback())
+        changed.add(top, bottom);
     if (tdel != nullptr)
         tdel->scrolled(*this, target.yDisp);
 }

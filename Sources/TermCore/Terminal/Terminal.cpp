@@ -13,6 +13,8 @@
 namespace termcore {
 namespace {
 
+constexpr ControlSequence noParameters; // control codes have none
+
 int usableCols(int cols) {
     return std::clamp(cols, Terminal::MINIMUM_COLS, Buffer::largestSide);
 }
@@ -150,7 +152,7 @@ void Terminal::feed(std::string_view text) {
 
 void Terminal::dispatchExecute(std::uint8_t code) {
     if (const auto handler = controlfunctions::findControl(code))
-        handler(*this, {{}, {}, {}, code});
+        handler(*this, noParameters);
     else
         log("Unknown EXECUTE code");
 }

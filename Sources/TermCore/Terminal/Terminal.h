@@ -98,7 +98,11 @@ public:
         updateRange(startRow);
         updateRange(endRow);
     }
-    void addScrollInvariant(int row) { changedInvariant.add(row + activeBuffer->yBase + activeBuffer->linesTop); }
+    void addScrollInvariant(int row) { addScrollInvariant(row, row); }
+    void addScrollInvariant(int firstRow, int lastRow) {
+        const int base = activeBuffer->yBase + activeBuffer->linesTop;
+        changedInvariant.add(base + firstRow, base + lastRow);
+    }
 
     // -- host side ----------------------------------------------------------------------------------------------------------
 
@@ -182,7 +186,7 @@ public:
         return style;
     }
     /// An erased cell: empty, in the current background.
-    Cell erasedCell() {
+    [[gnu::always_inline]] Cell erasedCell() {
         if (currentAttribute.bg == Attribute::Color::defaultColor())
             return {};
         return {0, styles.idOf(currentAttribute.erased())};

@@ -15,9 +15,10 @@ public:
         bool operator==(const Rows&) const = default;
     };
 
-    void add(int row) {
-        start = std::min(start, row);
-        end = std::max(end, row);
+    void add(int row) { add(row, row); }
+    void add(int firstRow, int lastRow) {
+        start = std::min(start, firstRow);
+        end = std::max(end, lastRow);
     }
     void clear() {
         start = std::numeric_limits<int>::max();
