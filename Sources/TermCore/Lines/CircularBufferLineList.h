@@ -1,0 +1,175 @@
+#pragma once
+
+#include "Lines/BufferLine.h"
+#include "Lines/LineArena.h"
+#include "Lines/PackedLine.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <vector>
+
+namespace termcore {
+
+/// The ring of lines: the screen at its end and the history before it. A slot takes 16 bytes and holds one of three
+/// things: nothing (a blank line), a `BufferLine` that can be written, or a packed line. `edit` turns any line into one
+/// that can be written, `freeze` packs it; readers need not know. Writable lines that leave the ring are kept and used
+/// again, so that scrolling a full ring allocates nothing.
+class CircularBufferLineList {
+public:
+    /// `cols` is the length of lines that `edit` creates.
+    CircularBufferLineList(int cols, std::size_t maxLength);
+    ~CircularBufferLineList();
+    CircularBufferLineList(CircularBufferLineList&& other) noexcept;
+    CircularBufferLineList& operator=(CircularBufferLineList&& other) noexcept;
+    /// A deep copy of all lines.
+    CircularBufferLineList clone() const;
+
+    std::size_t count() const { return length; }
+    std::size_t maxLength() const { return limit; }
+    bool isFull() const { return length == limit; }
+
+    // -- one line; an index at or beyond `count` is an error of the caller --------------------------------------------
+
+    BufferLine& edit(std::size_t index) {
+        Slot& slot = slotAt(index);
+        return slot.kind == Kind::line ? *slot.line() : thaw(slot);
+    }
+    /// The cells; what lies beyond them is empty. Valid until the line changes or `scratch` does.
+    std::span<const Cell> read(std::size_t index, std::vector<Cell>& scratch) const;
+    /// One cell; what lies beyond the line's own cells is empty.
+    Cell cellAt(std::size_t index, std::size_t col) const;
+    bool isWrapped(std::size_t index) const;
+    void setWrapped(std::size_t index, bool wrapped);
+    BufferLine::RenderLineMode renderMode(std::size_t index) const;
+    const LineImages* images(std::size_t index) const;
+    int trimmedLength(std::size_t index) const;
+    /// Packs the line unless it carries images.
+    void freeze(std::size_t index);
+    /// Brings the line to `newCols` cells; packed lines only lose what lies beyond.
+    void resizeLine(std::size_t index, int newCols);
+    /// Calls `mark(style)` for each style that a line uses.
+    template <typename Mark>
+    void forEachStyle(Mark mark) const;
+
+    // -- the ring ---------------------------------------------------------------------------------------------------
+
+    void push(std::unique_ptr<BufferLine> line);
+    /// Pushes an empty line in the look of `fill`; a full ring loses its first line.
+    void pushBlank(Cell fill = {}, bool wrapped = false);
+    void pop();
+    /// Only when full: the first line becomes the last, cleared in the look of `fill`.
+    void recycle(Cell fill, bool wrapped);
+    /// A scroll of the whole screen in one step: `freeze(top)`, then `recycle` when full or `pushBlank`. The cells of the
+    /// line that leaves serve the one that comes.
+    void scrollScreen(std::size_t top, Cell fill, bool wrapped);
+    void setMaxLength(std::size_t newLimit);
+    /// Raising it adds blank lines.
+    void setCount(std::size_t newCount);
+    void trimStart(std::size_t lines);
+    void shiftElements(std::size_t start, std::size_t lines, std::ptrdiff_t offset);
+    /// Removes `deleteCount` lines at `start` and puts `blankLines` lines in the look of `fill` there.
+    void splice(std::size_t start, std::size_t deleteCount, std::size_t blankLines, Cell fill = {}, bool wrapped = false);
+    /// Moves the lines `top` to `bottom` up or down by `by`; blank lines come in at the other end.
+    void rotateUp(std::size_t top, std::size_t bottom, std::size_t by, Cell fill, bool wrapped = false);
+    void rotateDown(std::size_t top, std::size_t bottom, std::size_t by, Cell fill);
+
+    /// The new order of lines after a reflow: the index of an old line, or -1 for the next of `added`. Old lines that are
+    /// not named are dropped.
+    void rearrange(std::span<const std::ptrdiff_t> order, std::vector<std::unique_ptr<BufferLine>> added);
+
+    void setCols(int cols);
+    std::size_t linesWithImages() const;
+    /// Bytes of memory behind the lines, without spare ones.
+    std::size_t memory() const;
+
+private:
+    enum class Kind : std::uint8_t { packedBytes, packedWords, packedCells, blank, line };
+
+    struct Slot {
+        void* data = nullptr;
+        std::uint16_t cellCount = 0;
+        std::uint16_t packedCells = 0;
+        std::uint16_t runCount = 0;
+        Kind kind = Kind::blank;
+        std::uint8_t flags = 0; // of packed and blank lines: wrapped, render mode
+
+        BufferLine* line() const { return static_cast<BufferLine*>(data); }
+        bool isPacked() const { return kind <= Kind::packedCells; }
+        PackedLine packed() const {
+            return {static_cast<const std::byte*>(data), cellCount, packedCells, runCount,
+                static_cast<PackedLine::Form>(kind)};
+        }
+    };
+    static_assert(sizeof(Slot) == 16);
+    static constexpr std::uint8_t wrappedFlag = 1;
+    static constexpr unsigned renderModeShift = 1;
+    static constexpr std::size_t spareLimit = 256;
+
+    std::size_t physical(std::size_t index) const {
+        const std::size_t at = startIndex + index;
+        return at >= slots.size() ? at - slots.size() : at;
+    }
+    Slot& slotAt(std::size_t index) { return slots[physical(index)]; }
+    const Slot& slotAt(std::size_t index) const { return slots[physical(index)]; }
+
+    BufferLine& thaw(Slot& slot);
+    std::unique_ptr<BufferLine> takeLine();
+    /// The slot's line is gone; what the slot holds is left to the caller.
+    void release(Slot& slot) {
+        if (slot.isPacked())
+            arena->release(static_cast<const std::byte*>(slot.data));
+        else if (slot.kind == Kind::line)
+            keepSpare(slot.line());
+    }
+    void keepSpare(BufferLine* line) {
+        if (spareLines.size() < spareLimit && line->count() == lineCols)
+            spareLines.push_back(line);
+        else
+            delete line;
+    }
+    static void reuse(BufferLine& line, Cell fill, bool wrapped) {
+        line.renew();
+        line.isWrapped = wrapped;
+        if ((fill.text | fill.style) != 0)
+            line.fill(fill);
+    }
+    void dropSpareLines();
+    void makeBlank(Slot& slot, Cell fill, bool wrapped) {
+        slot = {};
+        slot.flags = wrapped ? wrappedFlag : 0;
+        if ((fill.text | fill.style) != 0)
+            thaw(slot).fill(fill);
+    }
+    /// Packs the line of the slot and gives the line back for reuse; null when it has to stay.
+    BufferLine* pack(Slot& slot);
+    bool packShort(const BufferLine& line, std::size_t used, Slot& result);
+    void rebuild(std::size_t capacity);
+    void moveSlots(std::size_t from, std::size_t to, std::size_t moved);
+
+    std::vector<Slot> slots; // grows to `limit` as lines come
+    std::size_t startIndex = 0;
+    std::size_t length = 0;
+    std::size_t limit = 0;
+    int lineCols = 0;
+    std::vector<BufferLine*> spareLines; // owned; room for spareLimit is there from the start
+    std::unique_ptr<LineArena> arena;
+    std::vector<PackedLine::Run> runScratch;
+};
+
+template <typename Mark>
+void CircularBufferLineList::forEachStyle(Mark mark) const {
+    for (std::size_t i = 0; i < length; ++i) {
+        const Slot& slot = slotAt(i);
+        if (slot.kind == Kind::line) {
+            for (const Cell& cell : slot.line()->cells().first(static_cast<std::size_t>(slot.line()->usedCells())))
+                mark(cell.style);
+        } else if (slot.isPacked()) {
+            for (const PackedLine::Run& run : slot.packed().runs())
+                mark(run.style);
+        }
+    }
+}
+
+}
