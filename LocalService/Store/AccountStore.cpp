@@ -47,7 +47,7 @@ std::optional<UserRow> AccountStore::user(const std::string& id) {
 }
 
 UserRow AccountStore::addUser(const std::string& email) {
-    const UserRow row{randomId(), email, toIso8601(WallClock::now())};
+    UserRow row{randomId(), email, toIso8601(WallClock::now())};
     db_.run([&](soci::session& sql) {
         sql << "INSERT INTO users(id, email, created_at) VALUES(:i, :e, :c)", use(row.id), use(row.email),
             use(row.createdAt);
@@ -60,7 +60,7 @@ void AccountStore::removeUser(const std::string& id) {
 }
 
 SessionRow AccountStore::addSession(const std::string& userId, const std::string& tokenHash) {
-    const SessionRow row{randomId(), userId, toIso8601(WallClock::now())};
+    SessionRow row{randomId(), userId, toIso8601(WallClock::now())};
     db_.run([&](soci::session& sql) {
         sql << "INSERT INTO sessions(id, user_id, token_hash, created_at) VALUES(:i, :u, :t, :c)", use(row.id),
             use(row.userId), use(tokenHash), use(row.createdAt);

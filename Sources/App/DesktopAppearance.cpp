@@ -55,12 +55,13 @@ void DesktopAppearance::settingChanged(const QDBusMessage& message) {
 }
 
 void DesktopAppearance::take(const QString& key, const QVariant& value) {
-    if (key == schemeKey)
+    if (key == schemeKey) {
         m_scheme = value.toUInt() == 1 ? u"dark"_s : value.toUInt() == 2 ? u"light"_s : u"system"_s;
-    else if (key == animationsKey)
+    } else if (key == animationsKey) {
         m_reducedMotion = !value.toBool();
-    else
+    } else {
         return;
+    }
     emit changed();
 }
 
