@@ -59,7 +59,8 @@ CircularBufferLineList CircularBufferLineList::clone() const {
         if (slot.isPacked()) {
             const auto cells = read(i, scratch);
             BufferLine& line = copy.edit(i);
-            std::copy(cells.begin(), cells.end(), line.write(static_cast<int>(cells.size()), slot.kind == Kind::packedBytes));
+            std::copy(
+                cells.begin(), cells.end(), line.write(static_cast<int>(cells.size()), slot.kind == Kind::packedBytes));
             copy.freeze(i);
         }
         copy.slotAt(i).flags = slot.flags;
@@ -166,8 +167,8 @@ BufferLine* CircularBufferLineList::pack(Slot& slot) {
     if (line->images || PackedLine::largestSize(used) > LineArena::largestRequest)
         return nullptr;
     Slot result;
-    result.flags = static_cast<std::uint8_t>((line->isWrapped ? wrappedFlag : 0) |
-        (static_cast<unsigned>(line->renderMode) << renderModeShift));
+    result.flags = static_cast<std::uint8_t>(
+        (line->isWrapped ? wrappedFlag : 0) | (static_cast<unsigned>(line->renderMode) << renderModeShift));
     if (used <= PackedLine::shortLine && line->holdsBytesOnly() && packShort(*line, used, result)) {
         slot = result;
         return line;
@@ -346,8 +347,7 @@ void CircularBufferLineList::splice(
     }
 }
 
-void CircularBufferLineList::rotateUp(
-    std::size_t top, std::size_t bottom, std::size_t by, Cell fill, bool wrapped) {
+void CircularBufferLineList::rotateUp(std::size_t top, std::size_t bottom, std::size_t by, Cell fill, bool wrapped) {
     by = std::min(by, bottom - top + 1);
     const std::size_t height = bottom - top + 1;
     Slot* const region = &slotAt(top);

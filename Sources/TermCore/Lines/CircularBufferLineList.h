@@ -70,7 +70,8 @@ public:
     void trimStart(std::size_t lines);
     void shiftElements(std::size_t start, std::size_t lines, std::ptrdiff_t offset);
     /// Removes `deleteCount` lines at `start` and puts `blankLines` lines in the look of `fill` there.
-    void splice(std::size_t start, std::size_t deleteCount, std::size_t blankLines, Cell fill = {}, bool wrapped = false);
+    void splice(
+        std::size_t start, std::size_t deleteCount, std::size_t blankLines, Cell fill = {}, bool wrapped = false);
     /// Moves the lines `top` to `bottom` up or down by `by`; blank lines come in at the other end.
     void rotateUp(std::size_t top, std::size_t bottom, std::size_t by, Cell fill, bool wrapped = false);
     void rotateDown(std::size_t top, std::size_t bottom, std::size_t by, Cell fill);

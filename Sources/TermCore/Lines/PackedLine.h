@@ -35,8 +35,8 @@ struct PackedLine {
     static constexpr std::size_t largestSize(std::size_t cells) { return cells * (4 + sizeof(Run)) + alignof(Run); }
 
     /// Packs into `out`, which has room for `largestSize`; `runs` is scratch space. Returns the bytes used.
-    static std::size_t pack(std::span<const Cell> cells, bool bytesOnly, std::byte* out, std::vector<Run>& runs,
-        PackedLine& result);
+    static std::size_t pack(
+        std::span<const Cell> cells, bool bytesOnly, std::byte* out, std::vector<Run>& runs, PackedLine& result);
     /// Writes `cellCount` cells.
     void unpack(Cell* out) const;
     std::uint32_t codeAt(std::size_t index) const;

@@ -46,8 +46,8 @@ void shiftUp(Terminal& terminal, int top, int bottom, int by) {
     if (buffer.marginMode)
         moveCellsUp(terminal, top, bottom, by);
     else
-        buffer.lines.rotateUp(buffer.screenIndex(top), buffer.screenIndex(bottom), static_cast<std::size_t>(by),
-            terminal.erasedCell());
+        buffer.lines.rotateUp(
+            buffer.screenIndex(top), buffer.screenIndex(bottom), static_cast<std::size_t>(by), terminal.erasedCell());
 }
 
 void shiftDown(Terminal& terminal, int top, int bottom, int by) {
@@ -55,8 +55,8 @@ void shiftDown(Terminal& terminal, int top, int bottom, int by) {
     if (buffer.marginMode)
         moveCellsDown(terminal, top, bottom, by);
     else
-        buffer.lines.rotateDown(buffer.screenIndex(top), buffer.screenIndex(bottom), static_cast<std::size_t>(by),
-            terminal.erasedCell());
+        buffer.lines.rotateDown(
+            buffer.screenIndex(top), buffer.screenIndex(bottom), static_cast<std::size_t>(by), terminal.erasedCell());
 }
 
 /// A cursor behind the last column, where a glyph left it, still stands on that column.

@@ -24,9 +24,7 @@ public:
         start = std::numeric_limits<int>::max();
         end = -1;
     }
-    std::optional<Rows> rows() const {
-        return end < start ? std::nullopt : std::optional(Rows{start, end});
-    }
+    std::optional<Rows> rows() const { return end < start ? std::nullopt : std::optional(Rows{start, end}); }
 
 private:
     int start = std::numeric_limits<int>::max();
