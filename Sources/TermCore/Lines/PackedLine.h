@@ -24,7 +24,7 @@ struct PackedLine {
     Form form = Form::bytes;
 
     static constexpr std::uint16_t fillerMark = 0xDC00;
-    static constexpr std::size_t shortLine = 8; ///< bytes; see `CircularBufferLineList::packShort`
+    static constexpr std::size_t shortLine = 8; ///< codes that a slot of the ring can hold itself
 
     struct Run {
         std::uint32_t style;

@@ -145,7 +145,10 @@ void Terminal::scroll(bool isWrapped) {
                 target.yDisp = std::max(target.yDisp - 1, 0);
         }
     } else {
-        target.lines.rotateUp(target.screenIndex(top), target.screenIndex(bottom), 1, erasedCell(), isWrapped);
+        const std::size_t first = target.screenIndex(top);
+        const std::size_t last = target.screenIndex(bottom);
+        if (!target.lines.rotateUpOnce(first, last, erasedCell(), isWrapped))
+            target.lines.rotateUp(first, last, 1, erasedCell(), isWrapped);
     }
     if (!userScrolling)
         target.yDisp = target.yBase;

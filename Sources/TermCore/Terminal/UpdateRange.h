@@ -15,7 +15,10 @@ public:
         bool operator==(const Rows&) const = default;
     };
 
-    void add(int row) { add(row, row); }
+    void add(int row) {
+        if (row < start || row > end)
+            add(row, row);
+    }
     void add(int firstRow, int lastRow) {
         start = std::min(start, firstRow);
         end = std::max(end, lastRow);
