@@ -4,10 +4,10 @@
 
 // glibc's own names behind the public ones.
 extern "C" {
-void* __libc_malloc(std::size_t size);                           // NOLINT
-void* __libc_memalign(std::size_t alignment, std::size_t size);  // NOLINT
-void* __libc_calloc(std::size_t count, std::size_t size);        // NOLINT
-void* __libc_realloc(void* block, std::size_t size);             // NOLINT
+void* __libc_malloc(std::size_t size);                          // NOLINT
+void* __libc_memalign(std::size_t alignment, std::size_t size); // NOLINT
+void* __libc_calloc(std::size_t count, std::size_t size);       // NOLINT
+void* __libc_realloc(void* block, std::size_t size);            // NOLINT
 }
 
 namespace {

@@ -40,10 +40,11 @@ void sentence(std::string& out, Random& random, const std::array<std::string_vie
 
 constexpr std::array<std::string_view, 16> english{"request", "served", "in", "GET", "/api/v1/chats", "cache", "miss",
     "user", "of", "connection", "closed", "retrying", "with", "timeout", "200", "bytes"};
-constexpr std::array<std::string_view, 12> russian{"запрос", "выполнен", "за", "сервер", "ответил", "ошибка", "в",
-    "строке", "файл", "не", "найден", "пользователь"};
+constexpr std::array<std::string_view, 12> russian{
+    "запрос", "выполнен", "за", "сервер", "ответил", "ошибка", "в", "строке", "файл", "не", "найден", "пользователь"};
 constexpr std::array<std::string_view, 8> chinese{"终端", "引擎", "字符", "渲染", "很快", "世界", "数据", "测试结果"};
-constexpr std::array<std::string_view, 12> emoji{"😀", "🚀", "🎉", "👍🏽", "❤️", "👩‍💻", "🇩🇪", "🔥", "✅", "🐧", "☕", "🧪"};
+constexpr std::array<std::string_view, 12> emoji{
+    "😀", "🚀", "🎉", "👍🏽", "❤️", "👩‍💻", "🇩🇪", "🔥", "✅", "🐧", "☕", "🧪"};
 
 void asciiLog(std::string& out, Random& random) {
     char head[64];
@@ -55,7 +56,8 @@ void asciiLog(std::string& out, Random& random) {
 }
 
 void colouredLog(std::string& out, Random& random) {
-    constexpr std::array<std::string_view, 3> levels{"\x1b[32mINFO\x1b[0m", "\x1b[1;33mWARN\x1b[0m", "\x1b[31mERROR\x1b[0m"};
+    constexpr std::array<std::string_view, 3> levels{
+        "\x1b[32mINFO\x1b[0m", "\x1b[1;33mWARN\x1b[0m", "\x1b[31mERROR\x1b[0m"};
     char head[96];
     std::snprintf(head, sizeof head, "\x1b[90m2024-02-29 12:%02d:%02d\x1b[0m ", number(random, 60), number(random, 60));
     out += head;
@@ -108,7 +110,8 @@ void mediumCells(std::string& out, Random& random) {
     std::snprintf(head, sizeof head, "\x1b[%d;%dH", 1 + number(random, rows), 1 + number(random, 60));
     out += head;
     for (int i = 0; i < 8; ++i) {
-        std::snprintf(head, sizeof head, "\x1b[38;2;%d;%d;%dm", number(random, 256), number(random, 256), number(random, 256));
+        std::snprintf(
+            head, sizeof head, "\x1b[38;2;%d;%d;%dm", number(random, 256), number(random, 256), number(random, 256));
         out += head;
         out += pick(random, english);
         out += "\x1b[m ";

@@ -66,7 +66,8 @@ double measureLibvterm(std::string_view bytes) {
     const std::unique_ptr<VTerm, void (*)(VTerm*)> term(vterm_new(bench::rows, bench::cols), vterm_free);
     vterm_set_utf8(term.get(), 1);
     vterm_state_reset(vterm_obtain_state(term.get()), 1);
-    return megabytesPerSecond(bytes, [&](std::string_view piece) { vterm_input_write(term.get(), piece.data(), piece.size()); });
+    return megabytesPerSecond(
+        bytes, [&](std::string_view piece) { vterm_input_write(term.get(), piece.data(), piece.size()); });
 }
 
 double median(std::vector<double> values) {

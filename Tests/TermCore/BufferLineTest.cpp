@@ -1,6 +1,6 @@
-#include "TestRandom.h"
 #include "Lines/BufferLine.h"
 #include "Lines/PackedLine.h"
+#include "TestRandom.h"
 #include "Unicode/Utf8.h"
 
 #include <gtest/gtest.h>
@@ -17,8 +17,8 @@ BufferLine lineOf(std::string_view text, int cols) {
 
 std::string textOf(const BufferLine& line, bool trim = true) {
     std::string out;
-    line.translateToString(out, trim, 0, -1, true,
-        [](std::string& to, std::uint32_t code) { utf8::append(to, code == 0 ? U' ' : code); });
+    line.translateToString(
+        out, trim, 0, -1, true, [](std::string& to, std::uint32_t code) { utf8::append(to, code == 0 ? U' ' : code); });
     return out;
 }
 

@@ -1,6 +1,6 @@
-#include "TestRandom.h"
 #include "Lines/CircularBufferLineList.h"
 #include "Lines/CircularList.h"
+#include "TestRandom.h"
 
 #include <gtest/gtest.h>
 
@@ -39,7 +39,8 @@ TEST(LineList, AFullRingLosesItsFirstLine) {
 }
 
 TEST(LineList, SplicesAndShifts) {
-    const auto spliced = [](std::string_view text, std::size_t limit, std::size_t at, std::size_t remove, std::size_t add) {
+    const auto spliced = [](std::string_view text, std::size_t limit, std::size_t at, std::size_t remove,
+                             std::size_t add) {
         auto list = listOf(text, limit);
         list.splice(at, remove, add);
         return textOf(list);

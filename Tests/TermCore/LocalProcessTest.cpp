@@ -78,14 +78,18 @@ TEST_P(OnEitherQueue, OutputComesInOrderAndTheExitOnceAfterIt) {
     EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "a zombie was left";
 }
 
-INSTANTIATE_TEST_SUITE_P(LocalProcess, OnEitherQueue, testing::Values(RunLoop::Kind::backPressure, RunLoop::Kind::mainQueue),
-    [](const auto& each) { return std::string(each.param == RunLoop::Kind::mainQueue ? "MainQueue" : "BackPressure"); });
+INSTANTIATE_TEST_SUITE_P(LocalProcess, OnEitherQueue,
+    testing::Values(RunLoop::Kind::backPressure, RunLoop::Kind::mainQueue), [](const auto& each) {
+        return std::string(each.param == RunLoop::Kind::mainQueue ? "MainQueue" : "BackPressure");
+    });
 
 TEST(LocalProcess, AnswersReportsAndTakesInput) {
     Session session;
-    session.start("stty raw -echo min 0 time 50; printf '\\033[6n'; head -c 6 | od -An -c; stty sane; read x; echo got $x");
-    ASSERT_TRUE(waitFor(session.loop, [&] { return session.screen().find("033   [   1   ;   1   R") != std::string::npos; }))
-        << session.screen();
+    session.start(
+        "stty raw -echo min 0 time 50; printf '\\033[6n'; head -c 6 | od -An -c; stty sane; read x; echo got $x");
+    ASSERT_TRUE(waitFor(session.loop, [&] {
+        return session.screen().find("033   [   1   ;   1   R") != std::string::npos;
+    })) << session.screen();
     session.headless.send("hello\n");
     ASSERT_TRUE(session.waitForExit());
     EXPECT_NE(session.screen().find("got hello"), std::string::npos) << session.screen();
@@ -93,7 +97,8 @@ TEST(LocalProcess, AnswersReportsAndTakesInput) {
 
 TEST(LocalProcess, EnvironmentSizeNameAndDirectory) {
     Session session;
-    session.headless.process.startProcess("/bin/sh", {"-c", "echo $0 $TERM $COLORTERM; pwd; stty size"}, std::nullopt, "name", "/tmp");
+    session.headless.process.startProcess(
+        "/bin/sh", {"-c", "echo $0 $TERM $COLORTERM; pwd; stty size"}, std::nullopt, "name", "/tmp");
     ASSERT_TRUE(session.waitForExit());
     EXPECT_EQ(session.screen(), "name xterm-256color truecolor\n/tmp\n10 60\n");
 }

@@ -220,7 +220,8 @@ TEST_P(Recording, IsTheSameWhereverItIsCut) {
 
 std::string testName(const testing::TestParamInfo<Case>& info) {
     std::string name = info.param.file + "_" + info.param.name;
-    std::replace_if(name.begin(), name.end(), [](unsigned char c) { return std::isalnum(c) == 0; }, '_');
+    std::replace_if(
+        name.begin(), name.end(), [](unsigned char c) { return std::isalnum(c) == 0; }, '_');
     return name + "_" + std::to_string(info.index);
 }
 

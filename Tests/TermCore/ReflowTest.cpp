@@ -1,5 +1,5 @@
-#include "TestRandom.h"
 #include "TestHost.h"
+#include "TestRandom.h"
 
 #include <gtest/gtest.h>
 
@@ -37,7 +37,8 @@ const Example examples[] = {
     {"more rows pull the history back", sized(10, 2), "1\r\n2\r\n3\r\n4", {{10, 4}}, "1|2|3|4|", 1, 3},
     {"more rows without history are blank", sized(10, 2), "1", {{10, 4}}, "1||||", 1, 0},
     {"a full ring loses its first lines", sized(8, 2, 1), "abcdefgh\r\nijklmnop\r\nx", {{4, 2}}, "ijkl|mnop|x|", 1, 1},
-    {"blanks within a wrapped group stay", sized(4, 4), "abcdef\x1b[1;3H\x1b[K\x1b[3;1Hx", {{8, 4}}, "ab  ef|x|||", 1, 1},
+    {"blanks within a wrapped group stay", sized(4, 4), "abcdef\x1b[1;3H\x1b[K\x1b[3;1Hx", {{8, 4}}, "ab  ef|x|||", 1,
+        1},
 };
 
 TEST(Reflow, Examples) {
@@ -65,7 +66,8 @@ TEST(Reflow, TheAlternateScreenIsCutOrPadded) {
 /// overflow.
 TEST(Reflow, ThereAndBackKeepsTheText) {
     Random random(11);
-    static constexpr const char* pieces[] = {"a", "bc ", "слово", "中", "文字", "e\xcc\x81", "😀", "  ", "\x1b[1m", "\x1b[m", "-"};
+    static constexpr const char* pieces[] = {
+        "a", "bc ", "слово", "中", "文字", "e\xcc\x81", "😀", "  ", "\x1b[1m", "\x1b[m", "-"};
     for (int round = 0; round < 400; ++round) {
         const int cols = 4 + static_cast<int>(random() % 30);
         TestHost host;

@@ -1,5 +1,5 @@
-#include "TestRandom.h"
 #include "Cells/StyleTable.h"
+#include "TestRandom.h"
 
 #include <gtest/gtest.h>
 
@@ -11,7 +11,8 @@ Attribute randomAttribute(Random& random) {
         switch (random() % 4) {
         case 0: return Attribute::Color::ansi256(static_cast<std::uint8_t>(random()));
         case 1:
-            return Attribute::Color::trueColor(static_cast<std::uint8_t>(random()), static_cast<std::uint8_t>(random() % 3), 7);
+            return Attribute::Color::trueColor(
+                static_cast<std::uint8_t>(random()), static_cast<std::uint8_t>(random() % 3), 7);
         case 2: return Attribute::Color::defaultInvertedColor();
         default: return Attribute::Color::defaultColor();
         }

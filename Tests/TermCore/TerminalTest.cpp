@@ -1,5 +1,5 @@
-#include "TestRandom.h"
 #include "TestHost.h"
+#include "TestRandom.h"
 
 #include <gtest/gtest.h>
 
@@ -115,10 +115,11 @@ TEST(Terminal, EightBitReplies) {
     TestHost host;
     Terminal terminal(&host, sized(10, 2));
     terminal.feed("\x1b G\x1b[5n\x1b]4;0;?\a\x1b F\x1b[5n\x1b[62;0\"p\x1b[5n\x1b[62;1\"p\x1b[5n");
-    EXPECT_EQ(host.replies, "\x9b"
-                            "0n\x9d"
-                            "4;0;rgb:0000/0000/0000\x9c\x1b[0n\x9b"
-                            "0n\x1b[0n");
+    EXPECT_EQ(host.replies,
+        "\x9b"
+        "0n\x9d"
+        "4;0;rgb:0000/0000/0000\x9c\x1b[0n\x9b"
+        "0n\x1b[0n");
 }
 
 TEST(Terminal, RegisteredOscHandlersGoFirst) {
@@ -172,9 +173,14 @@ TEST(Terminal, OldLooksAreCollected) {
 
 TEST(Terminal, SurvivesAnyBytesAndSizes) {
     Random random(99);
-    static constexpr const char* pieces[] = {"\x1b[", ";", "5", "65535", "?", "$", "\x1b", "]", "P", "m", "H", "r", "s", "h", "l", "69",
-        "中", "e\xcc\x81", "\xf0\x9f", "\x9b", "\r", "\n", "\x1b[?69h", "\x1b[4h", "\x1b[2;4r", "\x1b[2;5s", "J", "L", "M", "@", "b", "'}",
-        "\x1b]8;;x\a", "\x1b]8;;\a", "\x1b[?1049h", "\x1b[?2026h", "\x1b#8", "\x1b" "6", "\x1b" "9", "*y", "$v", "\xef\xb8\x8f"};
+    static constexpr const char* pieces[] = {"\x1b[", ";", "5", "65535", "?", "$", "\x1b", "]", "P", "m", "H", "r", "s",
+        "h", "l", "69", "中", "e\xcc\x81", "\xf0\x9f", "\x9b", "\r", "\n", "\x1b[?69h", "\x1b[4h", "\x1b[2;4r",
+        "\x1b[2;5s", "J", "L", "M", "@", "b", "'}", "\x1b]8;;x\a", "\x1b]8;;\a", "\x1b[?1049h", "\x1b[?2026h", "\x1b#8",
+        "\x1b"
+        "6",
+        "\x1b"
+        "9",
+        "*y", "$v", "\xef\xb8\x8f"};
     TestHost host;
     host.isTrusted = true;
     Terminal terminal(&host, sized(20, 6, 10));

@@ -29,11 +29,15 @@ struct TestHost : TerminalDelegate {
     void hideCursor(Terminal&) override { note("hide cursor"); }
     void setTerminalTitle(Terminal&, std::string_view title) override { note("title " + std::string(title)); }
     void setTerminalIconTitle(Terminal&, std::string_view title) override { note("icon " + std::string(title)); }
-    void sizeChanged(Terminal& t) override { note("size " + std::to_string(t.cols()) + "x" + std::to_string(t.rows())); }
+    void sizeChanged(Terminal& t) override {
+        note("size " + std::to_string(t.cols()) + "x" + std::to_string(t.rows()));
+    }
     void bufferActivated(Terminal& t) override { note(t.isCurrentBufferAlternate() ? "alternate" : "normal"); }
     void synchronizedOutputChanged(Terminal&, bool active) override { note(active ? "sync on" : "sync off"); }
     void bell(Terminal&) override { note("bell"); }
-    void mouseModeChanged(Terminal& t) override { note("mouse " + std::to_string(static_cast<int>(t.modes.mouseMode))); }
+    void mouseModeChanged(Terminal& t) override {
+        note("mouse " + std::to_string(static_cast<int>(t.modes.mouseMode)));
+    }
     void cursorStyleChanged(Terminal&, CursorStyle style) override {
         note("cursor style " + std::to_string(static_cast<int>(style)));
     }
@@ -57,7 +61,9 @@ struct TestHost : TerminalDelegate {
             (report.progress ? std::to_string(*report.progress) : std::string("-")));
     }
     void createImage(Terminal&, Bytes data, ImageSizeRequest width, ImageSizeRequest height, bool keepsRatio) override {
-        const auto show = [](ImageSizeRequest r) { return std::to_string(static_cast<int>(r.unit)) + ":" + std::to_string(r.amount); };
+        const auto show = [](ImageSizeRequest r) {
+            return std::to_string(static_cast<int>(r.unit)) + ":" + std::to_string(r.amount);
+        };
         note("image " + text(data) + " " + show(width) + " " + show(height) + (keepsRatio ? " ratio" : ""));
     }
 };

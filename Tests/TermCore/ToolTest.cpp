@@ -9,7 +9,8 @@ namespace termcore::tool {
 namespace {
 
 TEST(Tool, ReadsItsCommandLine) {
-    const auto run = Arguments::parse({"run", "--size", "100x30", "--dump", "json", "--timeout", "5", "--", "ls", "--dump", "-h"});
+    const auto run =
+        Arguments::parse({"run", "--size", "100x30", "--dump", "json", "--timeout", "5", "--", "ls", "--dump", "-h"});
     EXPECT_EQ(run.command, Arguments::Command::run);
     EXPECT_EQ(run.options.cols, 100);
     EXPECT_EQ(run.options.rows, 30);
@@ -24,9 +25,9 @@ TEST(Tool, ReadsItsCommandLine) {
 }
 
 TEST(Tool, RefusesWhatItDoesNotKnow) {
-    const std::vector<std::vector<std::string>> bad = {{}, {"fly"}, {"feed"}, {"run", "--"}, {"feed", "a", "--size", "80"},
-        {"feed", "a", "--size", "0x5"}, {"feed", "a", "--dump", "x"}, {"feed", "a", "--repeat"}, {"feed", "a", "--repeat", "0"},
-        {"feed", "a", "--what", "x"}};
+    const std::vector<std::vector<std::string>> bad = {{}, {"fly"}, {"feed"}, {"run", "--"},
+        {"feed", "a", "--size", "80"}, {"feed", "a", "--size", "0x5"}, {"feed", "a", "--dump", "x"},
+        {"feed", "a", "--repeat"}, {"feed", "a", "--repeat", "0"}, {"feed", "a", "--what", "x"}};
     for (const auto& words : bad)
         EXPECT_THROW(Arguments::parse(words), UsageError) << testing::PrintToString(words);
 }
@@ -51,7 +52,8 @@ TEST(ScreenDump, EscapesAndNamesEverything) {
     EXPECT_EQ(dumpJson(terminal),
         "{\"cols\":6,\"rows\":1,\"cursor\":{\"col\":2,\"row\":0,\"visible\":false},\"alternate\":false,"
         "\"title\":\"a\\\"\\\\b\",\"iconTitle\":\"\",\"historyLines\":0,\"lines\":[\n"
-        "{\"text\":\"\\\"\\\\\",\"runs\":[{\"col\":0,\"cols\":2,\"text\":\"\\\"\\\\\",\"fg\":\"default\",\"bg\":\"default\","
+        "{\"text\":\"\\\"\\\\\",\"runs\":[{\"col\":0,\"cols\":2,\"text\":\"\\\"\\\\\",\"fg\":\"default\",\"bg\":"
+        "\"default\","
         "\"style\":[\"underline\"],\"underline\":\"curly\",\"underlineColor\":\"index 1\"}]}\n]}\n");
 }
 

@@ -14,9 +14,10 @@ TEST(Widths, FollowTheRules) {
         std::uint32_t scalar;
         int width;
     } expected[] = {{0, 0}, {0x1F, -1}, {0x20, 1}, {0x7E, 1}, {0x7F, -1}, {0x9F, -1}, {0xA0, 1}, {0xAD, 1}, {0x301, 0},
-        {0x488, 0}, {0x903, 0}, {0x1F3FD, 0}, {0xFF3E, 2}, {0xFFE3, 2}, {0xFF40, 2}, {0x60, 1}, {0x2028, 0}, {0x200D, 0},
-        {0xFEFF, 0}, {0x1160, 0}, {0xD7B0, 0}, {0x1100, 2}, {0x1F1E6, 2}, {0x4E2D, 2}, {0xAC00, 2}, {0xFF21, 2},
-        {0x1F600, 2}, {0x2615, 2}, {0x2764, 1}, {0x20000, 2}, {0x3FFFD, 2}, {0x0416, 1}, {0x10FFFF, 1}, {0x110000, -1}};
+        {0x488, 0}, {0x903, 0}, {0x1F3FD, 0}, {0xFF3E, 2}, {0xFFE3, 2}, {0xFF40, 2}, {0x60, 1}, {0x2028, 0},
+        {0x200D, 0}, {0xFEFF, 0}, {0x1160, 0}, {0xD7B0, 0}, {0x1100, 2}, {0x1F1E6, 2}, {0x4E2D, 2}, {0xAC00, 2},
+        {0xFF21, 2}, {0x1F600, 2}, {0x2615, 2}, {0x2764, 1}, {0x20000, 2}, {0x3FFFD, 2}, {0x0416, 1}, {0x10FFFF, 1},
+        {0x110000, -1}};
     for (const auto& [scalar, width] : expected)
         EXPECT_EQ(UnicodeUtil::columnWidth(scalar), width) << std::hex << scalar;
 }
@@ -28,8 +29,8 @@ TEST(Widths, VariationBases) {
 }
 
 TEST(Utf8, RejectsWhatIsNotInShortestForm) {
-    for (const std::string_view bad : {"\xC0\x80", "\xE0\x9F\xBF", "\xED\xA0\x80", "\xF0\x8F\xBF\xBF", "\xF4\x90\x80\x80", "\x80",
-             "\xC3", "\xC3("})
+    for (const std::string_view bad :
+        {"\xC0\x80", "\xE0\x9F\xBF", "\xED\xA0\x80", "\xF0\x8F\xBF\xBF", "\xF4\x90\x80\x80", "\x80", "\xC3", "\xC3("})
         EXPECT_FALSE(utf8::isValid(bad)) << testing::PrintToString(bad);
     for (std::uint32_t scalar : {0x7FU, 0x80U, 0x7FFU, 0x800U, 0xFFFFU, 0x10000U, 0x10FFFFU}) {
         std::string text;
@@ -60,7 +61,8 @@ TEST(Color, ParsesX11Forms) {
     EXPECT_EQ(Color::parseColor("#123456789abc"), (Color{0x1234, 0x5678, 0x9ABC}));
     EXPECT_EQ(Color::parseColor("rgb:f/0/8"), (Color{0xF0F0, 0, 0x8080}));
     EXPECT_EQ(Color::parseColor("rgb:1234/5678/9abc"), (Color{0x1234, 0x5678, 0x9ABC}));
-    for (const char* bad : {"", "#", "#12", "#1234", "red", "rgb:1/2", "rgb:1/2/3/4", "rgb:12345/0/0", "rgb:x/0/0", "rgb://"})
+    for (const char* bad :
+        {"", "#", "#12", "#1234", "red", "rgb:1/2", "rgb:1/2/3/4", "rgb:12345/0/0", "rgb:x/0/0", "rgb://"})
         EXPECT_FALSE(Color::parseColor(bad)) << bad;
 }
 

@@ -29,9 +29,15 @@ constexpr CharacterStyle operator&(CharacterStyle a, CharacterStyle b) {
 constexpr CharacterStyle operator~(CharacterStyle a) {
     return static_cast<CharacterStyle>(~static_cast<unsigned>(a) & 0xFFU);
 }
-constexpr CharacterStyle& operator|=(CharacterStyle& a, CharacterStyle b) { return a = a | b; }
-constexpr CharacterStyle& operator&=(CharacterStyle& a, CharacterStyle b) { return a = a & b; }
-constexpr bool contains(CharacterStyle set, CharacterStyle bit) { return (set & bit) == bit; }
+constexpr CharacterStyle& operator|=(CharacterStyle& a, CharacterStyle b) {
+    return a = a | b;
+}
+constexpr CharacterStyle& operator&=(CharacterStyle& a, CharacterStyle b) {
+    return a = a & b;
+}
+constexpr bool contains(CharacterStyle set, CharacterStyle bit) {
+    return (set & bit) == bit;
+}
 
 enum class UnderlineStyle : std::uint8_t { none, single, double_, curly, dotted, dashed };
 

@@ -36,8 +36,8 @@ public:
         if (!a.underlineColor.isAbsent())
             return std::nullopt;
         if (a.fg.kind < Kind::trueColor && a.bg.kind < Kind::trueColor)
-            return packedColor(a.fg) << fgShift | packedColor(a.bg) << bgShift | static_cast<Id>(a.style) << styleShift |
-                static_cast<Id>(a.underlineStyle) << underlineShift;
+            return packedColor(a.fg) << fgShift | packedColor(a.bg) << bgShift |
+                static_cast<Id>(a.style) << styleShift | static_cast<Id>(a.underlineStyle) << underlineShift;
         const bool isForeground = a.fg.kind == Kind::trueColor;
         const Attribute::Color& color = isForeground ? a.fg : a.bg;
         const Attribute::Color& other = isForeground ? a.bg : a.fg;

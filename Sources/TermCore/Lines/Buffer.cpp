@@ -186,7 +186,8 @@ int Buffer::nextTabStop(int index) const {
     int col = index < 0 ? cursorX : index;
     do {
         ++col;
-    } while (col < limit && !(static_cast<std::size_t>(col) < tabStops.size() && tabStops[static_cast<std::size_t>(col)]));
+    } while (
+        col < limit && !(static_cast<std::size_t>(col) < tabStops.size() && tabStops[static_cast<std::size_t>(col)]));
     return std::min(col, limit);
 }
 

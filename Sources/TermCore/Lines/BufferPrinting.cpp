@@ -22,8 +22,8 @@ std::size_t decodePairs(const std::uint8_t* bytes, std::uint32_t style, Cell* ou
     const __m128i pairs = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
     const auto all = [](int value) { return _mm_set1_epi16(static_cast<short>(value)); };
     const __m128i isPair = _mm_cmpeq_epi16(_mm_and_si128(pairs, all(0xC0E0)), all(0x80C0));
-    const __m128i code = _mm_or_si128(_mm_slli_epi16(_mm_and_si128(pairs, all(0x1F)), 6),
-        _mm_and_si128(_mm_srli_epi16(pairs, 8), all(0x3F)));
+    const __m128i code = _mm_or_si128(
+        _mm_slli_epi16(_mm_and_si128(pairs, all(0x1F)), 6), _mm_and_si128(_mm_srli_epi16(pairs, 8), all(0x3F)));
     const auto within = [&](int first, int last) {
         return _mm_and_si128(_mm_cmpgt_epi16(code, all(first - 1)), _mm_cmplt_epi16(code, all(last + 1)));
     };
@@ -167,7 +167,8 @@ std::size_t Buffer::insertUtf8Run(std::span<const std::uint8_t> run, std::uint32
             } else if (scalar >= 0xC2 && scalar < 0xE0 && left >= 2 && isContinuation(1)) {
                 scalar = (scalar & 0x1F) << 6 | bits(1);
                 length = 2;
-            } else if (scalar >= 0xF1 && scalar < 0xF4 && left >= 4 && isContinuation(1) && isContinuation(2) && isContinuation(3)) {
+            } else if (scalar >= 0xF1 && scalar < 0xF4 && left >= 4 && isContinuation(1) && isContinuation(2) &&
+                isContinuation(3)) {
                 scalar = (scalar & 7) << 18 | bits(1) << 12 | bits(2) << 6 | bits(3);
                 length = 4;
             } else {

@@ -1,6 +1,7 @@
 #include "Lines/CircularBufferLineList.h"
 
 #include <algorithm>
+#include <bit>
 #include <cassert>
 #include <cstring>
 #include <utility>
@@ -59,7 +60,7 @@ CircularBufferLineList CircularBufferLineList::clone() const {
         if (slot.isPacked()) {
             const auto cells = read(i, scratch);
             BufferLine& line = copy.edit(i);
-            std::copy(cells.begin(), cells.end(), line.write(static_cast<int>(cells.size()), slot.kind == Kind::packedBytes));
+            std::copy(cells.begin(), cells.end(), line.write(static_cast<int>(cells.size()), slot.holdsBytes()));
             copy.freeze(i);
         }
         copy.slotAt(i).flags = slot.flags;
@@ -129,8 +130,9 @@ BufferLine& CircularBufferLineList::thaw(Slot& slot) {
     if (slot.isPacked()) {
         if (slot.cellCount > line->count())
             line->resize(slot.cellCount);
-        slot.packed().unpack(line->write(slot.cellCount, slot.kind == Kind::packedBytes));
-        arena->release(static_cast<const std::byte*>(slot.data));
+        slot.packed().unpack(line->write(slot.cellCount, slot.holdsBytes()));
+        if (slot.isInArena())
+            arena->release(static_cast<const std::byte*>(slot.data));
     }
     line->isWrapped = (slot.flags & wrappedFlag) != 0;
     line->renderMode = static_cast<BufferLine::RenderLineMode>(slot.flags >> renderModeShift);
@@ -138,24 +140,22 @@ BufferLine& CircularBufferLineList::thaw(Slot& slot) {
     return *slot.line();
 }
 
-/// A few bytes in the default look: what most lines of a fast scrolling program are.
+/// A few bytes in the default look, what most lines of a fast scrolling program are, lie in the slot itself.
 bool CircularBufferLineList::packShort(const BufferLine& line, std::size_t used, Slot& result) {
-    std::byte* room = arena->reserve(PackedLine::shortLine);
     const Cell* cells = line.cells().data();
+    std::uint64_t bytes = 0;
     std::uint32_t styles = 0;
-    std::size_t count = 0;
-    for (std::size_t i = 0; i < used; ++i) {
-        room[i] = static_cast<std::byte>(cells[i].text);
+    for (std::size_t i = used; i-- > 0;) {
+        bytes = bytes << 8 | cells[i].text;
         styles |= cells[i].style;
-        count = cells[i].text != 0 ? i + 1 : count;
     }
     if (styles != 0)
         return false;
-    if (count > 0) {
-        arena->commit(count);
-        result.data = room;
-        result.cellCount = result.packedCells = static_cast<std::uint16_t>(count);
-        result.kind = Kind::packedBytes;
+    if (bytes != 0) {
+        const auto count = static_cast<std::uint16_t>((71U - static_cast<unsigned>(std::countl_zero(bytes))) / 8);
+        std::memcpy(&result.data, &bytes, sizeof bytes);
+        result.cellCount = result.packedCells = count;
+        result.kind = Kind::inlineBytes;
     }
     return true;
 }
@@ -166,8 +166,8 @@ BufferLine* CircularBufferLineList::pack(Slot& slot) {
     if (line->images || PackedLine::largestSize(used) > LineArena::largestRequest)
         return nullptr;
     Slot result;
-    result.flags = static_cast<std::uint8_t>((line->isWrapped ? wrappedFlag : 0) |
-        (static_cast<unsigned>(line->renderMode) << renderModeShift));
+    result.flags = static_cast<std::uint8_t>(
+        (line->isWrapped ? wrappedFlag : 0) | (static_cast<unsigned>(line->renderMode) << renderModeShift));
     if (used <= PackedLine::shortLine && line->holdsBytesOnly() && packShort(*line, used, result)) {
         slot = result;
         return line;
@@ -346,20 +346,10 @@ void CircularBufferLineList::splice(
     }
 }
 
-void CircularBufferLineList::rotateUp(
-    std::size_t top, std::size_t bottom, std::size_t by, Cell fill, bool wrapped) {
+void CircularBufferLineList::rotateUp(std::size_t top, std::size_t bottom, std::size_t by, Cell fill, bool wrapped) {
     by = std::min(by, bottom - top + 1);
-    const std::size_t height = bottom - top + 1;
-    Slot* const region = &slotAt(top);
-    const bool isUnbroken = region + height <= slots.data() + slots.size();
-    if (by == 1 && isUnbroken && region->kind == Kind::line && region->line()->count() == lineCols) {
-        // The common scroll: the line that goes comes in again at the other end.
-        const Slot first = *region;
-        std::memmove(static_cast<void*>(region), region + 1, (height - 1) * sizeof(Slot));
-        region[height - 1] = first;
-        reuse(*first.line(), fill, wrapped);
+    if (by == 1 && rotateUpOnce(top, bottom, fill, wrapped))
         return;
-    }
     for (std::size_t i = top; i < top + by; ++i)
         release(slotAt(i));
     moveSlots(top + by, top, bottom - top + 1 - by);

@@ -6,14 +6,15 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <span>
 #include <vector>
 
 namespace termcore {
 
-/// The ring of lines: the screen at its end and the history before it. A slot takes 16 bytes and holds one of three
-/// things: nothing (a blank line), a `BufferLine` that can be written, or a packed line. `edit` turns any line into one
+/// The ring of lines: the screen at its end and the history before it. A slot takes 16 bytes and holds nothing (a
+/// blank line), a `BufferLine` that can be written, or a packed line. `edit` turns any line into one
 /// that can be written, `freeze` packs it; readers need not know. Writable lines that leave the ring are kept and used
 /// again, so that scrolling a full ring allocates nothing.
 class CircularBufferLineList {
@@ -32,7 +33,7 @@ public:
 
     // -- one line; an index at or beyond `count` is an error of the caller --------------------------------------------
 
-    BufferLine& edit(std::size_t index) {
+    [[gnu::always_inline]] BufferLine& edit(std::size_t index) {
         Slot& slot = slotAt(index);
         return slot.kind == Kind::line ? *slot.line() : thaw(slot);
     }
@@ -70,9 +71,23 @@ public:
     void trimStart(std::size_t lines);
     void shiftElements(std::size_t start, std::size_t lines, std::ptrdiff_t offset);
     /// Removes `deleteCount` lines at `start` and puts `blankLines` lines in the look of `fill` there.
-    void splice(std::size_t start, std::size_t deleteCount, std::size_t blankLines, Cell fill = {}, bool wrapped = false);
+    void splice(
+        std::size_t start, std::size_t deleteCount, std::size_t blankLines, Cell fill = {}, bool wrapped = false);
     /// Moves the lines `top` to `bottom` up or down by `by`; blank lines come in at the other end.
     void rotateUp(std::size_t top, std::size_t bottom, std::size_t by, Cell fill, bool wrapped = false);
+    /// `rotateUp` by one in the common case: the line that goes comes in again at the other end. False in any other.
+    bool rotateUpOnce(std::size_t top, std::size_t bottom, Cell fill, bool wrapped) {
+        const std::size_t height = bottom - top + 1;
+        Slot* const region = &slotAt(top);
+        const Slot first = *region;
+        if (region + height > slots.data() + slots.size() || first.kind != Kind::line ||
+            first.line()->count() != lineCols)
+            return false;
+        std::memmove(static_cast<void*>(region), region + 1, (height - 1) * sizeof(Slot));
+        region[height - 1] = first;
+        reuse(*first.line(), fill, wrapped);
+        return true;
+    }
     void rotateDown(std::size_t top, std::size_t bottom, std::size_t by, Cell fill);
 
     /// The new order of lines after a reflow: the index of an old line, or -1 for the next of `added`. Old lines that are
@@ -85,10 +100,10 @@ public:
     std::size_t memory() const;
 
 private:
-    enum class Kind : std::uint8_t { packedBytes, packedWords, packedCells, blank, line };
+    enum class Kind : std::uint8_t { packedBytes, packedWords, packedCells, inlineBytes, blank, line };
 
     struct Slot {
-        void* data = nullptr;
+        void* data = nullptr; // the line, its packed form, or up to eight codes
         std::uint16_t cellCount = 0;
         std::uint16_t packedCells = 0;
         std::uint16_t runCount = 0;
@@ -96,8 +111,13 @@ private:
         std::uint8_t flags = 0; // of packed and blank lines: wrapped, render mode
 
         BufferLine* line() const { return static_cast<BufferLine*>(data); }
-        bool isPacked() const { return kind <= Kind::packedCells; }
+        bool isPacked() const { return kind <= Kind::inlineBytes; }
+        bool isInArena() const { return kind <= Kind::packedCells; }
+        bool holdsBytes() const { return kind == Kind::packedBytes || kind == Kind::inlineBytes; }
+        /// Valid while the slot stays where it is.
         PackedLine packed() const {
+            if (kind == Kind::inlineBytes)
+                return {reinterpret_cast<const std::byte*>(&data), cellCount, packedCells, 0, PackedLine::Form::bytes};
             return {static_cast<const std::byte*>(data), cellCount, packedCells, runCount,
                 static_cast<PackedLine::Form>(kind)};
         }
@@ -118,7 +138,7 @@ private:
     std::unique_ptr<BufferLine> takeLine();
     /// The slot's line is gone; what the slot holds is left to the caller.
     void release(Slot& slot) {
-        if (slot.isPacked())
+        if (slot.isInArena())
             arena->release(static_cast<const std::byte*>(slot.data));
         else if (slot.kind == Kind::line)
             keepSpare(slot.line());

@@ -21,8 +21,8 @@ void findRuns(std::span<const Cell> cells, std::vector<Run>& runs) {
     while (i + 4 <= cells.size()) {
         const __m128i low = _mm_loadu_si128(reinterpret_cast<const __m128i*>(&cells[i]));
         const __m128i high = _mm_loadu_si128(reinterpret_cast<const __m128i*>(&cells[i + 2]));
-        const __m128i styles = _mm_castps_si128(
-            _mm_shuffle_ps(_mm_castsi128_ps(low), _mm_castsi128_ps(high), _MM_SHUFFLE(3, 1, 3, 1)));
+        const __m128i styles =
+            _mm_castps_si128(_mm_shuffle_ps(_mm_castsi128_ps(low), _mm_castsi128_ps(high), _MM_SHUFFLE(3, 1, 3, 1)));
         const int differing =
             ~_mm_movemask_ps(_mm_castsi128_ps(_mm_cmpeq_epi32(styles, _mm_set1_epi32(static_cast<int>(style))))) & 0xF;
         if (differing == 0) {

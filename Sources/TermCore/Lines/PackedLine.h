@@ -24,7 +24,7 @@ struct PackedLine {
     Form form = Form::bytes;
 
     static constexpr std::uint16_t fillerMark = 0xDC00;
-    static constexpr std::size_t shortLine = 8; ///< bytes; see `CircularBufferLineList::packShort`
+    static constexpr std::size_t shortLine = 8; ///< codes that a slot of the ring can hold itself
 
     struct Run {
         std::uint32_t style;
@@ -35,8 +35,8 @@ struct PackedLine {
     static constexpr std::size_t largestSize(std::size_t cells) { return cells * (4 + sizeof(Run)) + alignof(Run); }
 
     /// Packs into `out`, which has room for `largestSize`; `runs` is scratch space. Returns the bytes used.
-    static std::size_t pack(std::span<const Cell> cells, bool bytesOnly, std::byte* out, std::vector<Run>& runs,
-        PackedLine& result);
+    static std::size_t pack(
+        std::span<const Cell> cells, bool bytesOnly, std::byte* out, std::vector<Run>& runs, PackedLine& result);
     /// Writes `cellCount` cells.
     void unpack(Cell* out) const;
     std::uint32_t codeAt(std::size_t index) const;

@@ -120,7 +120,8 @@ void Reflow::reflowNarrower(int oldCols, int newCols, int newRows) {
                     buffer.yBase = 1;
                     ++buffer.yDisp;
                 }
-            } else if (buffer.yBase < std::min(maxLength, static_cast<std::ptrdiff_t>(lines.count() + insertedCount)) - newRows) {
+            } else if (buffer.yBase <
+                std::min(maxLength, static_cast<std::ptrdiff_t>(lines.count() + insertedCount)) - newRows) {
                 if (buffer.yBase == buffer.yDisp)
                     ++buffer.yDisp;
                 ++buffer.yBase;

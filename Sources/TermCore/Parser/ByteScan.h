@@ -24,7 +24,7 @@ inline const std::uint8_t* findControl(const std::uint8_t* at, const std::uint8_
         at += 16;
     }
 #endif
-    while (at < end && *at > 0x1F)
+    while (at<end&& * at> 0x1F)
         ++at;
     return at;
 }

@@ -169,8 +169,7 @@ EscapeSequenceParser::Bytes EscapeSequenceParser::putString(Bytes at, Bytes end)
     std::string& text = currentState == ParserState::apcString ? apc : osc;
     constexpr std::size_t longestNumber = 20;
     if (currentState == ParserState::oscString && text.size() <= longestNumber &&
-        text.find_first_not_of("0123456789;") == std::string::npos &&
-        text.find(';') >= text.size() - 1) {
+        text.find_first_not_of("0123456789;") == std::string::npos && text.find(';') >= text.size() - 1) {
         Bytes head = at;
         while (head < end && *head >= '0' && *head <= '9')
             ++head;
@@ -260,13 +259,14 @@ bool EscapeSequenceParser::handleError(Bytes at, Bytes begin) {
     }
     if (!errorHandler)
         return true;
-    ParsingState report{static_cast<std::size_t>(at - begin), *at, currentState, false, dcsRun != nullptr, osc, apc, collect,
-        {parameters.begin(), parameters.begin() + static_cast<std::ptrdiff_t>(parameterCount)}, false};
+    ParsingState report{static_cast<std::size_t>(at - begin), *at, currentState, false, dcsRun != nullptr, osc, apc,
+        collect, {parameters.begin(), parameters.begin() + static_cast<std::ptrdiff_t>(parameterCount)}, false};
     return !errorHandler(std::move(report)).abort;
 }
 
 void EscapeSequenceParser::dispatchCsi(std::uint8_t final) {
-    target.dispatchCsi({std::span(parameters).first(parameterCount), {separators.data(), parameterCount - 1}, collect, final});
+    target.dispatchCsi(
+        {std::span(parameters).first(parameterCount), {separators.data(), parameterCount - 1}, collect, final});
 }
 
 void EscapeSequenceParser::hookDcs(std::uint8_t final) {

@@ -54,9 +54,9 @@ private:
     const bool usesMainQueue;
     int pidDescriptor = -1;
     int wakeDescriptor = -1;
-    bool endOfFile = false;      // the thread's own
+    bool endOfFile = false;         // the thread's own
     std::size_t logFileCounter = 0; // the thread's own
-    Chunk buffer;                // the thread's own
+    Chunk buffer;                   // the thread's own
     std::atomic<bool> isAbandoned = false;
 
     std::mutex lock; // guards what follows

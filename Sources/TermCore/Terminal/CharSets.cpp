@@ -8,7 +8,7 @@ namespace {
 
 struct CharacterSet {
     std::string_view finals;
-    std::string_view replaced;     // bytes, in the order of their replacements
+    std::string_view replaced; // bytes, in the order of their replacements
     std::u32string_view characters;
 };
 

@@ -30,7 +30,8 @@ struct ControlFunction {
             return false;
         if (prefix == any)
             return true;
-        const std::string_view expected[] = {{&prefix, prefix == 0 ? 0U : 1U}, {&intermediate, intermediate == 0 ? 0U : 1U}};
+        const std::string_view expected[] = {
+            {&prefix, prefix == 0 ? 0U : 1U}, {&intermediate, intermediate == 0 ? 0U : 1U}};
         return collect.size() == expected[0].size() + expected[1].size() && collect.starts_with(expected[0]) &&
             collect.ends_with(expected[1]);
     }

@@ -20,8 +20,8 @@ struct Mode {
     bool isDec; ///< CSI ? ... rather than CSI ...
     int number;
     std::string_view name;
-    Action change;  ///< null: can't be changed here
-    State state;    ///< `asked`: as `isSet` says
+    Action change; ///< null: can't be changed here
+    State state;   ///< `asked`: as `isSet` says
     Query isSet = nullptr;
 };
 
@@ -213,7 +213,8 @@ constexpr Mode modes[] = {
     {dec, 1001, "highlight mouse", nullptr, State::reset},
     {dec, 1002, "button-event mouse", changeMouseMode<MouseMode::buttonEventTracking>, State::asked,
         isMouseMode<MouseMode::buttonEventTracking>},
-    {dec, 1003, "any-event mouse", changeMouseMode<MouseMode::anyEvent>, State::asked, isMouseMode<MouseMode::anyEvent>},
+    {dec, 1003, "any-event mouse", changeMouseMode<MouseMode::anyEvent>, State::asked,
+        isMouseMode<MouseMode::anyEvent>},
     {dec, 1004, "focus events", assign<&Modes::sendFocus>, State::asked, isOn<&Modes::sendFocus>},
     {dec, 1005, "UTF-8 mouse", changeMouseProtocol<MouseProtocolEncoding::utf8>, State::asked,
         isMouseProtocol<MouseProtocolEncoding::utf8>},

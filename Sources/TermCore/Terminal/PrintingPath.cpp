@@ -150,7 +150,8 @@ PrintingPath::Join PrintingPath::decideJoin(std::uint32_t previous, std::uint32_
     using Outcome = Join::Outcome;
     std::u32string cluster = graphemes.text(static_cast<std::int32_t>(previous));
     const char32_t last = cluster.back();
-    const bool isFlag = UnicodeUtil::isRegionalIndicator(scalar) && cluster.size() == 1 && UnicodeUtil::isRegionalIndicator(last);
+    const bool isFlag =
+        UnicodeUtil::isRegionalIndicator(scalar) && cluster.size() == 1 && UnicodeUtil::isRegionalIndicator(last);
     if (!UnicodeUtil::mayJoin(scalar) && last != UnicodeUtil::zeroWidthJoiner && !isFlag)
         return {0, Outcome::write, 0};
     const Outcome otherwise = UnicodeUtil::columnWidth(scalar) == 0 ? Outcome::drop : Outcome::write;

@@ -49,7 +49,8 @@ std::optional<Rectangle> rectangleFromRequest(
     }
     if (top > bottom || left > right)
         return std::nullopt;
-    return Rectangle{std::min(top, rows) - 1, std::min(left, cols) - 1, std::min(bottom, rows) - 1, std::min(right, cols) - 1};
+    return Rectangle{
+        std::min(top, rows) - 1, std::min(left, cols) - 1, std::min(bottom, rows) - 1, std::min(right, cols) - 1};
 }
 
 void copyRectangularArea(Terminal& terminal, const ControlSequence& sequence) {

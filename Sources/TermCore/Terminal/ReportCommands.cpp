@@ -92,8 +92,8 @@ void deviceStatus(Terminal& terminal, const ControlSequence& sequence) {
     if (request == 6) {
         sendControl(terminal, "?" + cursorReport(terminal) + ";1R");
     } else if (request == 63) {
-        terminal.sendResponse(std::string(terminal.cc.DCS()) + std::to_string(sequence.at(1)) + "!~0000" +
-            std::string(terminal.cc.ST()));
+        terminal.sendResponse(
+            std::string(terminal.cc.DCS()) + std::to_string(sequence.at(1)) + "!~0000" + std::string(terminal.cc.ST()));
     } else {
         for (const FixedReport& report : decReports) {
             if (report.request == request)

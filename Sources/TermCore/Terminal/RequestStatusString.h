@@ -16,7 +16,8 @@ public:
     explicit RequestStatusString(Terminal& owner)
         : terminal(owner) {}
 
-    void hook(std::span<const std::uint8_t> collect, std::span<const std::int64_t> parameters, std::uint8_t flag) override;
+    void hook(
+        std::span<const std::uint8_t> collect, std::span<const std::int64_t> parameters, std::uint8_t flag) override;
     void put(std::span<const std::uint8_t> data) override;
     void unhook() override;
 

@@ -46,8 +46,8 @@ void shiftUp(Terminal& terminal, int top, int bottom, int by) {
     if (buffer.marginMode)
         moveCellsUp(terminal, top, bottom, by);
     else
-        buffer.lines.rotateUp(buffer.screenIndex(top), buffer.screenIndex(bottom), static_cast<std::size_t>(by),
-            terminal.erasedCell());
+        buffer.lines.rotateUp(
+            buffer.screenIndex(top), buffer.screenIndex(bottom), static_cast<std::size_t>(by), terminal.erasedCell());
 }
 
 void shiftDown(Terminal& terminal, int top, int bottom, int by) {
@@ -55,8 +55,8 @@ void shiftDown(Terminal& terminal, int top, int bottom, int by) {
     if (buffer.marginMode)
         moveCellsDown(terminal, top, bottom, by);
     else
-        buffer.lines.rotateDown(buffer.screenIndex(top), buffer.screenIndex(bottom), static_cast<std::size_t>(by),
-            terminal.erasedCell());
+        buffer.lines.rotateDown(
+            buffer.screenIndex(top), buffer.screenIndex(bottom), static_cast<std::size_t>(by), terminal.erasedCell());
 }
 
 /// A cursor behind the last column, where a glyph left it, still stands on that column.
@@ -145,7 +145,10 @@ void Terminal::scroll(bool isWrapped) {
                 target.yDisp = std::max(target.yDisp - 1, 0);
         }
     } else {
-        target.lines.rotateUp(target.screenIndex(top), target.screenIndex(bottom), 1, erasedCell(), isWrapped);
+        const std::size_t first = target.screenIndex(top);
+        const std::size_t last = target.screenIndex(bottom);
+        if (!target.lines.rotateUpOnce(first, last, erasedCell(), isWrapped))
+            target.lines.rotateUp(first, last, 1, erasedCell(), isWrapped);
     }
     if (!userScrolling)
         target.yDisp = target.yBase;

@@ -168,7 +168,8 @@ void Terminal::dispatchCsi(const ControlSequence& sequence) {
     if (const auto handler = controlfunctions::findSequence(sequence.collect, sequence.final))
         handler(*this, sequence);
     else if (!silentLog)
-        log("Unknown CSI Code (collect=" + std::string(sequence.collect) + " code=" + static_cast<char>(sequence.final));
+        log("Unknown CSI Code (collect=" + std::string(sequence.collect) +
+            " code=" + static_cast<char>(sequence.final));
 }
 
 void Terminal::dispatchOsc(std::int64_t code, std::span<const std::uint8_t> data) {

@@ -187,7 +187,7 @@ public:
     }
     /// An erased cell: empty, in the current background.
     [[gnu::always_inline]] Cell erasedCell() {
-        if (currentAttribute.bg == Attribute::Color::defaultColor())
+        if (currentAttribute.bg.kind == Attribute::Color::Kind::defaultColor)
             return {};
         return {0, styles.idOf(currentAttribute.erased())};
     }

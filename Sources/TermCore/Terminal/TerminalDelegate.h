@@ -34,7 +34,8 @@ public:
     virtual void setTerminalTitle(Terminal& /*source*/, std::string_view /*title*/) {}
     virtual void setTerminalIconTitle(Terminal& /*source*/, std::string_view /*title*/) {}
     /// The bytes to send as the reply, or nothing: then the terminal answers reports itself.
-    virtual std::optional<std::string> windowCommand(Terminal& /*source*/, const WindowManipulationCommand& /*command*/) {
+    virtual std::optional<std::string> windowCommand(
+        Terminal& /*source*/, const WindowManipulationCommand& /*command*/) {
         return std::nullopt;
     }
     /// DECCOLM changed the size.
@@ -66,8 +67,8 @@ public:
     virtual void notify(Terminal& /*source*/, std::string_view /*title*/, std::string_view /*body*/) {}
     virtual void progressReport(Terminal& /*source*/, const ProgressReport& /*report*/) {}
     virtual void createImageFromBitmap(Terminal& /*source*/, Bytes /*rgba*/, int /*width*/, int /*height*/) {}
-    virtual void createImage(Terminal& /*source*/, Bytes /*data*/, ImageSizeRequest /*width*/, ImageSizeRequest /*height*/,
-        bool /*preserveAspectRatio*/) {}
+    virtual void createImage(Terminal& /*source*/, Bytes /*data*/, ImageSizeRequest /*width*/,
+        ImageSizeRequest /*height*/, bool /*preserveAspectRatio*/) {}
 };
 
 }

@@ -15,7 +15,10 @@ public:
         bool operator==(const Rows&) const = default;
     };
 
-    void add(int row) { add(row, row); }
+    void add(int row) {
+        if (row < start || row > end)
+            add(row, row);
+    }
     void add(int firstRow, int lastRow) {
         start = std::min(start, firstRow);
         end = std::max(end, lastRow);
@@ -24,9 +27,7 @@ public:
         start = std::numeric_limits<int>::max();
         end = -1;
     }
-    std::optional<Rows> rows() const {
-        return end < start ? std::nullopt : std::optional(Rows{start, end});
-    }
+    std::optional<Rows> rows() const { return end < start ? std::nullopt : std::optional(Rows{start, end}); }
 
 private:
     int start = std::numeric_limits<int>::max();

@@ -140,8 +140,8 @@ struct Answer {
 };
 
 void changeTitleModes(Terminal& terminal, const ControlSequence& sequence, bool on) {
-    static constexpr bool TerminalModes::*flags[] = {&TerminalModes::xtermTitleSetHex, &TerminalModes::xtermTitleQueryHex,
-        &TerminalModes::xtermTitleSetUtf, &TerminalModes::xtermTitleQueryUtf};
+    static constexpr bool TerminalModes::*flags[] = {&TerminalModes::xtermTitleSetHex,
+        &TerminalModes::xtermTitleQueryHex, &TerminalModes::xtermTitleSetUtf, &TerminalModes::xtermTitleQueryUtf};
     for (const std::int64_t number : sequence.parameters) {
         if (number < static_cast<std::int64_t>(std::size(flags)))
             terminal.modes.*flags[number] = on;

@@ -66,7 +66,8 @@ Arguments Arguments::parse(const std::vector<std::string>& words) {
     for (std::size_t i = 1; i < words.size(); ++i) {
         const std::string& word = words[i];
         if (word == "--") {
-            result.operands.insert(result.operands.end(), words.begin() + static_cast<std::ptrdiff_t>(i) + 1, words.end());
+            result.operands.insert(
+                result.operands.end(), words.begin() + static_cast<std::ptrdiff_t>(i) + 1, words.end());
             break;
         }
         if (!word.starts_with("--")) {

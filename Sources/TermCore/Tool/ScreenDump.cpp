@@ -68,7 +68,8 @@ std::string text(const Terminal& terminal, std::span<const Cell> cells) {
 /// What a run has in common, as JSON members.
 std::string attributeJson(const Terminal& terminal, Cell cell) {
     const CharData data = terminal.unfolded(cell);
-    std::string out = "\"fg\":" + quoted(describe(data.attribute.fg)) + ",\"bg\":" + quoted(describe(data.attribute.bg));
+    std::string out =
+        "\"fg\":" + quoted(describe(data.attribute.fg)) + ",\"bg\":" + quoted(describe(data.attribute.bg));
     std::string styles;
     for (const auto& [bit, name] : styleNames) {
         if (contains(data.attribute.style, bit))
@@ -76,7 +77,8 @@ std::string attributeJson(const Terminal& terminal, Cell cell) {
     }
     out += ",\"style\":[" + styles + "]";
     if (data.attribute.underlineStyle != UnderlineStyle::none)
-        out += std::string(",\"underline\":\"") + underlineNames[static_cast<int>(data.attribute.underlineStyle)] + "\"";
+        out +=
+            std::string(",\"underline\":\"") + underlineNames[static_cast<int>(data.attribute.underlineStyle)] + "\"";
     if (!data.attribute.underlineColor.isAbsent())
         out += ",\"underlineColor\":" + quoted(describe(data.attribute.underlineColor));
     if (const std::string* link = data.getPayload())
@@ -95,9 +97,9 @@ std::string rowJson(const Terminal& terminal, std::size_t row, std::vector<Cell>
         const auto run = cells.subspan(start, end - start);
         std::string content = text(terminal, run);
         if (cells[start].style != 0 || content.find_first_not_of(' ') != std::string::npos)
-            runs += (runs.empty() ? "" : ",") + std::string("{\"col\":") + std::to_string(start) + ",\"cols\":" +
-                std::to_string(run.size()) + ",\"text\":" + quoted(content) + "," + attributeJson(terminal, cells[start]) +
-                "}";
+            runs += (runs.empty() ? "" : ",") + std::string("{\"col\":") + std::to_string(start) +
+                ",\"cols\":" + std::to_string(run.size()) + ",\"text\":" + quoted(content) + "," +
+                attributeJson(terminal, cells[start]) + "}";
         start = end;
     }
     std::string content = text(terminal, cells);
@@ -175,10 +177,10 @@ std::string dumpJson(const Terminal& terminal) {
     const Buffer& buffer = terminal.displayBuffer();
     std::string out = "{\"cols\":" + std::to_string(buffer.cols()) + ",\"rows\":" + std::to_string(buffer.rows()) +
         ",\"cursor\":{\"col\":" + std::to_string(buffer.x()) + ",\"row\":" + std::to_string(buffer.y()) +
-        ",\"visible\":" + (terminal.modes.cursorHidden ? "false" : "true") + "},\"alternate\":" +
-        (terminal.isDisplayBufferAlternate() ? "true" : "false") + ",\"title\":" + quoted(terminal.terminalTitle) +
-        ",\"iconTitle\":" + quoted(terminal.iconTitle) + ",\"historyLines\":" + std::to_string(buffer.yBase) +
-        ",\"lines\":[\n";
+        ",\"visible\":" + (terminal.modes.cursorHidden ? "false" : "true") +
+        "},\"alternate\":" + (terminal.isDisplayBufferAlternate() ? "true" : "false") +
+        ",\"title\":" + quoted(terminal.terminalTitle) + ",\"iconTitle\":" + quoted(terminal.iconTitle) +
+        ",\"historyLines\":" + std::to_string(buffer.yBase) + ",\"lines\":[\n";
     std::vector<Cell> scratch;
     for (int row = 0; row < buffer.rows(); ++row)
         out += rowJson(terminal, buffer.screenIndex(row), scratch) + (row + 1 < buffer.rows() ? ",\n" : "\n");

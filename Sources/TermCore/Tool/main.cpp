@@ -127,7 +127,8 @@ int run(const Arguments& arguments) {
         headless.onData = [&](std::span<const std::uint8_t> data) { recorder->add(data); };
     }
     const std::vector<std::string> rest(arguments.operands.begin() + 1, arguments.operands.end());
-    headless.process.startProcess(findExecutable(arguments.operands[0]), rest, childEnvironment(), arguments.operands[0]);
+    headless.process.startProcess(
+        findExecutable(arguments.operands[0]), rest, childEnvironment(), arguments.operands[0]);
     if (!headless.process.running())
         throw std::runtime_error("can't start " + arguments.operands[0]);
     forwardInput(loop, headless);

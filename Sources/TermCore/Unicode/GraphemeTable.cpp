@@ -25,7 +25,8 @@ std::optional<std::int32_t> GraphemeTable::code(std::u32string_view cluster) {
 
 std::u32string GraphemeTable::text(std::int32_t code) const {
     if (code < firstCode)
-        return {code >= 0 && UnicodeUtil::isScalar(static_cast<std::uint32_t>(code)) ? static_cast<char32_t>(code) : U' '};
+        return {
+            code >= 0 && UnicodeUtil::isScalar(static_cast<std::uint32_t>(code)) ? static_cast<char32_t>(code) : U' '};
     const auto index = static_cast<std::size_t>(code - firstCode);
     return index < indexToChar.size() ? indexToChar[index] : std::u32string(1, U' ');
 }
@@ -39,7 +40,9 @@ char32_t GraphemeTable::lastScalar(std::int32_t code) const {
 
 void GraphemeTable::appendUtf8(std::string& out, std::int32_t code) const {
     if (code < firstCode) {
-        utf8::append(out, code >= 0 && UnicodeUtil::isScalar(static_cast<std::uint32_t>(code)) ? static_cast<std::uint32_t>(code) : U' ');
+        utf8::append(out,
+            code >= 0 && UnicodeUtil::isScalar(static_cast<std::uint32_t>(code)) ? static_cast<std::uint32_t>(code)
+                                                                                 : U' ');
         return;
     }
     for (const char32_t scalar : text(code))
@@ -55,8 +58,8 @@ std::string GraphemeTable::utf8(std::int32_t code) const {
 bool GraphemeTable::isOneCluster(std::u32string_view scalars) {
     utf8proc_int32_t state = 0;
     for (std::size_t i = 1; i < scalars.size(); ++i) {
-        if (utf8proc_grapheme_break_stateful(static_cast<utf8proc_int32_t>(scalars[i - 1]),
-                static_cast<utf8proc_int32_t>(scalars[i]), &state))
+        if (utf8proc_grapheme_break_stateful(
+                static_cast<utf8proc_int32_t>(scalars[i - 1]), static_cast<utf8proc_int32_t>(scalars[i]), &state))
             return false;
     }
     return !scalars.empty();
