@@ -32,9 +32,10 @@ KorviApp::KorviApp(QObject* parent)
     , m_authentication(m_client)
     , m_users(m_client)
     , m_chatService({m_client, m_sockets, m_scheduler, m_random})
-    , m_auth({m_client, m_authentication, m_users, m_scheduler, [this] { m_chatService.disconnect(); }})
+    , m_auth({m_client, m_authentication, m_users, m_scheduler, [this] { forgetConversations(); }})
     , m_chat({m_chatService, m_scheduler, m_clock, m_random, m_notifications}) {
     connect(&m_auth, &AuthViewModel::isAuthenticatedChanged, this, &KorviApp::userChanged);
+    connect(&m_notifications, &NotificationCenter::didReceiveUnauthorizedError, this, &KorviApp::tokenDied);
     connect(&m_appearance, &DesktopAppearance::changed, this, &KorviApp::applyAppearance);
 }
 
@@ -49,19 +50,36 @@ bool KorviApp::start() {
     if (m_engine.rootObjects().isEmpty())
         return false;
     applyAppearance();
+    m_defaults.onProblemChanged = [this] {
+        m_engine.rootObjects().value(0)->setProperty("notice", m_defaults.problem());
+    };
     m_auth.start();
     return true;
 }
 
 void KorviApp::userChanged() {
-    if (m_auth.isAuthenticated()) {
-        m_scope.start([this] { return m_chat.loadData(); });
-        return;
-    }
     m_scope.cancel();
+    m_chatService.disconnect();
+    if (!m_auth.isAuthenticated())
+        return;
+    // What was typed before the token died is still there for the same user, and for nobody else.
+    if (m_auth.user()->id != m_userId)
+        forgetConversations();
+    m_userId = m_auth.user()->id;
+    m_scope.start([this] { return m_chat.loadData(); });
+}
+
+void KorviApp::forgetConversations() {
+    m_userId.clear();
     m_chatService.disconnect();
     m_chatService.discardPending();
     m_chat.reset();
+}
+
+// The service knows the token no longer: the sign-in form says so.
+void KorviApp::tokenDied() {
+    if (m_auth.isAuthenticated())
+        m_scope.start([this] { return m_auth.checkAuth(true); });
 }
 
 void KorviApp::applyAppearance() {

@@ -36,6 +36,8 @@ public:
 
 private:
     void userChanged();
+    void forgetConversations();
+    void tokenDied();
     void applyAppearance();
 
     Info m_info;
@@ -57,6 +59,7 @@ private:
     ChatViewModel m_chat;
     DesktopAppearance m_appearance;
     QQmlApplicationEngine m_engine;
+    QString m_userId; // whose conversations the view models hold; empty for nobody's
     TaskScope m_scope; // last: its tasks end before anything they use
 };
 

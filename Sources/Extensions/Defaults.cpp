@@ -145,7 +145,14 @@ void Defaults::remove(const QString& key) {
 }
 
 void Defaults::write(const QString& key, std::optional<QByteArray> value) {
+    const QString before = problem();
     m_unsaved.insert(key, std::move(value));
+    save();
+    if (onProblemChanged && problem() != before)
+        onProblemChanged();
+}
+
+void Defaults::save() {
     if (!m_database && open() != Opened::ready)
         return;
     // Values that an earlier write had to leave in memory go first: the disk may have room again.

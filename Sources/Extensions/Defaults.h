@@ -4,6 +4,7 @@
 #include <QHash>
 #include <QString>
 
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -35,6 +36,7 @@ public:
 
     // Empty when all is well: that values are not saved, as long as they are not, or that a file was moved aside.
     QString problem() const { return m_notSaved.isEmpty() ? m_movedAside : m_notSaved; }
+    std::function<void()> onProblemChanged; // one listener; may be empty
 
 private:
     enum class Opened { ready, damaged, unavailable };
@@ -44,6 +46,7 @@ private:
     void moveAside();
     void notSaved(const QString& reason);
     void write(const QString& key, std::optional<QByteArray> value);
+    void save();
     bool writeRow(const QString& key, const std::optional<QByteArray>& value);
 
     QString m_path;

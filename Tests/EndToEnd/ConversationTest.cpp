@@ -128,6 +128,42 @@ TEST_F(Conversation, AQuestionTypedWithoutALineIsSentWhenItIsBack) {
     expectTheSameEverywhere({u"Слышно?"_s});
 }
 
+TEST_F(Conversation, ADeadTokenLeadsToSignInAndTheDraftWaitsForItsUser) {
+    start({u"--demo-delay-ms"_s, u"1"_s});
+    m_person.ask(u"Привет"_s);
+    ASSERT_TRUE(answerEnds());
+    m_person.type(u"Недописанное"_s);
+    m_service.forgetSessions();
+    m_proxy.cut();
+    ASSERT_TRUE(waitFor([this] { return m_person.see(u"emailField"_s) != nullptr; }));
+    EXPECT_EQ(m_person.app().auth().errorMessage(), u"Ошибка авторизации. Попробуйте войти снова."_s);
+    const QString used = m_service.code();
+    const auto newCode = [this, used] { return m_service.code() == used ? QString() : m_service.code(); };
+    ASSERT_TRUE(m_person.signIn(u"user@example.com"_s, newCode));
+    EXPECT_EQ(m_person.see(u"composer"_s)->property("text").toString(), u"Недописанное"_s);
+    EXPECT_EQ(m_person.chat().messages()->count(), 2);
+    ASSERT_TRUE(waitFor([this] { return m_person.chat().isConnected(); }));
+    m_person.press(Qt::Key_Return);
+    ASSERT_TRUE(answerEnds());
+    expectTheSameEverywhere({u"Привет"_s, u"Недописанное"_s});
+}
+
+TEST_F(Conversation, AnotherUserSeesNothingOfTheFirst) {
+    start({u"--demo-delay-ms"_s, u"1"_s});
+    m_person.ask(u"Тайна"_s);
+    ASSERT_TRUE(answerEnds());
+    m_person.type(u"Черновик"_s);
+    m_person.app().auth().logout();
+    const QString used = m_service.code();
+    ASSERT_TRUE(m_person.signIn(
+        u"other@example.com"_s, [this, used] { return m_service.code() == used ? QString() : m_service.code(); }));
+    ASSERT_TRUE(waitFor([this] { return m_person.chat().isConnected(); }));
+    EXPECT_EQ(m_person.chat().currentInput(), QString());
+    EXPECT_EQ(m_person.chat().messages()->count(), 0);
+    EXPECT_EQ(m_person.chat().chats()->count(), 0);
+    EXPECT_TRUE(m_person.readQuestions().isEmpty());
+}
+
 TEST_F(Conversation, StoppingKeepsTheTextSoFar) {
     start({u"--demo-delay-ms"_s, u"20"_s});
     m_person.ask(question);

@@ -61,6 +61,18 @@ QString LocalService::code() const {
     return newest;
 }
 
+void LocalService::forgetSessions() {
+    {
+        QSqlDatabase database = QSqlDatabase::addDatabase(u"QSQLITE"_s, u"forget"_s);
+        database.setDatabaseName(m_folder.filePath(u"korvi.db"_s));
+        database.setConnectOptions(u"QSQLITE_BUSY_TIMEOUT=5000"_s);
+        if (!database.open() || !QSqlQuery(database).exec(u"DELETE FROM sessions"_s))
+            throw std::runtime_error("the sessions could not be removed");
+        database.close();
+    }
+    QSqlDatabase::removeDatabase(u"forget"_s);
+}
+
 void LocalService::readConsole() {
     if (m_process)
         m_console += QString::fromUtf8(m_process->readAll());

@@ -27,6 +27,8 @@ public:
         QString thinking;
     };
     std::vector<Message> messages() const;
+    // Every token is dead from now on.
+    void forgetSessions();
 
 private:
     void readConsole();

@@ -38,6 +38,8 @@ TEST_F(AuthViewModelTest, ACodeLeadsToTheMainScreenAndTheTokenIsKept) {
     http.answer(u"/user"_s, user);
     auth.validateCode(u"4719"_s);
     EXPECT_TRUE(auth.isAuthenticated());
+    EXPECT_FALSE(auth.isEnterCodeStep());
+    EXPECT_TRUE(virtualTime.dueIn().empty()); // the countdown has ended
     EXPECT_FALSE(auth.isLoading());
     EXPECT_EQ(auth.displayName(), u"Анна Ким"_s);
     EXPECT_EQ(auth.initials(), u"АК"_s);

@@ -80,6 +80,11 @@ Task<void> AuthViewModel::runValidateCode(QString code) {
     }
     co_await m_dependencies.client.setAuthToken(token);
     co_await checkAuth(true);
+    if (m_isAuthenticated) {
+        // Whoever comes back to the form later begins with the address.
+        m_isEnterCodeStep = false;
+        m_countdown.stop();
+    }
 }
 
 void AuthViewModel::changeEmail() {
