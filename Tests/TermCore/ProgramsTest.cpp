@@ -175,13 +175,13 @@ TEST_P(Programs, LookAsTheyShould) {
     const auto peerPause = [] { usleep(60000); };
     for (const Step& step : program.steps) {
         settled(peerScreen, peerPause, step.waitFor);
-        std::string hex;
+        std::string hex = tmux + "send-keys -H";
         for (const char* c = step.keys; *c != 0; ++c) {
             char digits[8];
             std::snprintf(digits, sizeof digits, " %02x", static_cast<unsigned char>(*c));
             hex += digits;
         }
-        runShell(tmux + "send-keys -H" + hex);
+        runShell(hex);
     }
     EXPECT_EQ(ours, settled(peerScreen, peerPause, program.finally));
 }

@@ -34,7 +34,7 @@ public:
     static constexpr std::size_t largestBacklog = 64;
     static constexpr std::chrono::milliseconds graceTime{2000};
 
-    /// Neither is owned; the delegate may be null, the queue must outlive this object and what it posted.
+    /// Neither is owned; the delegate may be null, the queue must outlive this object.
     LocalProcess(LocalProcessDelegate* delegate, DispatchQueue& dispatchQueue);
     ~LocalProcess();
     LocalProcess(const LocalProcess&) = delete;

@@ -49,10 +49,11 @@ void ProcessWorker::send(std::span<const std::uint8_t> data) {
 void ProcessWorker::abandon(bool askFirst) {
     owner = nullptr;
     if (askFirst)
-        kill(child.pid, SIGTERM);
-    isAbandoned = true;
+        syscall(SYS_pidfd_send_signal, pidDescriptor, SIGTERM, nullptr, 0); // never a stranger with the same number
     {
+        // Under the lock, as posting is: when this is over the queue is not touched again and may go.
         const std::lock_guard guard(lock);
+        isAbandoned = true;
         pendingChunks.clear();
         pendingChunkIndex = 0;
     }
@@ -110,13 +111,15 @@ void ProcessWorker::run() {
         else if (hasExited && reads && !hasData)
             break;
     }
-    if (isAbandoned) {
-        hangUp();
-        reap();
+    if (!isAbandoned) {
+        const int status = reap();
+        const std::lock_guard guard(lock);
+        if (!isAbandoned)
+            queue.async([self = shared_from_this(), status] { self->reportExit(status); });
         return;
     }
-    const int status = reap();
-    queue.async([self = shared_from_this(), status] { self->reportExit(status); });
+    hangUp();
+    reap();
 }
 
 /// False at the end of the file, or when there is nothing now.
@@ -157,6 +160,8 @@ void ProcessWorker::logChunk(std::span<const std::uint8_t> chunk) {
 
 void ProcessWorker::deliver(Chunk chunk) {
     std::unique_lock guard(lock);
+    if (isAbandoned)
+        return;
     pendingChunks.push_back(std::move(chunk));
     if (!pendingScheduled) {
         pendingScheduled = true;

@@ -44,7 +44,7 @@ constexpr std::array<CharsetTable, setCount> buildTables() {
     std::array<CharsetTable, setCount> tables{};
     for (std::size_t i = 0; i < setCount; ++i) {
         for (std::size_t n = 0; n < sets[i].replaced.size(); ++n)
-            tables[i].replacement[static_cast<std::size_t>(sets[i].replaced[n])] = sets[i].characters[n];
+            tables[i].replacement[static_cast<unsigned char>(sets[i].replaced[n])] = sets[i].characters[n];
     }
     return tables;
 }

@@ -16,7 +16,8 @@ using Query = bool (*)(const Terminal&);
 /// What DECRQM answers (DEC STD 070).
 enum class State : std::uint8_t { unknown, set, reset, permanentlySet, permanentlyReset, asked };
 
-struct Mode {
+// In the order of the table's columns, not of sizes.
+struct Mode {   // NOLINT(clang-analyzer-optin.performance.Padding)
     bool isDec; ///< CSI ? ... rather than CSI ...
     int number;
     std::string_view name;

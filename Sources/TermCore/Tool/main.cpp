@@ -75,7 +75,7 @@ std::string findExecutable(const std::string& name) {
     std::string rest = path != nullptr ? path : "/usr/bin:/bin";
     while (!rest.empty()) {
         const std::size_t colon = rest.find(':');
-        const std::string candidate = rest.substr(0, colon) + "/" + name;
+        std::string candidate = rest.substr(0, colon) + "/" + name;
         if (access(candidate.c_str(), X_OK) == 0)
             return candidate;
         rest = colon == std::string::npos ? std::string() : rest.substr(colon + 1);
