@@ -34,6 +34,8 @@ void Person::quitClient() {
 bool Person::signIn(const QString& email, const std::function<QString()>& code) {
     if (!waitFor([this] { return see(u"emailField"_s) && see(u"emailField"_s)->hasActiveFocus(); }))
         return false;
+    // Over the address that may still stand there.
+    QTest::keyClick(window(), Qt::Key_A, Qt::ControlModifier);
     type(email);
     press(Qt::Key_Return);
     QString digits;
