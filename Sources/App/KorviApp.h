@@ -59,7 +59,7 @@ private:
     ChatViewModel m_chat;
     DesktopAppearance m_appearance;
     QQmlApplicationEngine m_engine;
-    QString m_userId; // whose conversations the view models hold; empty for nobody's
+    QString m_userId;  // whose conversations the view models hold; empty for nobody's
     TaskScope m_scope; // last: its tasks end before anything they use
 };
 
