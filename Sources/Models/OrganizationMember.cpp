@@ -29,7 +29,7 @@ std::optional<std::vector<QString>> optionalStrings(const JsonReader& json, QLat
     if (!value.isArray())
         throw DecodingError(json.pathOf(key), u"an array is required"_s);
     std::vector<QString> strings;
-    for (const QJsonValue& element : value.toArray()) {
+    for (const auto element : value.toArray()) {
         if (!element.isString())
             throw DecodingError(json.pathOf(key), u"an array of strings is required"_s);
         strings.push_back(element.toString());
