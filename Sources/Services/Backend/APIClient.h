@@ -28,8 +28,7 @@ public:
 
     APIClient(Dependencies dependencies, const Info& info);
 
-    // `path` begins with a slash and may hold a query. T has `static T fromJson(const JsonReader&)`, or is a
-    // std::vector of such a type for an answer that is a bare array.
+    // `path` begins with a slash and may hold a query. T has `static T fromJson(const JsonReader&)`.
     template <class T>
     Task<T> request(QString path, QByteArray method = "GET", std::optional<QJsonObject> body = std::nullopt) {
         const QByteArray bytes = co_await perform(std::move(path), std::move(method), std::move(body), Form::json);
