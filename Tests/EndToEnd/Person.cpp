@@ -5,6 +5,7 @@
 #include <QFile>
 #include <QJsonDocument>
 #include <QTest>
+#include <QtQuickTest>
 
 namespace Korvi::Test {
 
@@ -62,6 +63,13 @@ void Person::click(const QString& objectName) {
     const QQuickItem* item = see(objectName);
     if (!item)
         throw std::runtime_error("not on the screen: " + objectName.toStdString());
+    // A screen that has just come is laid out with its first frame.
+    waitFor([item] {
+        const QQuickItem* each = item;
+        while (each && !QQuickTest::qIsPolishScheduled(each))
+            each = each->parentItem();
+        return each == nullptr;
+    });
     const QPointF middle = item->mapToScene({item->width() / 2, item->height() / 2});
     QTest::mouseClick(window(), Qt::LeftButton, Qt::NoModifier, middle.toPoint());
 }
