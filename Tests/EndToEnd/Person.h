@@ -12,7 +12,8 @@ namespace Korvi::Test {
 // outlives it, so that it can be started again.
 class Person {
 public:
-    explicit Person(quint16 port);
+    // `info` is added to what the client reads about its installation.
+    explicit Person(quint16 port, QJsonObject info = {});
 
     void startClient();
     void quitClient();
@@ -21,7 +22,8 @@ public:
     bool signIn(const QString& email, const std::function<QString()>& code);
     void type(const QString& text);
     void press(Qt::Key key);
-    void ask(const QString& question); // types it and presses Return
+    void click(const QString& objectName); // in its middle
+    void ask(const QString& question);     // types it and presses Return
 
     QQuickItem* see(const QString& objectName) const; // null when it is not on the screen
     QStringList readQuestions() const;                // the bubbles on the screen, from the top
