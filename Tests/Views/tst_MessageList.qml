@@ -42,11 +42,12 @@ Item {
         function settled() {
             for (let i = 0; i < 4; ++i)
                 wait(0)
-            list.forceLayout()
+            list.column.forceLayout()
         }
 
         function init() {
             failOnWarning(/./)
+            Theme.reducedMotion = true
             messages.clear()
             settled()
             for (let i = 0; i < 12; ++i) {
@@ -59,11 +60,11 @@ Item {
 
         // Where on the screen that row is.
         function place(row) {
-            return Math.round(list.itemAtIndex(row).y - list.contentY)
+            return Math.round(list.column.rowPosition(row) - list.column.position)
         }
 
         function visibleRow() {
-            return list.indexAt(list.width / 2, list.contentY + list.height / 2)
+            return Math.floor((list.column.firstVisibleRow + list.column.lastVisibleRow) / 2)
         }
 
         function test_openedAtTheEndAndHeldThereWhileRowsGrow() {
@@ -86,7 +87,7 @@ Item {
         }
 
         function test_readerIsLeftAlone(data) {
-            list.scrollTo(list.contentY - data.up)
+            list.column.scrollBy(-data.up)
             settled()
             verify(!list.following)
             const row = visibleRow()
@@ -133,22 +134,22 @@ Item {
             compare(place(question), top)
             grow(40) // more than a screen: now the end is what is read
             compare(Math.round(list.distanceToEnd), 0)
-            verify(list.itemAtIndex(messages.count - 1).height > list.height)
+            verify(list.column.itemAt(messages.count - 1).height > list.height)
         }
 
         function test_unfoldingTheReasoningDoesNotMoveIt() {
             const row = messages.count - 1
-            list.scrollTo(list.itemAtIndex(row).y - 50)
+            list.column.scrollTo(list.column.rowPosition(row) - 50)
             settled()
             const before = place(row)
-            const folded = list.itemAtIndex(row).height
-            const pill = findChild(list.itemAtIndex(row), "thinkingPill")
+            const folded = list.column.itemAt(row).height
+            const pill = findChild(list.column.itemAt(row), "thinkingPill")
             mouseClick(pill)
-            tryVerify(() => list.itemAtIndex(row).height > folded)
+            tryVerify(() => list.column.itemAt(row).height > folded)
             compare(place(row), before)
             pill.forceActiveFocus(Qt.TabFocusReason)
             keyClick(Qt.Key_Space)
-            tryVerify(() => list.itemAtIndex(row).height === folded)
+            tryVerify(() => list.column.itemAt(row).height === folded)
             compare(place(row), before)
         }
     }

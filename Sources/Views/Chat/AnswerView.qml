@@ -1,18 +1,39 @@
 import QtQuick
 
-Column {
+// An answer: its reasoning, its text, and what can be done with it.
+Item {
     id: answer
 
     required property string text
     required property string thinking
     required property bool isStreaming
     required property bool thinkingOpen
+    required property bool actionsShown
+    required property bool canRetry
 
     signal thinkingToggled
+    signal copyWanted
+    signal retryWanted
+    signal caretMoved(real y, real height)
 
-    spacing: Theme.gap3
+    function selectedText(): string {
+        return body.selectedText || reasoning.selectedText()
+    }
+
+    function selectAll(): void {
+        body.takeFocus()
+        body.selectAll()
+    }
+
+    function takeCaret(): void {
+        body.takeCaret()
+    }
+
+    implicitHeight: actions.y + actions.height
 
     ThinkingBlock {
+        id: reasoning
+
         isThinking: answer.isStreaming && answer.text.length === 0
         open: answer.thinkingOpen
         text: answer.thinking
@@ -21,47 +42,83 @@ Column {
 
         onToggled: answer.thinkingToggled()
     }
-    Item {
-        height: Math.max(body.height, waiting.visible ? waiting.height : 0)
-        visible: answer.text.length > 0 || waiting.visible
-        width: parent.width
+    SelectableText {
+        id: body
 
-        SelectableText {
-            id: body
+        objectName: "answerText"
 
-            objectName: "answerText"
-
-            // Where the text ends; named so that growth and a new width are noticed.
-            readonly property rect end: {
-                answer.text
-                contentHeight
-                width
-                return positionToRectangle(length)
-            }
-
-            content: answer.text
-            visible: answer.text.length > 0
-            width: parent.width - Theme.gap4
-
-            StreamingDot {
-                visible: answer.isStreaming
-                x: body.end.x + Theme.gap1
-                y: body.end.y + (body.end.height - height) / 2
-            }
+        // Where the text ends; named so that growth and a new width are noticed.
+        readonly property rect end: {
+            answer.text
+            contentHeight
+            width
+            return positionToRectangle(length)
         }
-        Row {
-            id: waiting
 
-            spacing: Theme.gap2
-            visible: answer.isStreaming && answer.text.length === 0
+        content: answer.text
+        visible: answer.text.length > 0
+        width: parent.width - Theme.gap4
+        y: reasoning.visible ? reasoning.height + Theme.gap3 : 0
 
-            StreamingDot {
-                anchors.verticalCenter: parent.verticalCenter
-            }
-            Label {
-                color: Theme.t3
-                text: answer.thinking.length > 0 ? "Думаю…" : "Готовлю ответ…"
-            }
+        onCaretMoved: (y, height) => answer.caretMoved(body.y + y, height)
+
+        StreamingDot {
+            visible: answer.isStreaming
+            x: body.end.x + Theme.gap1
+            y: body.end.y + (body.end.height - height) / 2
+        }
+    }
+    Row {
+        id: waiting
+
+        spacing: Theme.gap2
+        visible: answer.isStreaming && answer.text.length === 0
+        y: body.y
+
+        StreamingDot {
+            anchors.verticalCenter: parent.verticalCenter
+        }
+        Label {
+            color: Theme.t3
+            text: answer.thinking.length > 0 ? "Думаю…" : "Готовлю ответ…"
+        }
+    }
+    // Its place is kept, so that nothing moves when it comes.
+    Row {
+        id: actions
+
+        readonly property bool shown: answer.actionsShown && !answer.isStreaming
+
+        enabled: shown
+        height: Theme.actionHeight
+        objectName: "answerActions"
+        opacity: shown ? 1 : 0
+        spacing: Theme.gap1
+        x: -Theme.gap1 - Theme.hairline // symbols in line with the text
+        y: body.y + (body.visible ? body.height : waiting.height) + Theme.gap1
+
+        Behavior on opacity { NumberAnimation { duration: Theme.quick } }
+
+        IconButton {
+            objectName: "copyButton"
+            color: Theme.t3
+            implicitHeight: Theme.actionHeight
+            implicitWidth: Theme.actionHeight
+            symbol: "doc.on.doc"
+            text: "Копировать"
+
+            onClicked: answer.copyWanted()
+        }
+        IconButton {
+            objectName: "retryButton"
+            color: Theme.t3
+            implicitHeight: Theme.actionHeight
+            implicitWidth: Theme.actionHeight
+            symbol: "arrow.clockwise"
+            text: "Повторить"
+            visible: answer.canRetry
+
+            onClicked: answer.retryWanted()
         }
     }
 }

@@ -11,6 +11,10 @@ Column {
 
     signal toggled
 
+    function selectedText(): string {
+        return unfolded.item?.text.selectedText ?? ""
+    }
+
     spacing: Theme.gap2
 
     BaseButton {
@@ -53,12 +57,16 @@ Column {
         onClicked: block.toggled()
     }
     Loader {
+        id: unfolded
+
         active: block.open
         visible: active
         width: parent.width
 
         // qmllint disable unqualified
         sourceComponent: Item {
+            readonly property alias text: reasoning
+
             implicitHeight: reasoning.height
 
             Rectangle {

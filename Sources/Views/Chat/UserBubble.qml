@@ -7,7 +7,22 @@ Item {
 
     readonly property real widest: Math.round(width * 0.8) - Theme.gap4 * 2 + Theme.gap1
 
-    implicitHeight: bubble.height
+    signal caretMoved(real y, real height)
+
+    function selectedText(): string {
+        return body.selectedText
+    }
+
+    function selectAll(): void {
+        body.takeFocus()
+        body.selectAll()
+    }
+
+    function takeCaret(): void {
+        body.takeCaret()
+    }
+
+    implicitHeight: bubble.height + Theme.gap2
 
     Rectangle {
         id: bubble
@@ -36,6 +51,8 @@ Item {
             width: Math.min(Math.ceil(implicitWidth), message.widest)
             x: Theme.gap4 - 2
             y: Theme.gap2 + Math.round(lineDistance / 2)
+
+            onCaretMoved: (y, height) => message.caretMoved(body.y + y, height)
         }
     }
 }
