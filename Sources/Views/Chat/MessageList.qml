@@ -143,7 +143,7 @@ Flickable {
             onCopyWanted: text => list.copy(text)
             onMenuWanted: (x, y) => {
                 menu.active = true
-                menu.hadFocus = holdsFocus
+                menu.focused = holdsFocus ? list.Window.activeFocusItem : null
                 menu.row = index
                 menu.item.openFor(message, x, y)
             }
@@ -188,17 +188,18 @@ Flickable {
     Loader {
         id: menu
 
-        property bool hadFocus: false
+        property Item focused: null // what the menu took the keyboard from
         property int row: -1
 
         active: false
 
         // qmllint disable unqualified
         sourceComponent: MessageMenu {
+            onClosed: menu.focused?.forceActiveFocus(Qt.PopupFocusReason)
             onCopyWanted: text => list.copy(text)
             onDeletionWanted: messageId => {
                 list.deletionWanted(messageId)
-                if (menu.hadFocus)
+                if (menu.focused)
                     Qt.callLater(() => list.focusRow(Math.min(menu.row, list.count - 1)))
             }
             onRetryWanted: list.retryWanted()

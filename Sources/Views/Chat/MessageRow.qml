@@ -36,7 +36,7 @@ Item {
 
     Accessible.name: (isUser ? "Вы: " : "Ответ: ") + text.slice(0, 200)
     Accessible.role: Accessible.ListItem
-    activeFocusOnTab: tabStop
+    activeFocusOnTab: tabStop || activeFocus // it may not be taken from the row that has the focus
     implicitHeight: Math.ceil(content.height) // rows begin on whole pixels
 
     Keys.onEscapePressed: event => {

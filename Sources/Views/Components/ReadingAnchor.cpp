@@ -41,34 +41,42 @@ qreal yOfTextPosition(QQuickItem& text, int position) {
     return place.y();
 }
 
-qreal yWithin(const QQuickItem& leaf, const QQuickItem* row) {
-    return leaf.mapToItem(row, QPointF()).y();
-}
-
 }
 
 void ReadingAnchor::record(int row, qreal offset, qreal reading, QQuickItem* item) {
+    *this = {};
     m_row = row;
     m_offset = offset;
-    m_leaf = nullptr;
-    m_textPosition = -1;
-    if (!item || reading <= 0)
+    m_aboveRow = reading <= 0;
+    if (!item || m_aboveRow)
         return;
     m_leaf = leafAt(item, reading);
-    m_leafY = yWithin(*m_leaf, item);
-    if (isText(*m_leaf)) {
-        m_textPosition = textPositionAt(*m_leaf, reading - m_leafY);
-        m_leafY += yOfTextPosition(*m_leaf, m_textPosition);
-    }
+    if (isText(*m_leaf))
+        m_textPosition = textPositionAt(*m_leaf, reading - m_leaf->mapToItem(item, {}).y());
+    m_leafY = leafY(*item);
+}
+
+qreal ReadingAnchor::leafY(const QQuickItem& item) const {
+    const qreal y = m_leaf->mapToItem(&item, {}).y();
+    return m_textPosition < 0 ? y : y + yOfTextPosition(*m_leaf, m_textPosition);
+}
+
+bool ReadingAnchor::isIn(const QQuickItem* item) const {
+    return item && m_leaf && m_leaf->isVisible() && (m_leaf == item || item->isAncestorOf(m_leaf));
 }
 
 qreal ReadingAnchor::offset(const QQuickItem* item) const {
-    if (!item || !m_leaf || !m_leaf->isVisible() || !(m_leaf == item || item->isAncestorOf(m_leaf)))
-        return m_offset;
-    qreal y = yWithin(*m_leaf, item);
-    if (m_textPosition >= 0)
-        y += yOfTextPosition(*m_leaf, m_textPosition);
-    return m_offset + std::round(y - m_leafY);
+    return isIn(item) ? m_offset + std::round(leafY(*item) - m_leafY) : m_offset;
+}
+
+bool ReadingAnchor::settle(qreal offset, const QQuickItem* item) {
+    if (m_row < 0 || this->offset(item) != offset)
+        return false;
+    if (!isIn(item))
+        return m_aboveRow || !item;
+    m_leafY += offset - m_offset; // by whole pixels: fractions must not add up
+    m_offset = offset;
+    return true;
 }
 
 void ReadingAnchor::noteInsertion(int first, int count) {
@@ -84,6 +92,7 @@ void ReadingAnchor::noteRemoval(int first, int count) {
         m_offset = std::min(m_offset, 0.0);
         m_leaf = nullptr;
         m_textPosition = -1;
+        m_aboveRow = true;
     }
 }
 

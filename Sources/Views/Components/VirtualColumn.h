@@ -140,6 +140,7 @@ private:
     void place();
     void releaseFarRows();
     bool prefetch();
+    void keepAnchor();
     void recordAnchor();
     void publish();
 

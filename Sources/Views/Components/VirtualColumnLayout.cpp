@@ -37,7 +37,7 @@ void VirtualColumn::layout() {
         place();
         releaseFarRows();
         if (!m_following && m_jump.state() != QVariantAnimation::Running)
-            recordAnchor();
+            keepAnchor();
     }
     if (m_jump.state() != QVariantAnimation::Running) {
         if (m_mayResume && distanceToEnd() < 1)
@@ -126,6 +126,13 @@ bool VirtualColumn::prefetch() {
         return measure(row);
     }
     return false;
+}
+
+void VirtualColumn::keepAnchor() {
+    const int row = m_anchor.row();
+    if (row < 0 || row >= count() ||
+        !m_anchor.settle(m_top - rowPosition(row), m_area->moving() ? nullptr : m_items.find(row)))
+        recordAnchor();
 }
 
 // The padding of the first row is what a row that was jumped to keeps above itself, so reading begins below it.
