@@ -94,6 +94,7 @@ Flickable {
     boundsBehavior: Flickable.StopAtBounds
     clip: true
     contentWidth: width
+    flickableDirection: Flickable.VerticalFlick
     objectName: "messageList"
 
     Keys.onDownPressed: moveBy(1)

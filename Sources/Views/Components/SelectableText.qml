@@ -10,7 +10,7 @@ TextEdit {
     property bool hasCaret: false
     readonly property real lineDistance: Math.max(0, Theme.leading(font.pixelSize) - metrics.height)
 
-    signal caretMoved(real y, real height)
+    signal caretMoved(real y, real height) // by the keyboard, or by a pointer that selects
 
     function takeFocus(): void {
         forceActiveFocus(Qt.OtherFocusReason)
@@ -50,10 +50,13 @@ TextEdit {
             hasCaret = false
     }
     onCursorRectangleChanged: {
-        if (hasCaret)
+        if (hasCaret || pointer.active)
             caretMoved(cursorRectangle.y, cursorRectangle.height)
     }
 
+    PointHandler {
+        id: pointer
+    }
     FontMetrics {
         id: metrics
 
