@@ -30,6 +30,12 @@ Item {
         signalName: "retryWanted"
         target: list
     }
+    TextParts {
+        id: parts
+    }
+    TextParts {
+        id: whole
+    }
     TextEdit {
         id: pasted
     }
@@ -266,7 +272,7 @@ Item {
 
         function test_selectionSurvivesStreamingAndIsCopied() {
             const row = focusLast()
-            const answer = findChild(row, "answerText")
+            const answer = findChild(row, "textPart")
             answer.select(5, 25)
             const selected = answer.selectedText
             grow(5)
@@ -293,7 +299,7 @@ Item {
             keySequence("Ctrl+C")
             compare(clipboard(), messages.get(messages.count - 1).text)
             keyClick(Qt.Key_Return)
-            const answer = findChild(row, "answerText")
+            const answer = findChild(row, "textPart")
             verify(answer.activeFocus)
             verify(answer.cursorVisible)
             keyClick(Qt.Key_Right)
@@ -312,7 +318,7 @@ Item {
 
         function test_mouseSelectsAndArrowsStillScroll() {
             const row = list.column.itemAt(messages.count - 1)
-            const answer = findChild(row, "answerText")
+            const answer = findChild(row, "textPart")
             mouseDrag(answer, 5, answer.height - 30, 150, 0, Qt.LeftButton, Qt.NoModifier, 50)
             verify(answer.selectedText.length > 5, answer.selectedText)
             verify(answer.activeFocus)
@@ -356,7 +362,7 @@ Item {
             settled()
             list.column.scrollBy(300)
             settled()
-            const answer = findChild(list.column.itemAt(9), "answerText")
+            const answer = findChild(list.column.itemAt(9), "textPart")
             const top = () => answer.mapFromItem(list, 0, list.column.topPadding).y
             const read = answer.positionAt(0, top())
             const below = top() - answer.positionToRectangle(read).y
@@ -366,6 +372,60 @@ Item {
                 fuzzyCompare(top() - answer.positionToRectangle(read).y, below, 1, "size " + size)
             }
         }
+
+        // 256 KB, and as much again that comes while it is read.
+        function test_answerOfAnyLengthCostsWhatIsSeen() {
+            const last = messages.count - 1
+            const many = (paragraph.repeat(4) + "\n").repeat(550)
+            messages.setProperty(last, "text", many)
+            settled()
+            const answer = findChild(list.column.itemAt(last), "answerText")
+            verify(answer.height > 20000, answer.height)
+            compare(Math.round(list.distanceToEnd), 0)
+            verify(answer.liveParts() <= 4, answer.liveParts() + " parts")
+
+            for (let from = 0; from < answer.height; from += 300) {
+                list.column.scrollTo(list.column.rowPosition(last) + from)
+                list.column.forceLayout()
+                verify(answer.liveParts() <= 4, answer.liveParts() + " parts")
+            }
+            list.showEnd()
+            settled()
+            list.column.scrollBy(-700)
+            settled()
+            const part = answer.itemAt(answer.model.count - 1)
+            const before = part.mapToItem(list, 0, 0).y
+            messages.setProperty(last, "text", many + many)
+            settled()
+            compare(part.mapToItem(list, 0, 0).y, before)
+            verify(!list.following)
+        }
+
+        function test_partsAreTheText() {
+            const texts = ["", "слово", "\n".repeat(9000), (paragraph.repeat(3) + "\n\n").repeat(90), "б".repeat(40000),
+                "слово ".repeat(9000), "😀".repeat(20000)]
+            for (const text of texts) {
+                parts.text = ""
+                for (let to = 0; to < text.length; to += 977)
+                    parts.text = text.slice(0, to)
+                parts.text = text
+                let joined = ""
+                for (let i = 0; i < parts.count; ++i) {
+                    const part = parts.data(parts.index(i, 0), partRole)
+                    verify(part.length <= 16001, part.length)
+                    joined += part
+                    const border = text[joined.length]
+                    if (i + 1 < parts.count && (border === "\n" || border === " "))
+                        joined += border
+                }
+                verify(joined === text, text.slice(0, 20))
+                compare(parts.count > 1, text.length > 4000)
+                whole.text = text // grown or set at once, the same
+                compare(whole.count, parts.count)
+            }
+        }
+
+        readonly property int partRole: Qt.UserRole + 1
 
         function test_screenReaderHearsWhoSpeaks() {
             compare(list.column.itemAt(messages.count - 1).Accessible.name.indexOf("Ответ: Сортировка"), 0)

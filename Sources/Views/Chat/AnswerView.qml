@@ -17,11 +17,10 @@ Item {
     signal caretMoved(real y, real height)
 
     function selectedText(): string {
-        return body.selectedText || reasoning.selectedText()
+        return body.selectedText() || reasoning.selectedText()
     }
 
     function selectAll(): void {
-        body.takeFocus()
         body.selectAll()
     }
 
@@ -42,31 +41,17 @@ Item {
 
         onToggled: answer.thinkingToggled()
     }
-    SelectableText {
+    LongText {
         id: body
 
+        isGrowing: answer.isStreaming
         objectName: "answerText"
-
-        // Where the text ends; named so that growth and a new width are noticed.
-        readonly property rect end: {
-            answer.text
-            contentHeight
-            width
-            return positionToRectangle(length)
-        }
-
-        content: answer.text
+        text: answer.text
         visible: answer.text.length > 0
         width: parent.width - Theme.gap4
         y: reasoning.visible ? reasoning.height + Theme.gap3 : 0
 
         onCaretMoved: (y, height) => answer.caretMoved(body.y + y, height)
-
-        StreamingDot {
-            visible: answer.isStreaming
-            x: body.end.x + Theme.gap1
-            y: body.end.y + (body.end.height - height) / 2
-        }
     }
     Row {
         id: waiting

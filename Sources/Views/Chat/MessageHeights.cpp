@@ -15,8 +15,8 @@ constexpr double raggedEdge = 0.96; // how much of a line is filled before a wor
 
 double MessageHeights::heightOf(const QAbstractItemModel& model, int row) const {
     const QHash<int, QByteArray> names = model.roleNames();
-    const auto value = [&](const char* role) { return model.data(model.index(row, 0), names.key(role, -1)); };
-    const QString text = value("text").toString();
+    const auto value = [&](const QByteArray& role) { return model.data(model.index(row, 0), names.key(role, -1)); };
+    const QString text = value(m_textRole).toString();
     if (value("isUser").toBool())
         return m_aroundQuestion + lines(text, m_questionWidth) * m_lineHeight;
     const double reasoning = value("thinking").toString().isEmpty() ? 0 : m_thinkingHeight;

@@ -10,6 +10,7 @@ namespace Korvi {
 class MessageHeights : public RowEstimate {
     Q_OBJECT
     QML_ELEMENT
+    Q_PROPERTY(QByteArray textRole MEMBER m_textRole NOTIFY changed)
     // Pixels.
     Q_PROPERTY(qreal answerWidth MEMBER m_answerWidth NOTIFY changed)     // of the text of an answer
     Q_PROPERTY(qreal questionWidth MEMBER m_questionWidth NOTIFY changed) // of the text of a question at the widest
@@ -22,12 +23,13 @@ class MessageHeights : public RowEstimate {
 public:
     using RowEstimate::RowEstimate;
 
-    // Of a model with the roles isUser, text and thinking.
+    // Of a model with the roles isUser and thinking, as far as it has them, and that of the text.
     double heightOf(const QAbstractItemModel& model, int row) const override;
 
 private:
     double lines(QStringView text, double width) const;
 
+    QByteArray m_textRole = QByteArrayLiteral("text");
     qreal m_answerWidth = 600;
     qreal m_questionWidth = 480;
     qreal m_characterWidth = 7;

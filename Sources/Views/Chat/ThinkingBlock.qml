@@ -12,7 +12,7 @@ Column {
     signal toggled
 
     function selectedText(): string {
-        return unfolded.item?.text.selectedText ?? ""
+        return unfolded.item?.text.selectedText() ?? ""
     }
 
     spacing: Theme.gap2
@@ -76,11 +76,11 @@ Column {
                 width: 2
                 x: Theme.gap2
             }
-            SelectableText {
+            LongText {
                 id: reasoning
 
                 color: Theme.t2
-                content: block.text
+                text: block.text
                 width: parent.width - x
                 x: Theme.gap5
             }

@@ -7,19 +7,22 @@ Item {
 
     readonly property real widest: Math.round(width * 0.8) - Theme.gap4 * 2 + Theme.gap1
 
+    readonly property bool isLong: text.length > 4000 // something that was pasted
+    readonly property Item shown: isLong ? longBody : body
+
     signal caretMoved(real y, real height)
 
     function selectedText(): string {
-        return body.selectedText
+        return isLong ? longBody.selectedText() : body.selectedText
     }
 
     function selectAll(): void {
-        body.takeFocus()
-        body.selectAll()
+        shown.takeFocus()
+        shown.selectAll()
     }
 
     function takeCaret(): void {
-        body.takeCaret()
+        shown.takeCaret()
     }
 
     implicitHeight: bubble.height + Theme.gap2
@@ -29,9 +32,9 @@ Item {
 
         anchors.right: parent.right
         color: Theme.sunk
-        height: body.height + Theme.gap2 * 2
+        height: message.shown.height + Theme.gap2 * 2
         radius: Theme.radiusBubble
-        width: body.width + (Theme.gap4 - 2) * 2
+        width: message.shown.width + (Theme.gap4 - 2) * 2
 
         // The corner that points at the speaker.
         Rectangle {
@@ -45,14 +48,25 @@ Item {
         SelectableText {
             id: body
 
+            content: message.isLong ? "" : message.text
             objectName: "userText"
-
-            content: message.text
+            visible: !message.isLong
             width: Math.min(Math.ceil(implicitWidth), message.widest)
             x: Theme.gap4 - 2
             y: Theme.gap2 + Math.round(lineDistance / 2)
 
             onCaretMoved: (y, height) => message.caretMoved(body.y + y, height)
+        }
+        LongText {
+            id: longBody
+
+            text: message.isLong ? message.text : ""
+            visible: message.isLong
+            width: message.widest
+            x: body.x
+            y: body.y
+
+            onCaretMoved: (y, height) => message.caretMoved(longBody.y + y, height)
         }
     }
 }

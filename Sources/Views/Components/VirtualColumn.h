@@ -7,9 +7,12 @@
 #include "ScrollArea.h"
 #include "ScrollMetrics.h"
 
+#include <QSet>
 #include <QVariantAnimation>
 
 namespace Korvi {
+
+class PartColumn;
 
 // A column of rows in a Flickable, of which only those in view and near it exist as items. Stands in the Flickable's
 // content at 0, 0 and takes care of its contentY, contentHeight and topMargin.
@@ -79,6 +82,10 @@ public:
     int lastVisibleRow() const;
     int focusedRow() const { return m_focusedRow; }
 
+    // For parts that stand in one of its rows: they are told what of them is in view.
+    void rememberParts(PartColumn* parts) { m_parts.insert(parts); }
+    void forgetParts(PartColumn* parts) { m_parts.remove(parts); }
+
     // Shows the end and follows it; lets a held turn go. Unless forced, leaves the view alone when all of it is seen.
     Q_INVOKABLE void showEnd(Korvi::VirtualColumn::Jump jump = AtOnce, bool forced = true);
     // Holds the turn that begins with that row.
@@ -136,6 +143,7 @@ private:
     void layout();
     double topWanted() const;
     bool fill();
+    void showParts(int row);
     bool measure(int row);
     void place();
     void releaseFarRows();
@@ -163,6 +171,7 @@ private:
     RowHeights m_heights;            // each with the spacing below it
     std::vector<double> m_estimates; // what each row's height was first taken for, or `unknown`
     RowItems m_items;
+    QSet<PartColumn*> m_parts;
     ReadingAnchor m_anchor;
     QVariantAnimation m_jump;
     double m_jumpLength = 0; // from the view to the aim

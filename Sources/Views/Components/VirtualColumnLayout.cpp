@@ -1,4 +1,5 @@
 // How a VirtualColumn settles: which rows exist as items, where they stand, and what the Flickable shows of them.
+#include "PartColumn.h"
 #include "VirtualColumn.h"
 
 #include <QScopedValueRollback>
@@ -66,6 +67,7 @@ bool VirtualColumn::fill() {
         moved = measure(row) || moved;
     const auto see = [&](int row) {
         m_items.obtain(row);
+        showParts(row);
         moved = measure(row) || moved;
     };
     if (m_following && m_jump.state() != QVariantAnimation::Running) {
@@ -77,6 +79,17 @@ bool VirtualColumn::fill() {
             see(row);
     }
     return moved;
+}
+
+void VirtualColumn::showParts(int row) {
+    const QQuickItem* item = m_items.find(row);
+    const QSet<PartColumn*> all = m_parts; // what is made may hold parts of its own
+    for (PartColumn* parts : all) {
+        if (!item || !item->isAncestorOf(parts) || !parts->isVisible())
+            continue;
+        const double edge = topWanted() - rowPosition(row) - parts->mapToItem(item, {}).y();
+        parts->see(edge, edge + viewHeight(), viewHeight());
+    }
 }
 
 bool VirtualColumn::measure(int row) {
@@ -123,6 +136,7 @@ bool VirtualColumn::prefetch() {
             continue;
         QMetaObject::invokeMethod(this, &VirtualColumn::polish, Qt::QueuedConnection);
         m_items.obtain(row);
+        showParts(row);
         return measure(row);
     }
     return false;
