@@ -373,6 +373,41 @@ Item {
             }
         }
 
+        function test_selectionGoesOverTheBordersOfParts() {
+            const last = messages.count - 1
+            messages.setProperty(last, "text", (paragraph.repeat(4) + "\n").repeat(40))
+            settled()
+            const text = messages.get(last).text
+            const answer = findChild(list.column.itemAt(last), "answerText")
+            // The border between the last two parts, in view.
+            const lower = answer.itemAt(answer.model.count - 1)
+            list.column.scrollBy(-200)
+            settled()
+            list.column.scrollTo(list.column.rowPosition(last) + lower.mapToItem(list.column.itemAt(last), 0, 0).y - 200)
+            settled()
+            const y = lower.mapToItem(list, 0, 0).y
+            mousePress(list, 60, y - 50)
+            for (let at = y - 50; at <= y + 50; at += 10)
+                mouseMove(list, 160, at, 0, Qt.LeftButton)
+            settled()
+            mouseRelease(list, 160, y + 50)
+            settled()
+            const selected = answer.selectedText()
+            verify(selected.indexOf("\n") > 0, selected)
+            verify(text.indexOf(selected) >= 0, "as it stands in the text: " + selected)
+            const shown = answer.itemAt(answer.model.count - 2).selectedText + "\n" + lower.selectedText
+            compare(shown.replace(/\u2029/g, "\n"), selected)
+            keySequence("Ctrl+C")
+            compare(clipboard(), selected)
+
+            list.focusRow(last)
+            keySequence("Ctrl+A")
+            keySequence("Ctrl+C")
+            compare(clipboard(), text)
+            list.focusRow(last - 1)
+            compare(answer.selectedText(), "")
+        }
+
         // 256 KB, and as much again that comes while it is read.
         function test_answerOfAnyLengthCostsWhatIsSeen() {
             const last = messages.count - 1
@@ -384,9 +419,13 @@ Item {
             compare(Math.round(list.distanceToEnd), 0)
             verify(answer.liveParts() <= 4, answer.liveParts() + " parts")
 
-            for (let from = 0; from < answer.height; from += 300) {
-                list.column.scrollTo(list.column.rowPosition(last) + from)
+            for (let i = 0; i < 60; ++i) {
+                const part = answer.itemAt(answer.partAt(list.column.position + list.height / 2
+                    - list.column.rowPosition(last)))
+                const before = part.mapToItem(list, 0, 0).y
+                list.column.scrollBy(-300)
                 list.column.forceLayout()
+                verify(Math.abs(part.mapToItem(list, 0, 0).y - before - 300) <= 1, "screen " + i)
                 verify(answer.liveParts() <= 4, answer.liveParts() + " parts")
             }
             list.showEnd()
@@ -445,7 +484,9 @@ Item {
             retry.clear()
             mouseClick(findChild(row, "retryButton"))
             compare(retry.count, 1)
-            mouseClick(findChild(row, "copyButton"))
+            findChild(row, "copyButton").forceActiveFocus(Qt.TabFocusReason)
+            compare(list.column.focusedRow, messages.count - 1)
+            keyClick(Qt.Key_Space)
             compare(clipboard(), messages.get(messages.count - 1).text)
         }
     }

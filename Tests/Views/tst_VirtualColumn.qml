@@ -282,6 +282,26 @@ Item {
             verify(column.following) // the end was in view all the time
         }
 
+        // Rows and parts of rows that come into view from above are not as high as they were taken for.
+        function test_whatIsOnTheScreenMovesWithTheReader_data() {
+            return [{ tag: "low", size: 20 }, { tag: "as estimated", size: 64 }, { tag: "high", size: 700 }]
+        }
+
+        function test_whatIsOnTheScreenMovesWithTheReader(data) {
+            fillWith(60, data.size)
+            for (let step = 0; step < 60; ++step) {
+                const row = Math.min(column.firstVisibleRow + 1, column.lastVisibleRow)
+                const before = place(row)
+                column.scrollBy(-35)
+                column.forceLayout()
+                if (column.position > 0)
+                    compare(place(row), before + 35, "step " + step)
+                checkInvariants("step " + step)
+                if (step % 7 === 0)
+                    wait(0) // and those that were made ahead
+            }
+        }
+
         function test_flickGoesOnWhileRowsAboveGetTheirHeights() {
             fillWith(200, 300) // estimated at 64
             wait(50)

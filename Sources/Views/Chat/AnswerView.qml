@@ -12,12 +12,17 @@ Item {
     required property bool canRetry
 
     signal thinkingToggled
-    signal copyWanted
+    signal copyWanted(string text)
     signal retryWanted
     signal caretMoved(real y, real height)
 
     function selectedText(): string {
         return body.selectedText() || reasoning.selectedText()
+    }
+
+    function deselect(): void {
+        body.deselect()
+        reasoning.deselect()
     }
 
     function selectAll(): void {
@@ -39,6 +44,7 @@ Item {
         visible: text.length > 0
         width: parent.width
 
+        onCopyWanted: text => answer.copyWanted(text)
         onToggled: answer.thinkingToggled()
     }
     LongText {
@@ -52,6 +58,7 @@ Item {
         y: reasoning.visible ? reasoning.height + Theme.gap3 : 0
 
         onCaretMoved: (y, height) => answer.caretMoved(body.y + y, height)
+        onCopyWanted: text => answer.copyWanted(text)
     }
     Row {
         id: waiting
@@ -92,7 +99,7 @@ Item {
             symbol: "doc.on.doc"
             text: "Копировать"
 
-            onClicked: answer.copyWanted()
+            onClicked: answer.copyWanted(answer.text)
         }
         IconButton {
             objectName: "retryButton"

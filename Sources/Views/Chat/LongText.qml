@@ -10,8 +10,14 @@ PartColumn {
     property color color: Theme.t1
 
     signal caretMoved(real y, real height)
+    signal copyWanted(string text)
+
+    // What is selected beyond the borders of one part: { firstPart, from, lastPart, to }.
+    property var span: null
 
     function selectedText(): string {
+        if (span)
+            return parts.between(span.firstPart, span.from, span.lastPart, span.to)
         for (let i = 0; i < parts.count; ++i) {
             const selected = itemAt(i)?.selectedText
             if (selected)
@@ -20,9 +26,18 @@ PartColumn {
         return ""
     }
 
+    function deselect(): void {
+        span = null
+        for (let i = 0; i < parts.count; ++i)
+            itemAt(i)?.deselect()
+    }
+
     function selectAll(): void {
         takeFocus()
-        itemAt(nearest())?.selectAll()
+        if (parts.count > 1)
+            span = { firstPart: 0, from: 0, lastPart: parts.count - 1, to: parts.lengthOf(parts.count - 1) }
+        else
+            itemAt(0)?.selectAll()
     }
 
     function takeFocus(): void {
@@ -61,7 +76,33 @@ PartColumn {
         content: part
         objectName: "textPart"
 
+        persistentSelection: column.span !== null
+
+        // Its share of what is selected over several parts.
+        function selectShare(): void {
+            const span = column.span
+            if (!span || index < span.firstPart || index > span.lastPart)
+                deselect()
+            else
+                select(index === span.firstPart ? span.from : 0, index === span.lastPart ? span.to : length)
+        }
+
+        Component.onCompleted: selectShare()
+        Keys.onPressed: event => {
+            if (column.span && event.matches(StandardKey.Copy)) {
+                column.copyWanted(column.selectedText())
+                event.accepted = true
+            }
+        }
         onCaretMoved: (y, height) => column.caretMoved(edit.y + y, height)
+
+        Connections {
+            function onSpanChanged() {
+                edit.selectShare()
+            }
+
+            target: column
+        }
 
         StreamingDot {
             visible: column.isGrowing && edit.index === parts.count - 1
@@ -71,8 +112,10 @@ PartColumn {
     }
     // qmllint enable unqualified
     estimate: MessageHeights {
+        readonly property string sample: "Обычный русский текст, по которому меряют ширину."
+
         answerWidth: column.width
-        characterWidth: metrics.averageCharacterWidth
+        characterWidth: metrics.advanceWidth(sample) / sample.length
         lineHeight: Theme.leading(Theme.fontBody)
         textRole: "part"
     }
@@ -80,6 +123,8 @@ PartColumn {
         id: parts
 
         text: column.text
+
+        onModelReset: column.span = null
     }
 
     FontMetrics {
@@ -87,5 +132,35 @@ PartColumn {
 
         font.family: Theme.family
         font.pixelSize: Theme.fontBody
+    }
+    PointHandler {
+        id: drag
+
+        property int part: -1
+        property int position: 0
+
+        function follow(): void {
+            const y = point.position.y
+            const now = column.partAt(y)
+            const item = column.itemAt(now)
+            if (!active || !item || now === part && !column.span)
+                return
+            const at = item.positionAt(point.position.x, y - item.y)
+            const back = now < part || now === part && at < position
+            column.span = back ? { firstPart: now, from: at, lastPart: part, to: position }
+                : { firstPart: part, from: position, lastPart: now, to: at }
+            column.caretMoved(y, 0)
+        }
+
+        onActiveChanged: {
+            if (!active)
+                return
+            column.span = null
+            part = column.partAt(point.pressPosition.y)
+            const item = column.itemAt(part)
+            position = item ? item.positionAt(point.pressPosition.x, point.pressPosition.y - item.y) : 0
+        }
+        // After the part itself has selected what it takes for the end.
+        onPointChanged: Qt.callLater(follow)
     }
 }

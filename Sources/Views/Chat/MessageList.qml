@@ -159,17 +159,22 @@ Flickable {
         // qmllint enable unqualified
         estimate: MessageHeights {
             answerWidth: list.columnWidth - Theme.gap4
+            readonly property string sample: "Обычный русский текст, по которому меряют ширину."
+
             aroundAnswer: Theme.gap1 + Theme.actionHeight
             aroundQuestion: Theme.gap2 * 2 + Theme.gap2
-            characterWidth: metrics.averageCharacterWidth
+            characterWidth: metrics.advanceWidth(sample) / sample.length
             lineHeight: Theme.leading(Theme.fontBody)
             questionWidth: list.columnWidth * 0.8 - Theme.gap4 * 2
             thinkingHeight: Theme.px(30) + Theme.gap3
         }
 
         onFocusedRowChanged: {
-            if (focusedRow >= 0)
-                list.currentRow = focusedRow
+            if (focusedRow < 0)
+                return
+            if (focusedRow !== list.currentRow)
+                itemAt(list.currentRow)?.deselect() // one selection in the list
+            list.currentRow = focusedRow
         }
         onFocusedRowRemoved: row => list.focusRow(Math.min(row, count - 1))
     }

@@ -34,6 +34,10 @@ Item {
         return content.item.selectedText()
     }
 
+    function deselect(): void {
+        content.item.deselect()
+    }
+
     Accessible.name: (isUser ? "Вы: " : "Ответ: ") + text.slice(0, 200)
     Accessible.role: Accessible.ListItem
     activeFocusOnTab: tabStop || activeFocus // it may not be taken from the row that has the focus
@@ -87,6 +91,7 @@ Item {
             text: row.text
 
             onCaretMoved: (y, height) => row.caretMoved(y, height)
+            onCopyWanted: text => row.copyWanted(text)
         }
         // qmllint enable unqualified
     }
@@ -103,7 +108,7 @@ Item {
             thinkingOpen: row.thinkingOpen
 
             onCaretMoved: (y, height) => row.caretMoved(y, height)
-            onCopyWanted: row.copyWanted(row.wholeText())
+            onCopyWanted: text => row.copyWanted(text)
             onRetryWanted: row.retryWanted()
             onThinkingToggled: row.thinkingToggled()
         }

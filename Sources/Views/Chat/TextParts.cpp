@@ -56,6 +56,18 @@ QString TextParts::part(int row) const {
     return m_text.sliced(start, endOfPart(start) - start);
 }
 
+QString TextParts::between(int firstPart, int from, int lastPart, int to) const {
+    if (firstPart < 0 || lastPart >= count() || firstPart > lastPart)
+        return {};
+    const qsizetype start = m_starts[static_cast<std::size_t>(firstPart)] + from;
+    const qsizetype end = m_starts[static_cast<std::size_t>(lastPart)] + to;
+    return m_text.mid(start, std::max<qsizetype>(0, end - start));
+}
+
+int TextParts::lengthOf(int row) const {
+    return row < 0 || row >= count() ? 0 : static_cast<int>(part(row).size());
+}
+
 int TextParts::rowCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : count();
 }

@@ -29,6 +29,10 @@ public:
     void setText(const QString& text);
     int count() const { return static_cast<int>(m_starts.size()); }
 
+    // The text from a character of one part up to a character of the same or a later one.
+    Q_INVOKABLE QString between(int firstPart, int from, int lastPart, int to) const;
+    Q_INVOKABLE int lengthOf(int part) const;
+
     int rowCount(const QModelIndex& parent = {}) const override;
     QVariant data(const QModelIndex& index, int role) const override;
     QHash<int, QByteArray> roleNames() const override;

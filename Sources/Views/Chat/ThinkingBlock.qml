@@ -10,6 +10,11 @@ Column {
     required property bool isThinking
 
     signal toggled
+    signal copyWanted(string text)
+
+    function deselect(): void {
+        unfolded.item?.text.deselect()
+    }
 
     function selectedText(): string {
         return unfolded.item?.text.selectedText() ?? ""
@@ -83,6 +88,8 @@ Column {
                 text: block.text
                 width: parent.width - x
                 x: Theme.gap5
+
+                onCopyWanted: text => block.copyWanted(text)
             }
         }
         // qmllint enable unqualified

@@ -11,9 +11,14 @@ Item {
     readonly property Item shown: isLong ? longBody : body
 
     signal caretMoved(real y, real height)
+    signal copyWanted(string text)
 
     function selectedText(): string {
         return isLong ? longBody.selectedText() : body.selectedText
+    }
+
+    function deselect(): void {
+        shown.deselect()
     }
 
     function selectAll(): void {
@@ -67,6 +72,7 @@ Item {
             y: body.y
 
             onCaretMoved: (y, height) => message.caretMoved(longBody.y + y, height)
+            onCopyWanted: text => message.copyWanted(text)
         }
     }
 }

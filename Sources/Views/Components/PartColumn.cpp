@@ -3,6 +3,7 @@
 #include "VirtualColumn.h"
 
 #include <QQuickWindow>
+#include <QScopedValueRollback>
 
 #include <cmath>
 #include <limits>
@@ -152,11 +153,13 @@ bool PartColumn::holdsFocus(int part) const {
 
 // What is in view is for the column to say, once per frame.
 void PartColumn::changed() {
-    setImplicitHeight(m_heights.total());
-    if (m_column)
+    if (m_column) {
+        setImplicitHeight(m_heights.total());
         m_column->polish();
-    else
-        polish();
+    } else if (!m_showingAll) {
+        const QScopedValueRollback guard(m_showingAll, true);
+        see(0, std::numeric_limits<double>::max(), 0);
+    }
 }
 
 void PartColumn::findColumn() {
@@ -190,11 +193,6 @@ void PartColumn::geometryChange(const QRectF& now, const QRectF& before) {
         m_items.setWidth(now.width());
         changed();
     }
-}
-
-void PartColumn::updatePolish() {
-    if (!m_column)
-        see(0, std::numeric_limits<double>::max(), 0);
 }
 
 }

@@ -33,7 +33,7 @@ public:
     void see(double from, double to, double reach);
 
     Q_INVOKABLE QQuickItem* itemAt(int part) const { return m_items.find(part); } // null for one far from the view
-    Q_INVOKABLE qreal partPosition(int part) const { return m_heights.before(part); }
+    Q_INVOKABLE int partAt(qreal y) const { return m_heights.rowAt(y); }          // the nearest one; -1 without parts
     Q_INVOKABLE int liveParts() const { return static_cast<int>(m_items.live().size()); }
 
 signals:
@@ -45,7 +45,6 @@ protected:
     void componentComplete() override;
     void itemChange(ItemChange change, const ItemChangeData& data) override;
     void geometryChange(const QRectF& now, const QRectF& before) override;
-    void updatePolish() override;
 
 private:
     void resetParts();
@@ -65,6 +64,7 @@ private:
     RowHeights m_heights;
     RowItems m_items;
     bool m_estimatesOld = false;
+    bool m_showingAll = false;
 };
 
 }

@@ -13,14 +13,21 @@ bool isText(const QQuickItem& item) {
     return item.metaObject()->indexOfMethod("positionToRectangle(int)") >= 0;
 }
 
-// The innermost visible item that `y`, below the top of `item`, falls into.
+// The innermost visible item that `y`, below the top of `item`, falls into; where there is nothing yet, the next one.
 QQuickItem* leafAt(QQuickItem* item, qreal y) {
     while (!isText(*item)) {
         QQuickItem* inner = nullptr;
+        QQuickItem* next = nullptr;
         for (QQuickItem* child : item->childItems()) {
-            if (child->isVisible() && child->y() <= y && y < child->y() + child->height())
+            if (!child->isVisible() || child->height() <= 0)
+                continue;
+            if (child->y() <= y && y < child->y() + child->height())
                 inner = child;
+            else if (child->y() > y && (!next || child->y() < next->y()))
+                next = child;
         }
+        if (!inner)
+            inner = next;
         if (!inner)
             break;
         y -= inner->y();
@@ -48,11 +55,15 @@ void ReadingAnchor::record(int row, qreal offset, qreal reading, QQuickItem* ite
     m_row = row;
     m_offset = offset;
     m_aboveRow = reading <= 0;
-    if (!item || m_aboveRow)
+    if (!item)
         return;
-    m_leaf = leafAt(item, reading);
+    QQuickItem* leaf = leafAt(item, std::max(reading, 0.0));
+    const qreal top = leaf->mapToItem(item, {}).y();
+    if (m_aboveRow && top <= 0)
+        return; // the whole row is below the edge, and its beginning holds it
+    m_leaf = leaf;
     if (isText(*m_leaf))
-        m_textPosition = textPositionAt(*m_leaf, reading - m_leaf->mapToItem(item, {}).y());
+        m_textPosition = textPositionAt(*m_leaf, std::max(0.0, reading - top));
     m_leafY = leafY(*item);
 }
 

@@ -144,8 +144,7 @@ bool VirtualColumn::prefetch() {
 
 void VirtualColumn::keepAnchor() {
     const int row = m_anchor.row();
-    if (row < 0 || row >= count() ||
-        !m_anchor.settle(m_top - rowPosition(row), m_area->moving() ? nullptr : m_items.find(row)))
+    if (row < 0 || row >= count() || !m_anchor.settle(m_top - rowPosition(row), m_items.find(row)))
         recordAnchor();
 }
 
@@ -159,8 +158,13 @@ void VirtualColumn::recordAnchor() {
     const double reading = m_top + m_topPadding;
     if (reading >= rowPosition(row) + heightAt(row) && row + 1 < count())
         ++row; // the edge lies between the two
-    m_anchor.record(
-        row, m_top - rowPosition(row), reading - rowPosition(row), m_area->moving() ? nullptr : m_items.find(row));
+    // A row that was never seen may be anything but as high as it is taken for; what is on the screen already holds.
+    int seen = row;
+    while (seen < count() && !m_items.find(seen) && rowPosition(seen) < m_top + viewHeight())
+        ++seen;
+    if (seen < count() && m_items.find(seen) && rowPosition(seen) < m_top + viewHeight())
+        row = seen;
+    m_anchor.record(row, m_top - rowPosition(row), reading - rowPosition(row), m_items.find(row));
 }
 
 void VirtualColumn::publish() {
