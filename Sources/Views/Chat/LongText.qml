@@ -104,6 +104,34 @@ PartColumn {
             target: column
         }
 
+        // The pointer left this part while it selects.
+        PointHandler {
+            id: drag
+
+            property int position: 0 // where it was pressed
+
+            // After the part itself has selected what it takes for the end.
+            function follow(): void {
+                const y = edit.y + point.position.y
+                const part = column.partAt(y)
+                const other = column.itemAt(part)
+                if (!active || !other || part === edit.index && !column.span)
+                    return
+                const at = other.positionAt(point.position.x, y - other.y)
+                const back = part < edit.index || part === edit.index && at < position
+                column.span = back ? { firstPart: part, from: at, lastPart: edit.index, to: position }
+                    : { firstPart: edit.index, from: position, lastPart: part, to: at }
+                column.caretMoved(y, 0)
+            }
+
+            onActiveChanged: {
+                if (active) {
+                    column.span = null
+                    position = edit.positionAt(point.pressPosition.x, point.pressPosition.y)
+                }
+            }
+            onPointChanged: Qt.callLater(follow)
+        }
         StreamingDot {
             visible: column.isGrowing && edit.index === parts.count - 1
             x: edit.end.x + Theme.gap1
@@ -132,35 +160,5 @@ PartColumn {
 
         font.family: Theme.family
         font.pixelSize: Theme.fontBody
-    }
-    PointHandler {
-        id: drag
-
-        property int part: -1
-        property int position: 0
-
-        function follow(): void {
-            const y = point.position.y
-            const now = column.partAt(y)
-            const item = column.itemAt(now)
-            if (!active || !item || now === part && !column.span)
-                return
-            const at = item.positionAt(point.position.x, y - item.y)
-            const back = now < part || now === part && at < position
-            column.span = back ? { firstPart: now, from: at, lastPart: part, to: position }
-                : { firstPart: part, from: position, lastPart: now, to: at }
-            column.caretMoved(y, 0)
-        }
-
-        onActiveChanged: {
-            if (!active)
-                return
-            column.span = null
-            part = column.partAt(point.pressPosition.y)
-            const item = column.itemAt(part)
-            position = item ? item.positionAt(point.pressPosition.x, point.pressPosition.y - item.y) : 0
-        }
-        // After the part itself has selected what it takes for the end.
-        onPointChanged: Qt.callLater(follow)
     }
 }
