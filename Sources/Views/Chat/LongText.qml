@@ -130,8 +130,9 @@ PartColumn {
                     position = edit.positionAt(point.pressPosition.x, point.pressPosition.y)
                 }
             }
-            onPointChanged: Qt.callLater(follow)
+            onPointChanged: Qt.callLater(follow) // qmllint disable
         }
+        // qmllint disable unqualified
         StreamingDot {
             visible: column.isGrowing && edit.index === parts.count - 1
             x: edit.end.x + Theme.gap1

@@ -7,7 +7,7 @@
 namespace Korvi {
 
 // Guesses how high a message is from the length of its paragraphs.
-class MessageHeights : public RowEstimate {
+class MessageHeights : public Korvi::RowEstimate { // qualified, for qmllint to know it
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(QByteArray textRole MEMBER m_textRole NOTIFY changed)

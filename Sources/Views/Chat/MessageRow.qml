@@ -31,11 +31,11 @@ Item {
     }
 
     function selectedText(): string {
-        return content.item.selectedText()
+        return content.item.selectedText() // qmllint disable
     }
 
     function deselect(): void {
-        content.item.deselect()
+        content.item.deselect() // qmllint disable
     }
 
     Accessible.name: (isUser ? "Вы: " : "Ответ: ") + text.slice(0, 200)

@@ -18,16 +18,26 @@ Item {
     }
 
     function deselect(): void {
-        shown.deselect()
+        if (isLong)
+            longBody.deselect()
+        else
+            body.deselect()
     }
 
     function selectAll(): void {
-        shown.takeFocus()
-        shown.selectAll()
+        if (isLong) {
+            longBody.selectAll()
+        } else {
+            body.takeFocus()
+            body.selectAll()
+        }
     }
 
     function takeCaret(): void {
-        shown.takeCaret()
+        if (isLong)
+            longBody.takeCaret()
+        else
+            body.takeCaret()
     }
 
     implicitHeight: bubble.height + Theme.gap2
