@@ -40,6 +40,7 @@ constexpr Entry symbols[] = {
     {QLatin1StringView("sparkles"), QLatin1StringView("sparkles")},
     {QLatin1StringView("stop"), QLatin1StringView("square")},
     {QLatin1StringView("terminal"), QLatin1StringView("terminal")},
+    {QLatin1StringView("trash"), QLatin1StringView("trash-2")},
     {QLatin1StringView("wifi.slash"), QLatin1StringView("wifi-off")},
     {QLatin1StringView("xmark"), QLatin1StringView("x")},
 };
