@@ -88,7 +88,7 @@ public:
     Cell getChar(int col, int row) const { return getCharAbsolute(col, row + yBase); }
     Cell getCharAbsolute(int col, int row) const;
     /// The line of a screen row, for writing.
-    BufferLine& screenLine(int row) {
+    [[gnu::always_inline]] BufferLine& screenLine(int row) {
         return lines.edit(static_cast<std::size_t>(yBase) + static_cast<std::size_t>(row));
     }
     std::size_t screenIndex(int row) const { return static_cast<std::size_t>(yBase) + static_cast<std::size_t>(row); }
