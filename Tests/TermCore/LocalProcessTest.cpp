@@ -6,6 +6,7 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <thread>
@@ -190,6 +191,25 @@ TEST(LocalProcess, AFloodIsHeldBackAndDeliveredInSlices) {
     EXPECT_EQ(counter.bytes, 3000000U); // each newline became two bytes
 }
 
+TEST(LocalProcess, TellsOfReadsAndWritesButNotTheirBytes) {
+    testing::internal::CaptureStderr();
+    Session session;
+    session.headless.process.setDebugIO(true);
+    session.start("stty -echo; printf ready; read x; read y; printf 'got %s' \"$x\"");
+    EXPECT_TRUE(waitFor(session.loop, [&] { return session.screen().find("ready") != std::string::npos; }));
+    session.headless.send("secret\n");
+    session.headless.send("\n");
+    EXPECT_TRUE(session.waitForExit());
+    const std::string lines = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(session.headless.process.totalRead(), std::string_view("readygot secret").size());
+    EXPECT_THAT(lines, testing::StartsWith("[READ] count="));
+    EXPECT_THAT(lines, testing::HasSubstr(" total=15\n"));
+    EXPECT_THAT(lines, testing::HasSubstr("[SEND-1] count=7\n"));
+    EXPECT_THAT(lines, testing::HasSubstr("[SEND-1] written\n"));
+    EXPECT_THAT(lines, testing::HasSubstr("[SEND-2] count=1\n"));
+    EXPECT_THAT(lines, testing::Not(testing::HasSubstr("secret")));
+}
+
 TEST(LocalProcess, LogsWhatItReads) {
     const auto directory = std::filesystem::temp_directory_path() / ("termcore-log-" + std::to_string(getpid()));
     std::filesystem::create_directory(directory);
@@ -204,6 +224,12 @@ TEST(LocalProcess, LogsWhatItReads) {
     }
     std::filesystem::remove_all(directory);
     EXPECT_EQ(all, "logged\r\n");
+
+    testing::internal::CaptureStderr();
+    session.start("echo nowhere");
+    EXPECT_TRUE(waitFor(session.loop, [&] { return session.exits.size() == 2; }));
+    EXPECT_THAT(testing::internal::GetCapturedStderr(), testing::HasSubstr("Can't write the log file"));
+    EXPECT_NE(session.screen().find("nowhere"), std::string::npos);
 }
 
 }
