@@ -53,6 +53,11 @@ TEST(Terminal, MarksTheRowsThatChanged) {
     EXPECT_EQ(terminal.getScrollInvariantUpdateRange(), (UpdateRange::Rows{5, 5}));
     std::vector<Cell> scratch;
     EXPECT_EQ(terminal.getScrollInvariantLine(5, scratch)[1].code(), 'w');
+    terminal.resize(12, 4);
+    EXPECT_EQ(terminal.getUpdateRange(), (UpdateRange::Rows{0, 4}));
+    terminal.clearUpdateRange();
+    terminal.resize(11, 4);
+    EXPECT_EQ(terminal.getUpdateRange(), (UpdateRange::Rows{0, 3}));
 }
 
 TEST(Terminal, EachFunctionMarksItsRows) {
@@ -210,6 +215,15 @@ TEST(Terminal, AFrozenDisplayKeepsItsBuffer) {
     terminal.feed("\x1b[?2026l");
     EXPECT_FALSE(terminal.isDisplayBufferAlternate());
     EXPECT_EQ(tool::dumpScreen(terminal), "a\n");
+
+    terminal.feed("\r\n2\r\n3\r\nxy\x1b[?69h\x1b[3;5s\x1b[?2026h\x1b[s\x1b[3g\x1b[1;1Hz\n\n\n");
+    const Buffer& frozen = terminal.displayBuffer();
+    EXPECT_EQ(std::pair(frozen.x(), frozen.y()), std::pair(2, 1));
+    EXPECT_EQ(std::pair(frozen.yBase, frozen.yDisp), std::pair(2, 2));
+    EXPECT_EQ(std::pair(frozen.marginLeft, frozen.marginRight), std::pair(2, 4));
+    EXPECT_EQ(frozen.scrollBottom(), 1);
+    EXPECT_TRUE(frozen.tabStops[8]);
+    EXPECT_EQ(tool::dumpScreen(terminal), "3\nxy\n");
 }
 
 TEST(Terminal, ACombiningMarkAfterAResizeIsDropped) {
@@ -226,7 +240,9 @@ TEST(Terminal, HistorySizeChanges) {
     Terminal terminal(&host, sized(10, 2, 10));
     for (int i = 0; i < 20; ++i)
         terminal.feed(std::to_string(i) + "\r\n");
+    terminal.clearUpdateRange();
     terminal.changeScrollback(3);
+    EXPECT_EQ(terminal.getUpdateRange(), (UpdateRange::Rows{0, 1}));
     EXPECT_EQ(tool::dumpScrollback(terminal), "16\n17\n18\n19\n");
     EXPECT_EQ(terminal.buffer().yBase, 3);
     EXPECT_EQ(terminal.getTopVisibleRow(), 3);
