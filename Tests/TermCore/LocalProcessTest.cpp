@@ -1,7 +1,9 @@
 #include "Process/HeadlessTerminal.h"
+#include "Process/PseudoTerminalHelpers.h"
 #include "Process/RunLoop.h"
 #include "TestHost.h"
 
+#include <array>
 #include <cerrno>
 #include <csignal>
 #include <filesystem>
@@ -124,6 +126,36 @@ TEST(LocalProcess, EnvironmentSizeNameAndDirectory) {
         "/bin/sh", {"-c", "echo $0 $TERM $COLORTERM; pwd; stty size"}, std::nullopt, "name", "/tmp");
     ASSERT_TRUE(session.waitForExit());
     EXPECT_EQ(session.screen(), "name xterm-256color truecolor\n/tmp\n10 60\n");
+}
+
+TEST(LocalProcess, AHeadlessTerminalKeepsWhatItIsTold) {
+    Session session;
+    HeadlessTerminal& headless = session.headless;
+    headless.terminal.feed("\x1b]7;file:///home\a");
+    EXPECT_EQ(headless.dir, "file:///home");
+    const winsize size = headless.getWindowSize();
+    EXPECT_EQ((std::array{size.ws_row, size.ws_col, size.ws_xpixel, size.ws_ypixel}),
+        (std::array<unsigned short, 4>{10, 60, 16, 16}));
+    const std::vector<std::uint8_t> bitmap{1, 2, 3, 4};
+    headless.createImageFromBitmap(headless.terminal, bitmap, 1, 1);
+    ASSERT_EQ(headless.images.size(), 1U);
+    EXPECT_EQ(headless.images[0].bitmap, bitmap);
+    headless.changeScrollback(std::nullopt);
+    EXPECT_EQ(headless.terminal.options.scrollback, 0);
+}
+
+TEST(LocalProcess, PseudoTerminalsTellOfWaitingBytes) {
+    const auto child =
+        PseudoTerminalHelpers::fork("/bin/sh", {"sh", "-c", "printf abc; read x"}, {}, std::nullopt, {24, 80, 0, 0});
+    ASSERT_TRUE(child);
+    RunLoop loop;
+    EXPECT_TRUE(waitFor(
+        loop, [&] { return PseudoTerminalHelpers::availableBytes(child->masterDescriptor) == std::pair(0, 3); }));
+    close(child->masterDescriptor);
+    EXPECT_EQ(PseudoTerminalHelpers::availableBytes(-1).first, -1);
+    EXPECT_EQ(PseudoTerminalHelpers::setWinSize(-1, {}), -1);
+    int status = 0;
+    EXPECT_EQ(waitpid(child->pid, &status, 0), child->pid);
 }
 
 TEST(LocalProcess, TellsTheChildOfANewSize) {

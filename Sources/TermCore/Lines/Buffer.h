@@ -73,7 +73,8 @@ public:
 
     int cols() const { return columnCount; }
     int rows() const { return rowCount; }
-    bool hasScrollback() const { return history.has_value(); }
+    /// True when it was made with a history, whatever its size is now.
+    bool hasScrollback() const { return keepsHistory; }
     std::optional<int> scrollback() const { return history; }
     bool isReflowEnabled() const { return hasScrollback(); }
     bool hasAnyImages() const { return linesWithImagesCount > 0; }
@@ -166,6 +167,7 @@ private:
     int regionBottom = 0;
     int columnCount = 0;
     int rowCount = 0;
+    bool keepsHistory = false;
     std::optional<int> history;
 };
 
