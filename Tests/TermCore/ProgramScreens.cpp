@@ -25,6 +25,8 @@ TerminalOptions programSize() {
     return options;
 }
 
+int started = 0; // a server of its own for each screen
+
 std::string trimmed(const std::string& text) {
     std::string out;
     std::string line;
@@ -89,7 +91,7 @@ void EngineScreen::pause() {
 }
 
 TmuxScreen::TmuxScreen(const std::string& command, const std::filesystem::path& folder)
-    : tmux("LC_ALL=C.UTF-8 tmux -L termcore-test-" + std::to_string(getpid()) + " -f /dev/null ") {
+    : tmux("LC_ALL=C.UTF-8 tmux -S " + (folder / "tmux").string() + std::to_string(++started) + " -f /dev/null ") {
     const std::filesystem::path script = folder / "start.sh";
     std::ofstream(script) << command << "\n";
     const std::string size = std::to_string(programCols) + " -y " + std::to_string(programRows);

@@ -47,9 +47,9 @@ const Program programs[] = {
     {"top", "top", "top -d 100 -w 80", {}, "Tasks:", {"PID USER"}},
     {"htop", "htop", "htop -d 100", {}, "F10", {"F10Quit"}},
     {"tmux", "tmux",
-        "tmux -L inner kill-server 2>/dev/null; "
-        "tmux -L inner -f /dev/null new-session \"PS1='> ' bash --norc --noprofile -i\" \\; set -g status off",
-        {{">", "tmux -L inner split-window -h \"PS1='second> ' bash --norc --noprofile -i\"\r"},
+        // A server of its own each time: one that is just ending would take the new session with it.
+        "tmux -S inner.$$ -f /dev/null new-session \"PS1='> ' bash --norc --noprofile -i\" \\; set -g status off",
+        {{">", "tmux split-window -h \"PS1='second> ' bash --norc --noprofile -i\"\r"},
             {"second>", "echo in the second\r"}},
         "│"},
 };
@@ -88,7 +88,10 @@ protected:
             "GIT_COMMITTER_DATE='2024-01-01 00:00:00' git -c user.name=n -c user.email=e commit -qm \"$i change\"; "
             "done");
     }
-    void TearDown() override { runShell("tmux -L inner kill-server 2>/dev/null"); }
+    void TearDown() override {
+        runShell(
+            "cd " + folder.path.string() + " && for each in inner.*; do tmux -S $each kill-server 2>/dev/null; done");
+    }
     std::string command() const {
         return "unset TMUX; cd " + folder.path.string() +
             " && export LANG=C.UTF-8 LC_ALL=C.UTF-8 HOME=" + folder.path.string() + "/home; " + GetParam().command;
