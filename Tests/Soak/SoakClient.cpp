@@ -184,6 +184,7 @@ private:
 
     // What is cached of each chat, and what is shown of it once it has been loaded.
     void beginReport(const QString& file) {
+        takeReturned();
         m_reportFile = file;
         m_shown = {};
         m_left.clear();
@@ -201,8 +202,7 @@ private:
             }
         }
         m_report = {{"cached"_L1, cached}, {"open"_L1, m_app.chat().activeChatId()},
-            {"atRest"_L1, toJson(m_app.chat().messages()->messages())}, {"composer"_L1, m_app.chat().currentInput()},
-            {"isConnected"_L1, m_app.chat().isConnected()}};
+            {"atRest"_L1, toJson(m_app.chat().messages()->messages())}, {"isConnected"_L1, m_app.chat().isConnected()}};
         m_app.chat().createChat();
         continueReport();
     }

@@ -315,7 +315,7 @@ def judge_stored(verdict, clients, stored):
         notes = client.notes()
         said = {kind: [n['text'] for n in notes if n['kind'] == kind] for kind in ('sent', 'returned', 'stopped')}
         asked = collections.Counter(q for chat in stored[client.email].values() for q, *_ in chat)
-        returned = set(said['returned']) | {t for t in client.composer.split('\n\n') if t}
+        returned = set(said['returned'])
         counts['sent'] = len(said['sent'])
         counts['stopped'] = len(said['stopped'])
         counts['returned'] = len(returned)
@@ -441,7 +441,6 @@ async def soak(options, folder):
         await rest(service, clients, 240)
         for client in clients:
             client.after = await client.report(folder / f'{client.short}-after.json')
-            client.composer = client.after['composer']
 
         stored = stored_chats(service)
         judge_stored(verdict, clients, stored)
