@@ -24,10 +24,11 @@ long long replayHorizon() {
 
 }
 
-AnswerEngine::AnswerEngine(asio::io_context& io, ChatStore& store, Provider& provider)
+AnswerEngine::AnswerEngine(asio::io_context& io, ChatStore& store, Provider& provider, ChatTitles& titles)
     : io_(io)
     , store_(store)
     , provider_(provider)
+    , titles_(titles)
     , storeTimer_(io)
     , expiryTimer_(io) {}
 
@@ -161,7 +162,10 @@ void AnswerEngine::perform(const SessionRow& session, const CreateFrame& frame) 
     draft.name = titleFor(frame.content);
     draft.mode = frame.mode;
     draft.projectId = frame.projectId;
-    begin(session, store_.addChat(draft), frame.content, true);
+    const ChatRow chat = store_.addChat(draft);
+    begin(session, chat, frame.content, true);
+    // At once: the client reads the list again when the answer has ended.
+    titles_.begin(chat, frame.content);
 }
 
 void AnswerEngine::perform(const SessionRow& session, const SendFrame& frame) {
@@ -315,6 +319,7 @@ void AnswerEngine::delivered(const Answer& answer) {
 // What has been removed
 
 void AnswerEngine::chatRemoved(const std::string& userId, long long chatId) {
+    titles_.cancel(chatId);
     for (auto entry = running_.begin(); entry != running_.end();) {
         const auto answer = entry->second.answer;
         if (answer->userId != userId || answer->chatId != chatId) {
@@ -345,6 +350,7 @@ void AnswerEngine::sessionRemoved(const std::string& sessionId) {
 }
 
 void AnswerEngine::userRemoved(const std::string& userId) {
+    titles_.cancelAll(userId);
     for (auto entry = running_.begin(); entry != running_.end();) {
         const bool own = entry->second.answer->userId == userId;
         if (own)
