@@ -103,6 +103,7 @@ void KorviApp::forgetConversations() {
 
 // The service knows the token no longer: the sign-in form says so.
 void KorviApp::tokenDied() {
+    m_chat.sessionEnded();
     if (m_auth.isAuthenticated())
         m_scope.start([this] { return m_auth.checkAuth(true); });
 }
