@@ -32,6 +32,7 @@ QtObject {
     readonly property color err:     dark ? "#ef7a73" : "#b93530" // error
     readonly property color errbg:   dark ? "#3a2322" : "#fdf0ef" // error background
     readonly property color accHover: dark ? "#62aaf3" : "#155fb0" // accent under the pointer
+    readonly property color errHover: dark ? "#f39089" : "#a02b27" // destructive action under the pointer
     readonly property color sideSel: dark ? "#2a2a28" : "#eeeeea" // selected row on the sidebar
     readonly property color hover:   dark ? "#0dffffff" : "#0a000000" // laid over what is under the pointer
     readonly property color selection: dark ? "#594a9cf0" : "#401a6dc8" // behind selected text
@@ -58,6 +59,7 @@ QtObject {
     readonly property int foldWidth: 720 // below it the sidebar folds away
     readonly property int readingWidth: 760
     readonly property int formWidth: 340
+    readonly property int dialogWidth: 400
     readonly property int headerHeight: px(48)
     readonly property int rowHeight: px(32)
     readonly property int fieldHeight: px(40)

@@ -1,0 +1,34 @@
+import QtQuick
+import QtQuick.Templates as T
+
+// A dialog of this module that is loaded when it is first asked for and forgotten when it is closed, so that a start
+// pays nothing for it. Its signals are heard through `Connections { target: onDemand.item }`.
+Item {
+    id: onDemand
+
+    required property url source
+    property T.Popup item: null
+
+    // While it is open, opening it again does nothing.
+    function open(properties: var): void {
+        if (item)
+            return
+        const component = Qt.createComponent(source)
+        if (component.status === Component.Error) {
+            console.warn(component.errorString())
+            return
+        }
+        item = component.createObject(onDemand, properties) as T.Popup
+        item.closed.connect(() => {
+            const closed = onDemand.item
+            onDemand.item = null
+            closed.destroy()
+        })
+        item.open()
+    }
+
+    function close(): void {
+        if (item)
+            item.close()
+    }
+}
