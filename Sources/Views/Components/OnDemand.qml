@@ -27,6 +27,13 @@ Item {
         item.open()
     }
 
+    function toggle(properties: var): void {
+        if (item)
+            close()
+        else
+            open(properties)
+    }
+
     function close(): void {
         if (item)
             item.close()

@@ -60,8 +60,14 @@ QtObject {
     readonly property int readingWidth: 760
     readonly property int formWidth: 340
     readonly property int dialogWidth: 400
+    readonly property int menuWidth: 220
+    readonly property int wideMenuWidth: 320 // menus whose rows have a title and a line under it
+    readonly property int pickerWidth: 360
+    readonly property int paletteWidth: 560
     readonly property int headerHeight: px(48)
     readonly property int rowHeight: px(32)
+    readonly property int chipHeight: px(28)
+    readonly property int tallRowHeight: px(48) // a title and a line under it
     readonly property int fieldHeight: px(40)
     readonly property int buttonHeight: px(36)
     readonly property int roundButton: px(32)

@@ -1,0 +1,92 @@
+import QtQuick
+
+// One chat in the sidebar: its name, and at the end how old it is, that its answer is still coming, or, under the
+// pointer, the button of its menu.
+BaseButton {
+    id: row
+
+    property var marks: []
+    property string age
+    property bool busy: false
+    property bool selected: false
+    property bool menuOpen: false // its own menu stands open
+
+    signal menuRequested(item: Item, x: real, y: real)
+
+    Accessible.description: busy ? "Ответ ещё идёт" : age
+    Accessible.role: Accessible.ListItem
+    Accessible.selected: selected
+    horizontalPadding: Theme.gap2
+    implicitHeight: Theme.rowHeight
+
+    background: Rectangle {
+        color: row.selected ? Theme.sideSel : row.down || row.hovered || row.menuOpen ? Theme.hover : "transparent"
+        radius: row.radius
+    }
+    contentItem: Item {
+        MarkedLabel {
+            id: label
+
+            anchors.left: parent.left
+            anchors.right: end.left
+            anchors.verticalCenter: parent.verticalCenter
+            marks: row.marks
+            plain: row.text
+        }
+        Item {
+            id: end
+
+            readonly property Item shown: menuButton.visible ? menuButton : dot.visible ? dot : ageLabel
+            readonly property bool empty: ageLabel.visible && row.age.length === 0
+
+            anchors.right: parent.right
+            height: parent.height
+            width: empty ? 0 : shown.width + Theme.gap2
+
+            Label {
+                id: ageLabel
+
+                anchors.right: parent.right
+                color: Theme.t3
+                font.pixelSize: Theme.fontSmall
+                text: row.age
+                visible: !menuButton.visible && !dot.visible
+                y: label.y + label.baselineOffset - baselineOffset
+            }
+            StreamingDot {
+                id: dot
+
+                anchors.right: parent.right
+                anchors.rightMargin: Theme.gap1
+                anchors.verticalCenter: parent.verticalCenter
+                objectName: "chatBusyMark"
+                visible: row.busy && !menuButton.visible
+                width: Theme.px(6)
+            }
+            IconButton {
+                id: menuButton
+
+                anchors.right: parent.right
+                anchors.rightMargin: -Theme.gap1
+                anchors.verticalCenter: parent.verticalCenter
+                focusPolicy: Qt.NoFocus
+                hint: ""
+                implicitHeight: Theme.px(24)
+                implicitWidth: Theme.px(24)
+                objectName: "chatMenuButton"
+                symbol: "ellipsis"
+                text: "Меню чата"
+                visible: row.hovered || row.menuOpen
+
+                onClicked: row.menuRequested(menuButton, 0, height)
+            }
+        }
+    }
+
+    TapHandler {
+        acceptedButtons: Qt.RightButton
+        gesturePolicy: TapHandler.WithinBounds
+
+        onTapped: eventPoint => row.menuRequested(row, eventPoint.position.x, eventPoint.position.y)
+    }
+}
