@@ -32,8 +32,9 @@ KorviApp::KorviApp(QObject* parent)
     , m_authentication(m_client)
     , m_users(m_client)
     , m_chatService({m_client, m_sockets, m_scheduler, m_random})
+    , m_cache(m_defaults, m_clock)
     , m_auth({m_client, m_authentication, m_users, m_scheduler, [this] { forgetConversations(); }})
-    , m_chat({m_chatService, m_scheduler, m_clock, m_random, m_notifications}) {
+    , m_chat({m_chatService, m_users, m_cache, m_defaults, m_scheduler, m_clock, m_random, m_notifications}) {
     connect(&m_auth, &AuthViewModel::isAuthenticatedChanged, this, &KorviApp::userChanged);
     connect(&m_notifications, &NotificationCenter::didReceiveUnauthorizedError, this, &KorviApp::tokenDied);
     connect(&m_appearance, &DesktopAppearance::changed, this, &KorviApp::applyAppearance);
@@ -63,9 +64,11 @@ void KorviApp::userChanged() {
     if (!m_auth.isAuthenticated())
         return;
     // What was typed before the token died is still there for the same user, and for nobody else.
-    if (m_auth.user()->id != m_userId)
+    if (m_auth.user()->id != m_userId) {
         forgetConversations();
-    m_userId = m_auth.user()->id;
+        m_userId = m_auth.user()->id;
+        m_chat.restore(m_userId);
+    }
     m_scope.start([this] { return m_chat.loadData(); });
 }
 

@@ -3,6 +3,7 @@
 #include "Backend/APIClient.h"
 #include "Backend/AuthenticationService.h"
 #include "Backend/UsersService.h"
+#include "Cache/DataCacheManager.h"
 #include "Chat/ChatService.h"
 #include "Chat/ChatViewModel.h"
 #include "DesktopAppearance.h"
@@ -55,6 +56,7 @@ private:
     AuthenticationService m_authentication;
     UsersService m_users;
     ChatService m_chatService;
+    DataCacheManager m_cache;
     AuthViewModel m_auth;
     ChatViewModel m_chat;
     DesktopAppearance m_appearance;

@@ -69,9 +69,9 @@ ListView {
         required age
         required marks
         required property int index
-        required property var model
+        required property bool isGenerating
 
-        busy: model.isGenerating === true
+        busy: isGenerating
         focusPolicy: Qt.NoFocus
         focusShown: list.activeFocus && ListView.isCurrentItem
         menuOpen: chatId === list.menuChatId
