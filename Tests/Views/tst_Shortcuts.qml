@@ -52,13 +52,13 @@ FocusScope {
         function test_bothKeyboards(data) {
             keyClick(data.latin, Qt.ControlModifier)
             compare(root.heard, [data.id])
-            keyClick(data.russian.charCodeAt(0), Qt.ControlModifier)
+            keyboard.click(root.Window.window, data.russian, Qt.ControlModifier)
             compare(root.heard, [data.id, data.id])
             compare(field.text, "")
         }
 
         function test_eachKeyMeansOneThing() {
-            const all = Shortcuts.registered().flatMap(row => Shortcuts.sequences(row.keys))
+            const all = [].concat(...Shortcuts.registered().map(row => Shortcuts.sequences(row.keys)))
             compare(new Set(all).size, all.length)
             compare(Shortcuts.registered().length, test_bothKeyboards_data().length)
         }

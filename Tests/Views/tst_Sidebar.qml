@@ -85,7 +85,7 @@ FocusScope {
 
         function names() {
             const found = []
-            for (let i = 0; i < list.count; ++i)
+            for (let i = 0; i < list.rows; ++i)
                 found.push(list.model.nameAt(i))
             return found
         }
@@ -107,7 +107,7 @@ FocusScope {
             verify(notice.visible)
             compare(notice.kind, "nothingFound")
             keyClick(Qt.Key_Escape)
-            compare(list.count, 40)
+            compare(list.rows, 40)
             verify(search.activeFocus)
         }
 
@@ -167,6 +167,7 @@ FocusScope {
             keyClick(Qt.Key_Escape)
             mouseMove(rowOn(2), 50, 10)
             const dots = findChild(rowOn(2), "chatMenuButton")
+            waitForRendering(sidebar)
             tryVerify(() => dots.visible)
             mouseClick(dots)
             compare(actions.menuChatId, 2)
@@ -229,7 +230,7 @@ FocusScope {
             mouseClick(findChild(sidebar, "settingsButton"))
             compare(root.heard, ["settings"])
             findChild(sidebar, "profileButton").forceActiveFocus(Qt.TabFocusReason)
-            keys([Qt.Key_Space, Qt.Key_Up, Qt.Key_Return])
+            keys([Qt.Key_Space, Qt.Key_Down, Qt.Key_Down, Qt.Key_Return])
             wait(0)
             compare(root.heard, ["settings", "logout"])
         }

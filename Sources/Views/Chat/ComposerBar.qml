@@ -70,9 +70,10 @@ Item {
         anchors.fill: left
         source: "qrc:/qt-project.org/imports/Korvi/Views/ModeMenu.qml"
     }
+    // Later: once the menu has given the keyboard back.
     Connections {
         function onChosen(mode) {
-            bar.modeChosen(mode)
+            Qt.callLater(bar.modeChosen, mode)
         }
 
         target: menu.item

@@ -8,6 +8,8 @@ T.Popup {
     required property var models // roles modelId, name, description, iconName, provider, isSelected; in group order
     readonly property real room: parent ? parent.Window.height - parent.mapToItem(null, 0, 0).y - y - Theme.gap2 : 0
 
+    property int selectedRow: 0
+
     signal chosen(modelId: string)
 
     function choose(row: Item): void {
@@ -24,6 +26,28 @@ T.Popup {
     objectName: "modelPicker"
     padding: Theme.gap1
     width: Math.min(implicitWidth, parent ? parent.Window.width - Theme.gap2 * 2 : implicitWidth)
+
+    onAboutToShow: {
+        list.currentIndex = selectedRow
+        list.positionViewAtIndex(selectedRow, ListView.Contain)
+    }
+
+    FocusReturn {
+        popup: picker
+    }
+    // Rows of the list exist only where they are seen.
+    Instantiator {
+        model: picker.models
+
+        // qmllint disable unqualified
+        delegate: QtObject {
+            required property bool isSelected
+            required property int index
+
+            Component.onCompleted: if (isSelected) picker.selectedRow = index
+        }
+        // qmllint enable unqualified
+    }
 
     background: Rectangle {
         border.color: Theme.line2
@@ -82,7 +106,6 @@ T.Popup {
                 title: row.name
             }
 
-            Component.onCompleted: if (isSelected) list.currentIndex = index
             onClicked: picker.choose(row)
         }
         // qmllint enable unqualified

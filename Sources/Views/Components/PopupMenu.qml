@@ -6,6 +6,10 @@ T.Menu {
 
     property int firstIndex: 0 // of the row that has the keyboard when the menu opens
 
+    readonly property FocusReturn focusReturn: FocusReturn {
+        popup: menu
+    }
+
     closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutsideParent // the button that opened it closes it
     implicitHeight: implicitContentHeight + topPadding + bottomPadding
     implicitWidth: Theme.px(Theme.menuWidth)

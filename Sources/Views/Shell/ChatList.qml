@@ -12,6 +12,7 @@ ListView {
     required property real activeChatId
     property string query
     property real menuChatId: -1 // whose menu stands open
+    readonly property int rows: filter.count // `count` follows it only with the next frame
 
     signal chosen(chatId: real)
     signal renameRequested(chatId: real, name: string)
@@ -29,18 +30,25 @@ ListView {
         positionViewAtIndex(row, ListView.Contain)
     }
 
-    function openFirst(): void {
-        if (count > 0)
-            chosen(filter.chatIdAt(0))
+    function open(row: int): void {
+        if (row >= 0 && row < rows)
+            chosen(filter.chatIdAt(row))
     }
 
-    function act(row: int, action: var): void {
-        if (row >= 0 && row < count)
-            action(filter.chatIdAt(row), filter.nameAt(row), filter.isFavoriteAt(row))
+    function ask(row: int, question: var): void {
+        if (row >= 0 && row < rows)
+            question(filter.chatIdAt(row), filter.nameAt(row))
+    }
+
+    function openMenu(): void {
+        const row = currentItem
+        if (row)
+            menuRequested(filter.chatIdAt(currentIndex), filter.nameAt(currentIndex), filter.isFavoriteAt(currentIndex),
+                row, Theme.gap2, row.height)
     }
 
     function move(to: int): void {
-        currentIndex = Math.max(0, Math.min(count - 1, to))
+        currentIndex = Math.max(0, Math.min(rows - 1, to))
     }
 
     Accessible.name: "Список чатов"
@@ -113,15 +121,15 @@ ListView {
         case Qt.Key_Return:
         case Qt.Key_Enter:
         case Qt.Key_Space:
-            return act(currentIndex, chosen)
+            return open(currentIndex)
         case Qt.Key_F2:
-            return act(currentIndex, renameRequested)
+            return ask(currentIndex, renameRequested)
         case Qt.Key_Delete:
-            return act(currentIndex, deleteRequested)
+            return ask(currentIndex, deleteRequested)
         case Qt.Key_Home:
             return move(0)
         case Qt.Key_End:
-            return move(count - 1)
+            return move(rows - 1)
         case Qt.Key_PageUp:
             return move(currentIndex - page)
         case Qt.Key_PageDown:
@@ -139,15 +147,9 @@ ListView {
             typed(event.text)
     }
 
-    function openMenu(): void {
-        const row = currentItem
-        if (row)
-            act(currentIndex, (id, name, favorite) => menuRequested(id, name, favorite, row, Theme.gap2, row.height))
-    }
-
     onActiveChatIdChanged: showActive()
     onActiveFocusChanged: {
-        if (activeFocus && currentIndex < 0 && count > 0)
+        if (activeFocus && currentIndex < 0 && rows > 0)
             currentIndex = Math.max(0, filter.rowOf(activeChatId))
     }
 
@@ -161,7 +163,7 @@ ListView {
     Timer {
         interval: 60000
         repeat: true
-        running: list.visible && list.count > 0 && list.Window.visibility !== Window.Hidden
+        running: list.visible && list.rows > 0 && list.Window.visibility !== Window.Hidden
             && list.Window.visibility !== Window.Minimized
         triggeredOnStart: true
 

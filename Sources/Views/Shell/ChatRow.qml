@@ -83,10 +83,10 @@ BaseButton {
         }
     }
 
-    TapHandler {
+    MouseArea {
         acceptedButtons: Qt.RightButton
-        gesturePolicy: TapHandler.WithinBounds
+        anchors.fill: parent
 
-        onTapped: eventPoint => row.menuRequested(row, eventPoint.position.x, eventPoint.position.y)
+        onPressed: mouse => row.menuRequested(row, mouse.x, mouse.y)
     }
 }

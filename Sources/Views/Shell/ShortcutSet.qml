@@ -8,14 +8,14 @@ Instantiator {
 
     signal activated(id: string)
 
-    model: Shortcuts.registered()
+    model: Shortcuts.registered().length
 
     delegate: Shortcut {
-        required property var modelData
+        required property int index
 
-        sequences: Shortcuts.sequences(modelData.keys)
+        sequences: Shortcuts.sequences(Shortcuts.registered()[index].keys)
 
-        onActivated: set.activated(modelData.id) // qmllint disable unqualified
-        onActivatedAmbiguously: set.activated(modelData.id) // qmllint disable unqualified
+        onActivated: set.activated(Shortcuts.registered()[index].id) // qmllint disable unqualified
+        onActivatedAmbiguously: set.activated(Shortcuts.registered()[index].id) // qmllint disable unqualified
     }
 }

@@ -43,12 +43,10 @@ const russian = {
 }
 
 function registered() {
-    return groups.flatMap(group => group.rows).filter(row => row.id)
+    return [].concat(...groups.map(group => group.rows)).filter(row => row.id)
 }
 
 function sequences(keys) {
-    return keys.flatMap(key => {
-        const last = key.slice(-1)
-        return last in russian ? [key, key.slice(0, -1) + russian[last]] : [key]
-    })
+    return keys.concat(keys.filter(key => key.slice(-1) in russian)
+        .map(key => key.slice(0, -1) + russian[key.slice(-1)]))
 }

@@ -87,13 +87,13 @@ FocusScope {
         x: Theme.gap2
 
         Keys.onDownPressed: {
-            if (list.count > 0) {
+            if (list.rows > 0) {
                 list.currentIndex = 0
                 list.forceActiveFocus(Qt.TabFocusReason)
             }
         }
-        Keys.onEnterPressed: if (length > 0) list.openFirst()
-        Keys.onReturnPressed: if (length > 0) list.openFirst()
+        Keys.onEnterPressed: if (length > 0) list.open(0)
+        Keys.onReturnPressed: if (length > 0) list.open(0)
     }
     ChatList {
         id: list
@@ -119,7 +119,7 @@ FocusScope {
     }
     ChatListNotice {
         anchors.fill: list
-        kind: list.count > 0 ? "" : search.length > 0 ? "nothingFound" : !sidebar.online ? "offline"
+        kind: list.rows > 0 ? "" : search.length > 0 ? "nothingFound" : !sidebar.online ? "offline"
             : sidebar.loading ? "loading" : "empty"
     }
     Rectangle {
