@@ -111,6 +111,28 @@ FocusScope {
             verify(search.activeFocus)
         }
 
+        function headings() {
+            list.forceLayout()
+            const texts = []
+            const items = list.contentItem.children
+            for (let i = 0; i < items.length; ++i) {
+                const item = items[i]
+                if (item.visible && item.objectName === "sectionHeading")
+                    texts.push(item.text)
+            }
+            return texts.sort()
+        }
+
+        function test_headingsFollowWhatIsShown() {
+            compare(headings(), ["Избранное", "Чаты"])
+            type("елка 11")
+            tryVerify(() => headings().join() === "Чаты")
+            search.clear()
+            tryVerify(() => headings().join() === "Избранное,Чаты")
+            type("план 0")
+            tryVerify(() => headings().includes("Избранное"))
+        }
+
         function test_fromTheSearchIntoTheListAndBack() {
             keys([Qt.Key_Down, Qt.Key_Down, Qt.Key_Return])
             compare(root.heard, ["open 1"])

@@ -32,6 +32,7 @@ Item {
 
             Accessible.role: Accessible.ButtonMenu
             anchors.verticalCenter: parent.verticalCenter
+            hint: menu.item ? "" : text
             objectName: "modeButton"
             symbol: "slider"
             text: "Режимы"
@@ -58,7 +59,7 @@ Item {
             closeText: "Не изменять изображение"
             objectName: "editImageChip"
             symbol: "photo"
-            text: "Изменение изображения"
+            text: "Правка"
             visible: bar.editingImage
 
             onClosed: bar.editingImageCancelled()

@@ -9,10 +9,10 @@ BaseButton {
 
     Accessible.name: "Модель: %1".arg(text)
     Accessible.role: Accessible.ButtonMenu
-    hint: "Выбрать модель (Ctrl+M)"
+    hint: open ? "" : "Выбрать модель (Ctrl+M)"
     horizontalPadding: Theme.gap2
     implicitHeight: Theme.rowHeight
-    implicitWidth: Math.ceil(label.implicitWidth) + Theme.gap2 + chevron.width + leftPadding + rightPadding
+    implicitWidth: Math.ceil(label.implicitWidth) + Theme.gap1 + chevron.width + leftPadding + rightPadding
     objectName: "modelButton"
 
     background: Rectangle {
@@ -25,7 +25,7 @@ BaseButton {
 
             anchors.left: parent.left
             anchors.right: chevron.left
-            anchors.rightMargin: Theme.gap2
+            anchors.rightMargin: Theme.gap1
             anchors.verticalCenter: parent.verticalCenter
             elide: Text.ElideRight
             font.weight: Font.DemiBold

@@ -90,13 +90,13 @@ T.Popup {
             Accessible.selected: isSelected
             focusPolicy: Qt.NoFocus
             horizontalPadding: Theme.gap2
-            implicitHeight: Theme.tallRowHeight
+            implicitHeight: Math.max(Theme.tallRowHeight, implicitContentHeight + Theme.gap2 * 2)
             objectName: "model." + modelId
             text: name
             width: list.width
 
             background: Rectangle {
-                color: row.ListView.isCurrentItem || row.hovered ? Theme.sunk : "transparent"
+                color: row.ListView.isCurrentItem ? Theme.pick : row.hovered ? Theme.hover : "transparent"
                 radius: row.radius
             }
             contentItem: TitledRow {
@@ -108,10 +108,8 @@ T.Popup {
 
             onClicked: picker.choose(row)
         }
-        // qmllint enable unqualified
+        // As in every list: a required property would keep the name of a former section.
         section.delegate: Label {
-            required property string section
-
             Accessible.role: Accessible.Heading
             bottomPadding: Theme.gap1
             color: Theme.t3
@@ -122,6 +120,7 @@ T.Popup {
             text: section
             verticalAlignment: Text.AlignBottom
         }
+        // qmllint enable unqualified
 
         Keys.onEnterPressed: picker.choose(currentItem)
         Keys.onPressed: event => {

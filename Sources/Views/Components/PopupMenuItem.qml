@@ -20,7 +20,7 @@ T.MenuItem {
     rightPadding: Theme.gap2
 
     background: Rectangle {
-        color: item.highlighted || item.hovered ? item.destructive ? Theme.errbg : Theme.sunk : "transparent"
+        color: item.highlighted || item.hovered ? item.destructive ? Theme.errbg : Theme.pick : "transparent"
         radius: Theme.radiusRow
     }
     contentItem: Item {

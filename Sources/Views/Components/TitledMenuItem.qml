@@ -19,7 +19,7 @@ T.MenuItem {
     rightPadding: Theme.gap2
 
     background: Rectangle {
-        color: item.highlighted || item.hovered ? Theme.sunk : "transparent"
+        color: item.highlighted || item.hovered ? Theme.pick : "transparent"
         radius: Theme.radiusRow
     }
     contentItem: TitledRow {

@@ -44,8 +44,10 @@ Item {
             elide: Text.ElideRight
             font.pixelSize: Theme.fontSmall
             lineHeight: Theme.px(16)
+            maximumLineCount: 2
             text: row.subtitle
             width: parent.width
+            wrapMode: Text.Wrap
         }
     }
     Symbol {

@@ -34,6 +34,7 @@ QtObject {
     readonly property color accHover: dark ? "#62aaf3" : "#155fb0" // accent under the pointer
     readonly property color errHover: dark ? "#f39089" : "#a02b27" // destructive action under the pointer
     readonly property color sideSel: dark ? "#2a2a28" : "#eeeeea" // selected row on the sidebar
+    readonly property color pick:    dark ? "#343432" : "#f0f0ec" // row of a menu that the keyboard or pointer is on
     readonly property color hover:   dark ? "#0dffffff" : "#0a000000" // laid over what is under the pointer
     readonly property color selection: dark ? "#594a9cf0" : "#401a6dc8" // behind selected text
     readonly property color halo:    dark ? "#404a9cf0" : "#211a6dc8" // around what has the focus
@@ -62,7 +63,7 @@ QtObject {
     readonly property int dialogWidth: 400
     readonly property int menuWidth: 220
     readonly property int wideMenuWidth: 320 // menus whose rows have a title and a line under it
-    readonly property int pickerWidth: 360
+    readonly property int pickerWidth: 380
     readonly property int paletteWidth: 560
     readonly property int headerHeight: px(48)
     readonly property int rowHeight: px(32)

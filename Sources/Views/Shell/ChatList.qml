@@ -98,19 +98,20 @@ ListView {
             list.menuRequested(chatId, name, isFavorite, item, x, y)
         }
     }
-    // qmllint enable unqualified
+    // The list gives a used label to another section through its context alone: a required property would keep the
+    // former name.
     section.delegate: Label {
-        required property string section
-
         color: Theme.t3
         font.pixelSize: Theme.fontSmall
         font.weight: Font.DemiBold
         height: Theme.px(40)
         leftPadding: Theme.gap4
+        objectName: "sectionHeading"
         bottomPadding: Theme.gap1
         text: section === "true" ? "Избранное" : "Чаты"
         verticalAlignment: Text.AlignBottom
     }
+    // qmllint enable unqualified
 
     Keys.onPressed: event => {
         const shift = event.modifiers & Qt.ShiftModifier

@@ -71,7 +71,9 @@ FocusScope {
             focus: true
             initials: home.auth.initials
             menuChatId: chatActions.menuChatId
-            online: home.chat.connectionStatus !== "Failed"
+            // The chats come before the line is up.
+            loading: home.chat.connectionStatus === "Connecting..."
+            online: loading || home.chat.isConnected
 
             onChatChosen: chatId => home.openChat(chatId)
             onDeleteRequested: (chatId, name) => chatActions.askDeletion(chatId, name)

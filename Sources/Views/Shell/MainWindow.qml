@@ -17,7 +17,7 @@ Window {
     height: 800
     minimumHeight: 480
     minimumWidth: 420
-    title: "Korvi"
+    title: chat.activeChatName.length > 0 ? "%1 — Korvi".arg(chat.activeChatName) : "Korvi"
     visible: true
     width: 1200
 

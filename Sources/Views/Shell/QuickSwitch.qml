@@ -116,6 +116,7 @@ Sheet {
             anchors.right: parent.right
             anchors.top: top.bottom
             bottomMargin: Theme.gap2
+            cacheBuffer: 0
             boundsBehavior: Flickable.StopAtBounds
             clip: true
             highlightMoveDuration: 0

@@ -24,7 +24,7 @@ Sheet {
         Column {
             id: column
 
-            width: scroller.width - Theme.gap2
+            width: scroller.width - (scroller.contentHeight > scroller.height ? Theme.gap4 : 0)
 
             Label {
                 Accessible.role: Accessible.Heading
