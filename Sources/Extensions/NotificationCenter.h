@@ -18,6 +18,9 @@ signals:
     void didCompleteAIResponse();
     // A chat has been created inside a project.
     void projectChatCreated(qint64 chatId);
+    // The machine has a network again, or none any more.
+    void networkDidBecomeAvailable();
+    void networkDidBecomeUnavailable();
 };
 
 }
