@@ -1,7 +1,11 @@
 #include "KorviApp.h"
 
+#include "SingleInstance.h"
+
 #include <QCoreApplication>
+#include <QDesktopServices>
 #include <QStandardPaths>
+#include <QWindow>
 
 namespace Korvi {
 
@@ -31,12 +35,15 @@ KorviApp::KorviApp(QObject* parent)
     , m_client({m_http, m_tokens, m_defaults, m_notifications, m_scheduler}, m_info)
     , m_authentication(m_client)
     , m_users(m_client)
+    , m_browser(QDesktopServices::openUrl, m_random)
+    , m_social({m_browser, m_random}, SocialAuthConfiguration::fromInfo(m_info), m_client.baseURL())
     , m_chatService({m_client, m_sockets, m_scheduler, m_random})
-    , m_auth({m_client, m_authentication, m_users, m_scheduler, [this] { forgetConversations(); }})
+    , m_auth({m_client, m_authentication, m_users, m_social, m_scheduler, [this] { forgetConversations(); }})
     , m_chat({m_chatService, m_scheduler, m_clock, m_random, m_notifications}) {
     connect(&m_auth, &AuthViewModel::isAuthenticatedChanged, this, &KorviApp::userChanged);
     connect(&m_notifications, &NotificationCenter::didReceiveUnauthorizedError, this, &KorviApp::tokenDied);
     connect(&m_appearance, &DesktopAppearance::changed, this, &KorviApp::applyAppearance);
+    m_browser.onReturned = [this] { raiseWindow(); };
 }
 
 bool KorviApp::start() {
@@ -55,6 +62,21 @@ bool KorviApp::start() {
     };
     m_auth.start();
     return true;
+}
+
+void KorviApp::follow(const SingleInstance& instance) {
+    connect(&instance, &SingleInstance::activated, this, &KorviApp::raiseWindow);
+    connect(&instance, &SingleInstance::urlOpened, this, [this](const QUrl& url) { m_browser.take(url); });
+}
+
+void KorviApp::raiseWindow() {
+    auto* shown = qobject_cast<QWindow*>(window());
+    if (!shown)
+        return;
+    shown->setWindowStates(shown->windowStates() & ~Qt::WindowMinimized);
+    shown->show();
+    shown->raise();
+    shown->requestActivate();
 }
 
 void KorviApp::userChanged() {

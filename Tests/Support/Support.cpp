@@ -3,6 +3,7 @@
 #include "FakeKeychain.h"
 #include "FakeRandom.h"
 #include "FakeSocket.h"
+#include "FakeWebAuthentication.h"
 #include "LogCapture.h"
 #include "Printing.h"
 #include "Running.h"
