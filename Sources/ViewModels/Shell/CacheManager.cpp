@@ -27,12 +27,12 @@ void CacheManager::clearAll() {
 QString CacheManager::formattedSize(qint64 bytes) {
     if (bytes == 0)
         return u"0 байт"_s;
-    const auto text = [](double value, QStringView unit) { return QString::number(value, 'f', 1) + u' ' + unit; };
+    const auto text = [](double value, const QString& unit) { return QString::number(value, 'f', 1) + u' ' + unit; };
     const double kilobytes = static_cast<double>(bytes) / 1024;
     if (kilobytes < 1024)
-        return text(kilobytes, u"КБ");
+        return text(kilobytes, u"КБ"_s);
     const double megabytes = kilobytes / 1024;
-    return megabytes < 1024 ? text(megabytes, u"МБ") : text(megabytes / 1024, u"ГБ");
+    return megabytes < 1024 ? text(megabytes, u"МБ"_s) : text(megabytes / 1024, u"ГБ"_s);
 }
 
 qint64 CacheManager::totalSize() const {

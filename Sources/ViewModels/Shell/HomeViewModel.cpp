@@ -83,7 +83,7 @@ void HomeViewModel::openPendingChat() {
     if (!m_dependencies.auth.isAuthenticated())
         return;
     if (const std::optional<qint64> chatId = m_dependencies.deepLinks.take())
-        m_dependencies.chat.navigateToChat(*chatId);
+        m_dependencies.chat.selectChat(*chatId);
 }
 
 }

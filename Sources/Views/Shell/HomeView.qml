@@ -7,6 +7,8 @@ FocusScope {
     required property AuthViewModel auth
     required property ChatViewModel chat
 
+    signal settingsRequested
+
     function startChat(): void {
         layout.close()
         chat.createChat()
@@ -58,6 +60,10 @@ FocusScope {
             }
             onLogout: home.auth.logout()
             onNewChat: home.startChat()
+            onSettingsRequested: {
+                layout.close()
+                home.settingsRequested()
+            }
         }
 
         ConversationView {

@@ -8,6 +8,7 @@ BaseButton {
     required property string initials
 
     signal logout
+    signal settingsRequested
 
     Accessible.name: "Профиль: %1".arg(displayName)
     Accessible.role: Accessible.ButtonMenu
@@ -80,6 +81,13 @@ BaseButton {
 
         y: -implicitHeight - Theme.gap1
 
+        PopupMenuItem {
+            objectName: "settingsItem"
+            symbol: "gear"
+            text: "Настройки"
+
+            onTriggered: row.settingsRequested()
+        }
         PopupMenuItem {
             objectName: "logoutItem"
             symbol: "rectangle.portrait.and.arrow.right"

@@ -11,6 +11,7 @@ FocusScope {
     signal newChat
     signal chatChosen(chatId: real)
     signal logout
+    signal settingsRequested
 
     Accessible.name: "Чаты"
     Accessible.role: Accessible.Pane
@@ -86,5 +87,6 @@ FocusScope {
         x: Theme.gap2
 
         onLogout: sidebar.logout()
+        onSettingsRequested: sidebar.settingsRequested()
     }
 }
