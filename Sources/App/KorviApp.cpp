@@ -37,8 +37,9 @@ KorviApp::KorviApp(QObject* parent)
     , m_browser(QDesktopServices::openUrl, m_random)
     , m_social({m_browser, m_random}, SocialAuthConfiguration::fromInfo(m_info), m_client.baseURL())
     , m_chatService({m_client, m_sockets, m_scheduler, m_random})
+    , m_cache(m_defaults, m_clock)
     , m_auth({m_client, m_authentication, m_users, m_social, m_scheduler, [this] { m_home.forgetConversations(); }})
-    , m_chat({m_chatService, m_scheduler, m_clock, m_random, m_notifications})
+    , m_chat({m_chatService, m_users, m_cache, m_defaults, m_scheduler, m_clock, m_random, m_notifications})
     , m_paths(QUrl(m_client.baseURL()))
     , m_network(m_paths, m_notifications)
     , m_consent(m_defaults)
@@ -47,7 +48,9 @@ KorviApp::KorviApp(QObject* parent)
     , m_reviews(m_defaults, m_info, m_clock, m_scheduler)
     , m_activation(m_auth, m_reviews, m_clock)
     , m_theme(m_defaults)
-    , m_caches({})
+    , m_caches({
+          {CacheManager::Kind::data, [this] { return m_cache.diskCacheSize(); }, [this] { m_cache.clearAll(); }},
+      })
     , m_about(m_info)
     , m_scenes({m_auth, m_chat, m_home, m_consent, m_onboarding, m_theme, m_caches, m_about}) {
     connect(&m_notifications, &NotificationCenter::didReceiveUnauthorizedError, this, &KorviApp::tokenDied);

@@ -3,6 +3,7 @@
 #include "Backend/APIClient.h"
 #include "Backend/AuthenticationService.h"
 #include "Backend/UsersService.h"
+#include "Cache/DataCacheManager.h"
 #include "Chat/ChatService.h"
 #include "Chat/ChatViewModel.h"
 #include "DesktopAppearance.h"
@@ -73,6 +74,7 @@ private:
     BrowserAuthentication m_browser;
     SocialAuthService m_social;
     ChatService m_chatService;
+    DataCacheManager m_cache;
     AuthViewModel m_auth;
     ChatViewModel m_chat;
     RoutePathMonitor m_paths;

@@ -144,6 +144,41 @@ void Defaults::remove(const QString& key) {
     write(key, std::nullopt);
 }
 
+void Defaults::removeAll(const QString& prefix) {
+    for (const QString& key : sizes(prefix).keys())
+        remove(key);
+}
+
+qint64 Defaults::size(const QString& prefix) const {
+    qint64 sum = 0;
+    for (const qint64 size : sizes(prefix))
+        sum += size;
+    return sum;
+}
+
+QHash<QString, qint64> Defaults::sizes(const QString& prefix) const {
+    QHash<QString, qint64> sizes;
+    if (m_database) {
+        QSqlQuery query(*m_database);
+        query.setForwardOnly(true);
+        query.prepare(u"SELECT key, length(value) FROM defaults WHERE substr(key, 1, ?) = ?"_s);
+        query.addBindValue(prefix.size());
+        query.addBindValue(prefix);
+        query.exec();
+        while (query.next())
+            sizes.insert(query.value(0).toString(), query.value(1).toLongLong());
+    }
+    for (auto it = m_unsaved.begin(); it != m_unsaved.end(); ++it) {
+        if (!it.key().startsWith(prefix))
+            continue;
+        if (it.value())
+            sizes.insert(it.key(), it.value()->size());
+        else
+            sizes.remove(it.key());
+    }
+    return sizes;
+}
+
 void Defaults::write(const QString& key, std::optional<QByteArray> value) {
     const QString before = problem();
     m_unsaved.insert(key, std::move(value));

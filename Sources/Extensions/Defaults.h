@@ -34,6 +34,10 @@ public:
     void setInteger(const QString& key, qint64 value);
     void remove(const QString& key);
 
+    // Of all keys that begin with `prefix`.
+    void removeAll(const QString& prefix);
+    qint64 size(const QString& prefix) const; // bytes of their values
+
     // Empty when all is well: that values are not saved, as long as they are not, or that a file was moved aside.
     QString problem() const { return m_notSaved.isEmpty() ? m_movedAside : m_notSaved; }
     std::function<void()> onProblemChanged; // one listener; may be empty
@@ -45,6 +49,7 @@ private:
     void close();
     void moveAside();
     void notSaved(const QString& reason);
+    QHash<QString, qint64> sizes(const QString& prefix) const;
     void write(const QString& key, std::optional<QByteArray> value);
     void save();
     bool writeRow(const QString& key, const std::optional<QByteArray>& value);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Chat.h"
+
 #include <QObject>
 
 namespace Korvi {
@@ -17,7 +19,11 @@ signals:
     // An answer has come to its end.
     void didCompleteAIResponse();
     // A chat has been created inside a project.
-    void projectChatCreated(qint64 chatId);
+    void projectChatCreated(const Korvi::Chat& chat);
+    // A chat has been deleted, inside a project or not.
+    void projectChatDeleted(qint64 chatId);
+    // Another organization, or none, is the current one: what was loaded belongs to the former.
+    void organizationDidChange();
     // The machine has a network again, or none any more.
     void networkDidBecomeAvailable();
     void networkDidBecomeUnavailable();

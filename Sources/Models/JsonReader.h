@@ -88,6 +88,18 @@ T decodeJson(const QByteArray& bytes) {
     return T::fromJson(JsonReader(document.object()));
 }
 
+// The same for a document that is an array.
+template <class T>
+std::vector<T> decodeJsonArray(const QByteArray& bytes) {
+    QJsonParseError error;
+    const QJsonDocument document = QJsonDocument::fromJson(bytes, &error);
+    if (error.error != QJsonParseError::NoError)
+        throw DecodingError(QStringLiteral("(document)"), error.errorString());
+    if (!document.isArray())
+        throw DecodingError(QStringLiteral("(document)"), QStringLiteral("an array is required"));
+    return JsonReader::arrayOf<T>(document.array());
+}
+
 // Writes an optional member only when it is there.
 template <class T>
 void insertIfPresent(QJsonObject& object, QLatin1String key, const std::optional<T>& value) {

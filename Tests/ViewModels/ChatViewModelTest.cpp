@@ -1,5 +1,7 @@
 #include "Chat/ChatViewModel.h"
 #include "Backend.h"
+#include "Backend/UsersService.h"
+#include "Cache/DataCacheManager.h"
 #include "Chat/ChatService.h"
 #include "FakeRandom.h"
 #include "FakeSocket.h"
@@ -21,7 +23,6 @@ protected:
     ChatViewModelTest() {
         signIn("tok");
         http.answer(u"/sockets/ticket"_s, R"({"ticket":"t"})");
-        http.answer(u"/chats"_s, R"({"data":[]})");
         chat.connectToService();
         service.accept();
     }
@@ -66,7 +67,9 @@ protected:
     FakeRandom random;
     FakeWebSocketTransport service;
     ChatService chatService{{client, service, virtualTime, random}};
-    ChatViewModel chat{{chatService, virtualTime, virtualTime, random, notifications}};
+    UsersService users{client};
+    DataCacheManager cache{defaults, virtualTime};
+    ChatViewModel chat{{chatService, users, cache, defaults, virtualTime, virtualTime, random, notifications}};
 };
 
 TEST_F(ChatViewModelTest, AQuestionStandsAtOnceAndItsAnswerGrowsBehindIt) {

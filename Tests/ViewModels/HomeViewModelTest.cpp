@@ -2,6 +2,7 @@
 #include "Backend.h"
 #include "Backend/AuthenticationService.h"
 #include "Backend/UsersService.h"
+#include "Cache/DataCacheManager.h"
 #include "Chat/ChatService.h"
 #include "Chat/ChatViewModel.h"
 #include "FakeRandom.h"
@@ -50,7 +51,8 @@ protected:
     SocialAuthService social{{web, random}, SocialAuthConfiguration::fromInfo(Info()), client.baseURL()};
     ChatService chatService{{client, sockets, virtualTime, random}};
     AuthViewModel auth{{client, authentication, users, social, virtualTime, [this] { home.forgetConversations(); }}};
-    ChatViewModel chat{{chatService, virtualTime, virtualTime, random, notifications}};
+    DataCacheManager cache{defaults, virtualTime};
+    ChatViewModel chat{{chatService, users, cache, defaults, virtualTime, virtualTime, random, notifications}};
     DeepLinkHandler deepLinks;
     Onboarding onboarding{defaults, [this] { return auth.isAuthenticated(); }};
     HomeViewModel home{{auth, chat, chatService, notifications, deepLinks, onboarding}};
@@ -64,7 +66,7 @@ TEST_F(HomeTest, TheMainScreenLoadsItsDataThenShowsTheGuide) {
     http.open(u"/chats"_s).answer(R"({"data":[]})");
     EXPECT_EQ(home.bootstrap().state(), ChatBootstrap::State::finished);
     EXPECT_EQ(onboarding.kind(), KorviOnboardingKind::app);
-    EXPECT_EQ(userRequests(), 1);
+    EXPECT_EQ(userRequests(), 2); // the check's and the load's
 }
 
 TEST_F(HomeTest, AReturningNetworkBringsTheUserBackWithoutANewSignIn) {
@@ -95,7 +97,7 @@ TEST_F(HomeTest, AReturningNetworkLoadsAnewOnTheMainScreenOnly) {
     networkReturns();
     EXPECT_EQ(chatLoads(), 2);
     EXPECT_EQ(sockets.count(), 2U) << "the socket is built anew";
-    EXPECT_EQ(userRequests(), 1);
+    const qsizetype askedForTheUser = userRequests();
 
     http.hold(u"/chats"_s);
     networkReturns();
@@ -106,7 +108,7 @@ TEST_F(HomeTest, AReturningNetworkLoadsAnewOnTheMainScreenOnly) {
     EXPECT_EQ(home.bootstrap().state(), ChatBootstrap::State::idle);
     networkReturns();
     EXPECT_EQ(chatLoads(), 3);
-    EXPECT_EQ(userRequests(), 1) << "the sign-in form waits for the user, not for the network";
+    EXPECT_EQ(userRequests(), askedForTheUser + 1) << "the sign-in form waits for the user, not for the network";
 }
 
 TEST_F(HomeTest, AChatAskedForFromOutsideOpensAtOnceOrWithTheMainScreen) {
@@ -147,14 +149,17 @@ TEST_F(HomeTest, ComingToTheFrontRefreshesTheUserButNotRightAfterTheStart) {
     auth.start();
     activation.becameActive(); // while the first check runs
     EXPECT_EQ(userRequests(), 1);
+    http.answer(u"/user"_s, userNamed("u1"));
     http.open(u"/user"_s).answer(userNamed("u1"));
+    const qsizetype atStart = userRequests();
     activation.becameActive(); // a window that comes up late
-    EXPECT_EQ(userRequests(), 1);
+    EXPECT_EQ(userRequests(), atStart);
     virtualTime.advance(10s);
+    http.hold(u"/user"_s);
     activation.becameActive();
-    EXPECT_EQ(userRequests(), 2);
+    EXPECT_EQ(userRequests(), atStart + 1);
     activation.becameActive(); // the first answer is not there yet
-    EXPECT_EQ(userRequests(), 3);
+    EXPECT_EQ(userRequests(), atStart + 2);
     EXPECT_TRUE(http.at(http.count() - 2).isCancelled);
     http.last().fail(URLError::Code::timedOut);
     EXPECT_TRUE(auth.isAuthenticated());

@@ -6,6 +6,8 @@
 
 #include <gmock/gmock.h>
 
+#include <random>
+
 namespace Korvi::Test {
 namespace {
 
@@ -31,6 +33,10 @@ public:
         };
         QObject::connect(&model, &QAbstractItemModel::rowsInserted, &m_context, range(u"insert"_s));
         QObject::connect(&model, &QAbstractItemModel::rowsRemoved, &m_context, range(u"remove"_s));
+        QObject::connect(&model, &QAbstractItemModel::rowsMoved, &m_context,
+            [this](const QModelIndex&, int from, int, const QModelIndex&, int before) {
+                lines.append(u"move %1 to before %2"_s.arg(from).arg(before));
+            });
         QObject::connect(&model, &QAbstractItemModel::dataChanged, &m_context,
             [this](const QModelIndex& first, const QModelIndex& last) {
                 lines.append(u"change %1-%2"_s.arg(first.row()).arg(last.row()));
@@ -91,7 +97,38 @@ TEST(ChatListModel, FavouritesStandFirstThenTheMostRecent) {
     EXPECT_THAT(ids(), ElementsAre(3, 2, 4, 1));
     model.upsert(chat(1, u"2026-01-04"_s)); // known: moves, is not doubled
     EXPECT_THAT(ids(), ElementsAre(3, 1, 2, 4));
-    EXPECT_THAT(changes.lines, ElementsAre(u"reset"_s, u"insert 2-2"_s, u"remove 3-3"_s, u"insert 1-1"_s));
+    EXPECT_THAT(changes.lines, ElementsAre(u"reset"_s, u"insert 2-2"_s, u"move 3 to before 1"_s, u"change 1-1"_s));
+    model.upsert(chat(3, u"2024-01-01"_s)); // a favourite no longer
+    EXPECT_THAT(ids(), ElementsAre(1, 2, 4, 3));
+
+    changes.lines.clear();
+    model.setChats(
+        {chat(1, u"2026-01-04"_s), chat(2, u"2026-01-05"_s), chat(5, u"2026-01-01"_s), chat(3, u"2024-01-01"_s)});
+    EXPECT_THAT(ids(), ElementsAre(2, 1, 5, 3));
+    EXPECT_THAT(changes.lines, ElementsAre(u"remove 2-2"_s, u"move 1 to before 0"_s, u"change 0-0"_s, u"insert 2-2"_s));
+    model.setGenerating({1, 3});
+    changes.lines.clear();
+    model.setGenerating({3});
+    EXPECT_THAT(changes.lines, ElementsAre(u"change 1-1"_s));
+    EXPECT_TRUE(model.data(model.index(3), ChatListModel::IsGeneratingRole).toBool());
+}
+
+// Any list becomes any other, doubles included, and views that follow the announcements agree (the tester checks).
+TEST(ChatListModel, BecomesAnyOtherList) {
+    std::mt19937 chance(1); // NOLINT: repeatable
+    ChatListModel model;
+    const Changes changes(model);
+    for (int round = 0; round < 300; ++round) {
+        std::vector<Chat> next;
+        const auto size = chance() % 12;
+        for (auto i = size; i > 0; --i)
+            next.push_back(chat(static_cast<qint64>(chance() % 15), QString::number(chance() % 9), chance() % 4 == 0));
+        model.setChats(next);
+        std::stable_sort(next.begin(), next.end(), [](const Chat& a, const Chat& b) {
+            return std::pair(!*a.isFavorite, b.updatedAt) < std::pair(!*b.isFavorite, a.updatedAt);
+        });
+        ASSERT_EQ(model.chats(), next) << round;
+    }
 }
 
 }

@@ -35,6 +35,13 @@ public:
         co_return decode<T>(bytes);
     }
 
+    // For an answer that is an array of T.
+    template <class T>
+    Task<std::vector<T>> requestArray(QString path) {
+        const QByteArray bytes = co_await perform(std::move(path), "GET", std::nullopt, Form::json);
+        co_return decodeArray<T>(bytes);
+    }
+
     // For answers that are not JSON, or are not decoded here.
     Task<QByteArray> requestData(
         QString path, QByteArray method = "GET", std::optional<QJsonObject> body = std::nullopt);
@@ -58,6 +65,15 @@ private:
     static T decode(const QByteArray& bytes) {
         try {
             return decodeJson<T>(bytes);
+        } catch (const DecodingError& error) {
+            throw APIError::decodingError(error);
+        }
+    }
+
+    template <class T>
+    static std::vector<T> decodeArray(const QByteArray& bytes) {
+        try {
+            return decodeJsonArray<T>(bytes);
         } catch (const DecodingError& error) {
             throw APIError::decodingError(error);
         }

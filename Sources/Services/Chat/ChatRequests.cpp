@@ -2,8 +2,8 @@
 #include "Backend/APIClient.h"
 #include "ChatService.h"
 
-#include <QJsonDocument>
 #include <QLoggingCategory>
+#include <QUrl>
 
 namespace Korvi {
 
@@ -13,11 +13,8 @@ Q_LOGGING_CATEGORY(lcChatRequests, "korvi.chat.requests", QtInfoMsg)
 
 namespace {
 
-std::vector<ChatMessage> decodeMessages(const QByteArray& bytes) {
-    const QJsonDocument document = QJsonDocument::fromJson(bytes);
-    // The list comes wrapped or bare.
-    return document.isArray() ? JsonReader::arrayOf<ChatMessage>(document.array())
-                              : decodeJson<MessageListResponse>(bytes).data;
+QString pathOf(qint64 chatId, const QString& rest = {}) {
+    return u"/chats/"_s + QString::number(chatId) + rest;
 }
 
 }
@@ -27,17 +24,44 @@ Task<std::vector<Chat>> ChatService::getChats() {
     co_return std::move(response.data);
 }
 
+// The list comes wrapped or bare; which of them is only known when it has come.
 Task<std::vector<ChatMessage>> ChatService::getMessages(qint64 chatId) {
-    const QString path = u"/chats/%1/messages"_s.arg(chatId);
+    const QString path = pathOf(chatId, u"/messages"_s);
     const QByteArray bytes = co_await m_dependencies.client.requestData(path);
     try {
-        std::vector<ChatMessage> messages = decodeMessages(bytes);
-        qCInfo(lcChatRequests) << "📥 [ChatService] Decoded" << messages.size() << "messages";
-        co_return messages;
+        MessageListResponse response = decodeJson<MessageListResponse>(bytes);
+        qCInfo(lcChatRequests) << "📥 [ChatService] Decoded" << response.data.size() << "messages";
+        co_return std::move(response.data);
     } catch (const DecodingError& error) {
         qCWarning(lcChatRequests).noquote() << "❌ [ChatService] Error getting messages:" << error.what();
-        throw APIError::decodingError(error);
     }
+    std::vector<ChatMessage> messages = co_await m_dependencies.client.requestArray<ChatMessage>(path);
+    co_return std::move(messages);
+}
+
+Task<Chat> ChatService::renameChat(qint64 chatId, QString name) {
+    const QJsonObject body{{"name"_L1, name}};
+    Chat chat = co_await m_dependencies.client.request<Chat>(pathOf(chatId), "PATCH", body);
+    co_return std::move(chat);
+}
+
+Task<Chat> ChatService::setFavorite(qint64 chatId, bool isFavorite) {
+    const QString path = pathOf(chatId, isFavorite ? u"/favorite?isFavorite=true"_s : u"/favorite?isFavorite=false"_s);
+    Chat chat = co_await m_dependencies.client.request<Chat>(path, "PUT");
+    co_return std::move(chat);
+}
+
+// That the answer is a success is all that counts.
+Task<void> ChatService::deleteChat(qint64 chatId) {
+    co_await m_dependencies.client.request<EmptyResponse>(pathOf(chatId), "DELETE");
+}
+
+Task<QByteArray> ChatService::downloadArtifactPDF(qint64 chatId, QString artifactId, qint64 version) {
+    const QString path = pathOf(chatId,
+        u"/artifacts/"_s + QString::fromLatin1(QUrl::toPercentEncoding(artifactId)) + u'/' + QString::number(version) +
+            u"/pdf"_s);
+    QByteArray bytes = co_await m_dependencies.client.requestData(path);
+    co_return std::move(bytes);
 }
 
 }

@@ -60,6 +60,10 @@ public:
     // These fail with APIError or URLError.
     Task<std::vector<Chat>> getChats();
     Task<std::vector<ChatMessage>> getMessages(qint64 chatId);
+    Task<Chat> renameChat(qint64 chatId, QString name);
+    Task<Chat> setFavorite(qint64 chatId, bool isFavorite);
+    Task<void> deleteChat(qint64 chatId);
+    Task<QByteArray> downloadArtifactPDF(qint64 chatId, QString artifactId, qint64 version);
 
     const QStringList& pendingMessages() const { return m_pendingMessages; } // oldest first
 

@@ -3,11 +3,13 @@
 #include "Chat.h"
 
 #include <QAbstractListModel>
+#include <QSet>
 #include <QtQml/qqmlregistration.h>
 
 namespace Korvi {
 
-// The sidebar list, always sorted: favourites first, then the most recently used.
+// The sidebar list, always sorted: favourites first, then the most recently used. Announces the rows that changed,
+// moved, came or went, and no others.
 class ChatListModel : public QAbstractListModel {
     Q_OBJECT
     QML_ELEMENT
@@ -20,6 +22,7 @@ public:
         NameRole,                      // "name", string
         IsFavoriteRole,                // "isFavorite", bool
         UpdatedAtRole,                 // "updatedAt", string as the service gave it
+        IsGeneratingRole,              // "isGenerating", bool: an answer is under way in it
     };
     Q_ENUM(Role)
 
@@ -35,12 +38,21 @@ public:
     void setChats(std::vector<Chat> chats);
     // A chat that is already there is replaced, not doubled.
     void upsert(Chat chat);
+    void remove(qint64 id); // all with that id
+    void setGenerating(const QSet<qint64>& ids);
 
 signals:
     void countChanged();
 
 private:
+    const Chat& at(int row) const { return m_chats[static_cast<std::size_t>(row)]; }
+    void becomeStepwise(std::vector<Chat> chats);
+    void moveTo(int from, int to);
+    void replaceAt(int row, Chat chat);
+    void removeAt(int row);
+
     std::vector<Chat> m_chats;
+    QSet<qint64> m_generating;
 };
 
 }

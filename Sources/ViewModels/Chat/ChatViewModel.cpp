@@ -1,6 +1,9 @@
 #include "Chat/ChatViewModel.h"
 
+#include "Backend/UsersService.h"
+#include "Cache/DataCacheManager.h"
 #include "Chat/ChatService.h"
+#include "Chat/MessageComposition.h"
 #include "Clock.h"
 #include "Log.h"
 #include "Match.h"
@@ -16,27 +19,19 @@ Q_LOGGING_CATEGORY(lcChat, "korvi.chat", QtInfoMsg)
 
 namespace {
 
-constexpr auto defaultModel = u"aiplus";
 constexpr auto slowHint = u"Это может занять время...";
-
-bool isAnswer(const ChatMessage& message) {
-    return message.role == ChatMessage::Role::ai || message.role == ChatMessage::Role::assistant;
-}
-
-void removePlaceholders(ChatMessage& message) {
-    if (!message.content)
-        return;
-    std::erase_if(*message.content, [](const MessageContent& block) {
-        return block.as<MessageContent::Generating>() || block.as<MessageContent::SearchInProgress>();
-    });
-}
+const auto ownerKey = u"conversationsOwner"_s; // whose lists are cached
+const auto draftKey = u"composerDraft"_s;
 
 }
 
 ChatViewModel::ChatViewModel(Dependencies dependencies, QObject* parent)
     : QObject(parent)
     , m_dependencies(dependencies)
-    , m_selectedModel(QStringView(defaultModel).toString()) {
+    , m_directory({dependencies.chatService, dependencies.cache, dependencies.notifications})
+    , m_stream(
+          {dependencies.chatService, dependencies.cache, dependencies.defaults, dependencies.scheduler}, m_messages)
+    , m_modelSelection(dependencies.defaults) {
     ChatService& service = m_dependencies.chatService;
     service.onEvent = [self = QPointer(this)](const SocketEvent& event) {
         if (self)
@@ -46,22 +41,71 @@ ChatViewModel::ChatViewModel(Dependencies dependencies, QObject* parent)
         if (self)
             self->m_connectionStatus = status;
     };
+    connect(&m_dependencies.notifications, &NotificationCenter::organizationDidChange, this,
+        &ChatViewModel::organizationChanged);
+    connect(&m_stream, &AnswerStream::changed, this, &ChatViewModel::answerStateChanged);
+    connect(&m_stream, &AnswerStream::generatingChatsChanged, m_directory.model(), &ChatListModel::setGenerating);
+    connect(&m_stream, &AnswerStream::questionReturned, this, &ChatViewModel::takeBackQuestion);
+    connect(&m_stream, &AnswerStream::followed, this, [this] {
+        ++m_contentUpdateTrigger;
+        emit contentUpdateTriggerChanged();
+        emit contentScrolled();
+    });
+    connect(&m_stream, &AnswerStream::waitingEnded, this, [this](qint64 chatId) {
+        if (m_activeChat && chatId == m_activeChat->id)
+            m_scope.start([this, chatId] { return loadMessages(chatId); });
+    });
+    connect(&m_directory, &ChatDirectory::chatChanged, this, [this](const Chat& chat) {
+        if (m_activeChat && m_activeChat->id == chat.id && *m_activeChat != chat)
+            setActiveChat(chat);
+    });
+    connect(&m_directory, &ChatDirectory::chatRemoved, this, [this](qint64 chatId) {
+        m_stream.forget(chatId);
+        if (activeChatId() != chatId)
+            return;
+        setActiveChat(std::nullopt);
+        m_messages.reset({});
+    });
+    m_models.setSelected(selectedModel());
 }
 
 ChatViewModel::~ChatViewModel() = default;
 
+// Start, and what is loaded
+
+void ChatViewModel::restore(const QString& userId) {
+    Defaults& defaults = m_dependencies.defaults;
+    if (defaults.string(ownerKey) != userId) {
+        m_dependencies.cache.clearAll();
+        m_stream.forgetJournal();
+        defaults.remove(draftKey);
+        defaults.setString(ownerKey, userId);
+    }
+    m_directory.loadCached();
+    m_stream.restore();
+    if (m_currentInput.isEmpty())
+        setCurrentInput(defaults.string(draftKey).value_or(QString()));
+}
+
 Task<void> ChatViewModel::loadData() {
-    co_await loadChats();
+    co_await fetchCurrentUser();
+    co_await m_directory.load();
     connectToService();
 }
 
-Task<void> ChatViewModel::loadChats() {
+Task<void> ChatViewModel::fetchCurrentUser() {
     try {
-        std::vector<Chat> chats = co_await m_dependencies.chatService.getChats();
-        m_chats.setChats(std::move(chats));
+        User user = co_await m_dependencies.users.getSelf();
+        m_user = std::move(user);
+    } catch (const TaskCancelled&) {
+        throw;
     } catch (const std::exception& error) {
-        qCWarning(lcChat).noquote() << "❌ [ChatViewModel] Error loading chats:" << error.what();
+        qCWarning(lcChat).noquote() << "❌ [ChatViewModel] Error loading user:" << error.what();
     }
+}
+
+Task<void> ChatViewModel::prefetchRelatedData() {
+    return m_directory.prefetchMessages(m_dependencies.clock.now());
 }
 
 void ChatViewModel::connectToService() {
@@ -77,184 +121,289 @@ bool ChatViewModel::isConnected() const {
     return m_connectionStatus.value() == "Connected"_L1;
 }
 
+void ChatViewModel::organizationChanged() {
+    m_directory.clear();
+    m_stream.dropAll();
+    m_messages.reset({});
+    setActiveChat(std::nullopt);
+    setCurrentInput({});
+    m_leftInputs.clear();
+    m_dependencies.cache.clearAll();
+    m_dependencies.chatService.disconnect();
+    m_scope.start([this]() -> Task<void> {
+        co_await m_directory.load();
+        connectToService();
+    });
+}
+
+void ChatViewModel::reset() {
+    m_scope.cancel();
+    m_draftTimer.cancel();
+    m_stream.reset();
+    m_user.reset();
+    m_messages.reset({});
+    m_directory.clear();
+    m_activeProjectId.reset();
+    m_activeProjectName.reset();
+    m_leftInputs.clear();
+    m_currentInput.clear();
+    emit currentInputChanged();
+    setPendingEditImage(std::nullopt);
+    setActiveChat(std::nullopt);
+    dismissError();
+}
+
+// The composer
+
 void ChatViewModel::setCurrentInput(const QString& text) {
     if (m_currentInput == text)
         return;
     m_currentInput = text;
+    m_draftTimer = m_dependencies.scheduler.after(draftDelay, [this] { saveDraft(); });
     emit currentInputChanged();
+    emit canSendChanged();
+}
+
+void ChatViewModel::saveDraft() {
+    m_draftTimer.cancel();
+    if (m_currentInput.isEmpty())
+        m_dependencies.defaults.remove(draftKey);
+    else
+        m_dependencies.defaults.setString(draftKey, m_currentInput);
 }
 
 bool ChatViewModel::canSend() const {
-    return !m_currentInput.trimmed().isEmpty();
+    return m_pendingEditImageUrl || !m_currentInput.trimmed().isEmpty();
 }
 
-void ChatViewModel::createChat() {
-    openConversation(std::nullopt, {});
-    setCurrentInput({});
+void ChatViewModel::setEditImage(const QString& url, const QString& prompt) {
+    setPendingEditImage(url);
+    setCurrentInput(prompt);
     emit inputFocusRequested();
 }
 
-void ChatViewModel::selectChat(qint64 chatId) {
-    const Chat* chat = m_chats.find(chatId);
-    if (!chat || (m_activeChat && m_activeChat->id == chatId))
+void ChatViewModel::clearPendingEditImage() {
+    setPendingEditImage(std::nullopt);
+}
+
+void ChatViewModel::setPendingEditImage(std::optional<QString> url) {
+    if (m_pendingEditImageUrl == url)
         return;
-    openConversation(*chat, {});
+    m_pendingEditImageUrl = std::move(url);
+    emit pendingEditImageUrlChanged();
+    emit canSendChanged();
+}
+
+void ChatViewModel::takeBackQuestion(const QString& text) {
+    setCurrentInput(m_currentInput.isEmpty() ? text : text + u"\n\n"_s + m_currentInput);
+    showError(u"Сообщение не дошло до сервиса. Его текст снова в поле ввода."_s);
+}
+
+QString ChatViewModel::lastQuestion() const {
+    return MessageComposition::lastQuestion(m_messages.messages()).value_or(QString());
+}
+
+// Which conversation is open
+
+void ChatViewModel::createChat() {
+    if (m_activeChat && !m_currentInput.isEmpty())
+        m_leftInputs.insert(m_activeChat->id, m_currentInput);
+    openConversation(std::nullopt);
+    setCurrentInput({});
+    setPendingEditImage(std::nullopt);
+    m_activeProjectId.reset();
+    m_activeProjectName.reset();
+    emit inputFocusRequested();
+}
+
+void ChatViewModel::createChatInProject(qint64 projectId, const QString& projectName) {
+    createChat();
+    m_activeProjectId = projectId;
+    m_activeProjectName = projectName;
+}
+
+void ChatViewModel::selectChat(qint64 chatId) {
+    const Chat* chat = m_directory.find(chatId);
+    if (!chat)
+        return;
+    if (activeChatId() != chatId) {
+        const QString mode = chat->mode;
+        openConversation(*chat);
+        if (const QString left = m_leftInputs.take(chatId); m_currentInput.isEmpty())
+            setCurrentInput(left);
+        if (ModelCatalogue::find(mode))
+            selectModel(mode);
+        else
+            qCWarning(lcChat) << "⚠️ [ChatViewModel] Chat mode '" << mode << "' is not in the catalogue";
+    }
     m_scope.start([this, chatId] { return loadMessages(chatId); });
 }
 
-void ChatViewModel::openConversation(std::optional<Chat> chat, std::vector<ChatMessage> messages) {
-    park();
+void ChatViewModel::navigateToChat(qint64 chatId) {
+    selectChat(chatId);
+}
+
+void ChatViewModel::openConversation(std::optional<Chat> chat) {
+    m_stream.park();
+    dismissError();
+    const qint64 chatId = chat ? chat->id : -1;
+    if (!chat)
+        m_messages.reset({});
+    else if (!m_stream.unpark(chatId))
+        m_messages.reset(m_dependencies.cache.getCachedMessages(chatId).value_or(std::vector<ChatMessage>()));
+    setActiveChat(std::move(chat));
+}
+
+void ChatViewModel::setActiveChat(std::optional<Chat> chat) {
+    if (m_activeChat == chat)
+        return;
     m_activeChat = std::move(chat);
-    if (!m_activeChat || !unpark(m_activeChat->id))
-        m_messages.setMessages(std::move(messages));
-    refreshGenerating();
     emit activeChatChanged();
 }
 
-// The answer goes on at the service; its chat's messages wait here until they are shown again.
-void ChatViewModel::park() {
-    if (Generation* generation = m_generations.open()) {
-        flushPieces();
-        generation->parked = m_messages.messages();
-        generation->isOpen = false;
-    }
-}
-
-bool ChatViewModel::unpark(qint64 chatId) {
-    Generation* generation = m_generations.ofChat(chatId);
-    if (!generation)
-        return false;
-    flushPieces();
-    m_messages.setMessages(std::exchange(generation->parked, {}));
-    generation->isOpen = true;
-    return true;
-}
-
 Task<void> ChatViewModel::loadMessages(qint64 chatId) {
+    quint64 turn = 0;
+    std::vector<ChatMessage> messages;
     try {
-        std::vector<ChatMessage> messages = co_await m_dependencies.chatService.getMessages(chatId);
-        if (activeChatId() != chatId)
-            co_return;
-        if (m_generations.open()) {
-            qCInfo(lcChat) << "⏳ [ChatViewModel] Skipping message refresh — streaming in progress";
-            co_return;
-        }
-        m_messages.setMessages(std::move(messages));
+        do { // a list that was asked for before a question cannot know of it
+            turn = m_turns;
+            messages = co_await m_dependencies.chatService.getMessages(chatId);
+        } while (turn != m_turns);
+    } catch (const TaskCancelled&) {
+        throw;
     } catch (const std::exception& error) {
         qCWarning(lcChat).noquote() << "❌ [ChatViewModel] Error loading messages:" << error.what();
+        co_return;
     }
+    if (activeChatId() != chatId)
+        co_return;
+    if (m_stream.isUnderWay(chatId)) {
+        qCInfo(lcChat) << "⏳ [ChatViewModel] Skipping message refresh — streaming in progress";
+        m_dependencies.cache.cacheMessages(messages, chatId);
+        co_return;
+    }
+    m_messages.setMessages(MessageComposition::mergeFileAttachments(m_messages.messages(), std::move(messages)));
+    m_dependencies.cache.cacheMessages(m_messages.messages(), chatId);
 }
+
+// The model
+
+void ChatViewModel::selectModel(const QString& id) {
+    m_modelSelection.select(id);
+    m_models.setSelected(id);
+    emit selectedModelChanged();
+}
+
+void ChatViewModel::chooseModel(const QString& id) {
+    // A chat never changes its model.
+    if (m_activeChat && id != selectedModel())
+        createChat();
+    selectModel(id);
+    setShowingModelSelector(false);
+}
+
+void ChatViewModel::setShowingModelSelector(bool showing) {
+    if (m_showingModelSelector == showing)
+        return;
+    m_showingModelSelector = showing;
+    emit showingModelSelectorChanged();
+}
+
+// The chats
+
+void ChatViewModel::toggleFavorite(qint64 chatId) {
+    m_scope.start([this, chatId] { return m_directory.toggleFavorite(chatId); });
+}
+
+void ChatViewModel::renameChat(qint64 chatId, const QString& newName) {
+    m_scope.start([this, chatId, newName] { return m_directory.rename(chatId, newName); });
+}
+
+void ChatViewModel::deleteChat(qint64 chatId) {
+    m_scope.start([this, chatId] { return m_directory.remove(chatId); });
+}
+
+// A turn of the conversation
 
 void ChatViewModel::sendMessage() {
-    if (!canSend() || m_isGenerating)
-        return;
-    send(m_currentInput);
+    sendMessage(m_currentInput);
 }
 
-void ChatViewModel::send(QString text) {
-    const QString createdAt = m_dependencies.clock.now().toString(Qt::ISODate);
-    const qint64 chatId = activeChatId();
-    // The ids are local: the service's own come with the next reload.
-    ChatMessage question{
-        .id = m_dependencies.random.integer(1000, 9999),
-        .createdAt = createdAt,
-        .chatId = chatId,
-        .role = ChatMessage::Role::user,
-        .content = std::vector<MessageContent>{{MessageContent::Text{text}}},
-        .providerId = std::nullopt,
-        .usageTokens = 0,
-    };
-    ChatMessage answer{
-        .id = m_dependencies.random.integer(1000, 9999),
-        .createdAt = createdAt,
-        .chatId = chatId,
-        .role = ChatMessage::Role::ai,
-        .content = std::vector<MessageContent>{{MessageContent::Text{}}},
-        .providerId = std::nullopt,
-        .usageTokens = 0,
-    };
-    m_generations.begin(chatId);
-    m_messages.append({std::move(question), std::move(answer)});
+void ChatViewModel::sendMessage(QString text) {
+    const bool isEmpty = text.trimmed().isEmpty() && !m_pendingEditImageUrl;
+    if (isEmpty || m_isGenerating)
+        return;
+    const auto editImageUrl = m_pendingEditImageUrl;
     setCurrentInput({});
+    saveDraft();
+    setPendingEditImage(std::nullopt);
+    send(text, editImageUrl);
+}
+
+void ChatViewModel::send(const QString& text, const std::optional<QString>& editImageUrl) {
+    ++m_turns;
+    const qint64 chatId = activeChatId();
+    MessageComposition::Turn turn = MessageComposition::begin(
+        MessageComposition::contentOf(text, editImageUrl), chatId, m_dependencies.clock, m_dependencies.random);
+    m_messages.append({std::move(turn.question), std::move(turn.answer)});
     dismissError();
-    refreshGenerating();
+    m_stream.begin(chatId);
     restartHintTimer();
 
-    if (m_activeChat)
-        m_dependencies.chatService.sendMessage(chatId, text);
-    else
-        m_dependencies.chatService.createChat(m_selectedModel, text);
+    QStringList imageUrls;
+    if (editImageUrl)
+        imageUrls.append(*editImageUrl);
+    ChatService& service = m_dependencies.chatService;
+    if (m_activeChat) {
+        m_directory.touch(chatId, m_dependencies.clock.now().toString(Qt::ISODateWithMs));
+        service.sendMessage(chatId, text, imageUrls);
+    } else {
+        service.createChat(selectedModel(), text, imageUrls, {}, m_activeProjectId);
+    }
 }
 
 void ChatViewModel::stopGeneration() {
-    Generation* generation = m_generations.open();
-    if (!m_isGenerating || !generation) {
+    if (!m_stream.stop()) {
         qCInfo(lcChat) << "🛑 [ChatViewModel] stopGeneration: not generating or no active chat";
         return;
     }
-    flushPieces();
-    if (m_activeChat) {
-        m_dependencies.chatService.stopGeneration(m_activeChat->id);
-        generation->state = Generation::State::stopped;
-    } else {
-        generation->state = Generation::State::stopRequested;
-    }
-    refreshGenerating();
     for (int row = m_messages.count() - 1; row >= 0; --row) {
         ChatMessage message = m_messages.messages()[static_cast<std::size_t>(row)];
-        if (!isAnswer(message))
+        if (!MessageComposition::isAnswer(message))
             continue;
-        removePlaceholders(message);
+        MessageComposition::removePlaceholders(message);
         m_messages.replace(row, std::move(message));
         break;
     }
+    if (m_activeChat)
+        m_dependencies.cache.cacheMessages(m_messages.messages(), m_activeChat->id);
 }
 
 void ChatViewModel::retryLastMessage() {
     if (m_isGenerating)
         return;
-    const auto& messages = m_messages.messages();
-    const auto question = std::find_if(messages.rbegin(), messages.rend(),
-        [](const ChatMessage& message) { return message.role == ChatMessage::Role::user; });
-    const MessageContent::Text* text = nullptr;
-    if (question != messages.rend() && question->content) {
-        for (const MessageContent& block : *question->content) {
-            text = block.as<MessageContent::Text>();
-            if (text)
-                break;
-        }
-    }
-    if (!text) {
+    const auto again = MessageComposition::lastQuestion(m_messages.messages());
+    if (!again) {
         qCWarning(lcChat) << "❌ [ChatViewModel] retryLastMessage: no user message found";
         return;
     }
-    const QString again = text->text;
     for (int row = m_messages.count() - 1; row >= 0; --row) {
-        if (isAnswer(m_messages.messages()[static_cast<std::size_t>(row)])) {
+        if (MessageComposition::isAnswer(m_messages.messages()[static_cast<std::size_t>(row)])) {
             m_messages.remove(row);
             break;
         }
     }
-    send(again);
+    send(*again, std::nullopt);
 }
 
-void ChatViewModel::dismissError() {
-    m_bannerTimer.cancel();
-    m_generationError = QString();
-}
-
-void ChatViewModel::reset() {
-    m_scope.cancel();
-    m_generations.clear();
-    m_flushTimer.cancel();
-    m_reconnectTimer.cancel();
-    m_activeChat.reset();
-    m_messages.setMessages({});
-    m_chats.setChats({});
-    setCurrentInput({});
-    dismissError();
-    refreshGenerating();
-    emit activeChatChanged();
+void ChatViewModel::deleteMessage(qint64 id) {
+    const auto& messages = m_messages.messages();
+    const auto message =
+        std::find_if(messages.begin(), messages.end(), [id](const ChatMessage& each) { return each.id == id; });
+    // The answer that is still growing has to stay the last one.
+    if (message == messages.end() || (m_isGenerating && message == messages.end() - 1))
+        return;
+    m_messages.remove(static_cast<int>(message - messages.begin()));
 }
 
 void ChatViewModel::handleSocketEvent(const SocketEvent& event) {
@@ -264,13 +413,14 @@ void ChatViewModel::handleSocketEvent(const SocketEvent& event) {
         !std::holds_alternative<SocketEvent::Error>(event.value) &&
         !std::holds_alternative<SocketEvent::Message>(event.value);
     if (isOfStream)
-        m_reconnectTimer.cancel();
+        m_stream.heard();
     match(
         event.value,
-        [this](const SocketEvent::TextChunk& chunk) { receivePiece(chunk.content, AnswerFold::Kind::text); },
-        [this](const SocketEvent::ThinkingChunk& chunk) { receivePiece(chunk.content, AnswerFold::Kind::thinking); },
+        [this](const SocketEvent::TextChunk& chunk) { m_stream.receive(chunk.content, AnswerFold::Kind::text); },
+        [this](
+            const SocketEvent::ThinkingChunk& chunk) { m_stream.receive(chunk.content, AnswerFold::Kind::thinking); },
         [this](const SocketEvent::Creation& creation) { created(creation.chat); },
-        [this](const SocketEvent::Connected&) { connected(); },
+        [this](const SocketEvent::Connected&) { m_stream.connected(); },
         [this](const SocketEvent::Error& error) { failed(error); },
         [this](const SocketEvent::StreamEnd&) { streamEnded(); }, [](const SocketEvent::ToolStart&) {},
         [](const SocketEvent::ToolEnd&) {}, [](const SocketEvent::ArtifactChunk&) {},
@@ -278,136 +428,55 @@ void ChatViewModel::handleSocketEvent(const SocketEvent& event) {
 }
 
 void ChatViewModel::created(const Chat& chat) {
-    m_chats.upsert(chat);
-    // A replay tells of the chat again: then its answer has it already.
-    Generation* generation = m_generations.ofChat(chat.id) ? nullptr : m_generations.withoutChat();
-    if (!generation)
-        return;
-    generation->chatId = chat.id;
-    if (generation->isOpen) {
-        m_activeChat = chat;
-        emit activeChatChanged();
-    } else {
+    m_directory.add(chat);
+    switch (m_stream.created(chat.id)) {
+    case AnswerStream::Owner::open: setActiveChat(chat); break;
+    case AnswerStream::Owner::parked:
         qCInfo(lcChat) << "💾 [ChatViewModel] Chat created while user is in another chat, saved to background:"
                        << chat.id;
+        break;
+    case AnswerStream::Owner::none: break;
     }
-    if (generation->state == Generation::State::stopRequested) {
-        m_dependencies.chatService.stopGeneration(chat.id);
-        generation->state = Generation::State::stopped;
-    }
-}
-
-void ChatViewModel::connected() {
-    Generation* generation = m_generations.current();
-    if (!generation)
-        return;
-    flushPieces();
-    qCInfo(lcChat) << "🔌 [ChatViewModel] Reconnected during generation — enabling replay dedup";
-    generation->fold.beginReplay();
-    m_reconnectTimer = m_dependencies.scheduler.after(reconnectTimeout, [this] {
-        m_reconnectTimer.cancel();
-        if (m_generations.isEmpty())
-            return;
-        qCWarning(lcChat) << "🔌 [ChatViewModel] Reconnect timeout (120s) — generation likely ended, resetting state";
-        m_generations.clear();
-        refreshGenerating();
-    });
+    if (chat.projectId)
+        emit m_dependencies.notifications.projectChatCreated(chat);
 }
 
 void ChatViewModel::failed(const SocketEvent::Error& error) {
-    flushPieces();
-    m_reconnectTimer.cancel();
-    Generation* generation = error.chatId ? m_generations.ofChat(*error.chatId) : nullptr;
-    if (!generation)
-        generation = m_generations.current();
-    const bool concernsOpenChat = !generation || generation->isOpen;
-    finish(generation);
-    if (concernsOpenChat)
-        showError(error.message);
+    const auto ending = m_stream.fail(error.chatId);
+    const Chat* chat = ending && !ending->wasOpen ? m_directory.find(ending->chatId) : nullptr;
+    // The banner stands in the open conversation: of another one it says so.
+    showError(chat ? u"«%1»: %2"_s.arg(chat->name, error.message) : error.message);
 }
 
 void ChatViewModel::streamEnded() {
-    flushPieces();
-    Generation* generation = m_generations.current();
-    if (!generation)
+    const auto ending = m_stream.end();
+    if (!ending) {
+        // An answer that nobody waited for any more: the open chat may be its own.
+        if (m_activeChat)
+            m_scope.start([this, chatId = m_activeChat->id] { return loadMessages(chatId); });
         return;
-    finish(generation);
+    }
     emit m_dependencies.notifications.didCompleteAIResponse();
+    // A restored answer lacks what had been confirmed before the restart, and a new chat gets its title by now.
+    if (ending->wasRestored && ending->chatId == activeChatId())
+        m_scope.start([this, chatId = ending->chatId] { return loadMessages(chatId); });
+    if (ending->createdChat)
+        m_scope.start([this] { return m_directory.load(); });
 }
 
-void ChatViewModel::finish(const Generation* generation) {
-    m_generations.remove(generation);
-    refreshGenerating();
-}
-
-void ChatViewModel::receivePiece(const QString& piece, AnswerFold::Kind kind) {
-    Generation* generation = m_generations.current();
-    if (!generation || generation->state != Generation::State::running) {
-        qCInfo(lcChat) << "⚠️ [ChatViewModel] Dropped a piece: no answer is under way";
-        return;
-    }
-    (kind == AnswerFold::Kind::text ? generation->textPieces : generation->thinkingPieces).append(piece);
-    if (m_flushTimer.isActive())
-        return;
-    // The first piece shows without delay, what follows in steps that a list can redraw.
-    flushPieces();
-    m_flushTimer = m_dependencies.scheduler.every(streamFlushInterval, [this] {
-        const Generation* running = m_generations.current();
-        const bool isQuiet = !running || (running->textPieces.isEmpty() && running->thinkingPieces.isEmpty());
-        flushPieces();
-        // Without news there is nothing to wake up for; the next piece starts the timer again.
-        if (isQuiet)
-            m_flushTimer.cancel();
-    });
-}
-
-void ChatViewModel::flushPieces() {
-    Generation* generation = m_generations.current();
-    if (!generation || (generation->textPieces.isEmpty() && generation->thinkingPieces.isEmpty()))
-        return;
-    if (!generation->isOpen) {
-        if (!generation->parked.empty())
-            foldInto(*generation, generation->parked.back());
-        return;
-    }
-    const int last = m_messages.count() - 1;
-    if (last < 0)
-        return;
-    m_messages.update(last, [&](ChatMessage& answer) { return foldInto(*generation, answer); });
-}
-
-bool ChatViewModel::foldInto(Generation& generation, ChatMessage& answer) {
-    const QStringList thinking = std::exchange(generation.thinkingPieces, {});
-    const QStringList text = std::exchange(generation.textPieces, {});
-    if (answer.role != ChatMessage::Role::ai) {
-        qCWarning(lcChat) << "⚠️ [ChatViewModel] updateLastMessage: last message is not AI, it's"
-                          << rawValue(answer.role);
-        return false;
-    }
-    if (!answer.content)
-        answer.content.emplace();
-    const AnswerFold::Outcome thought = generation.fold.fold(*answer.content, thinking, AnswerFold::Kind::thinking);
-    const AnswerFold::Outcome told = generation.fold.fold(*answer.content, text, AnswerFold::Kind::text);
-    if (generation.isOpen && (thought.follow || told.follow)) {
-        ++m_contentUpdateTrigger;
-        emit contentUpdateTriggerChanged();
-        emit contentScrolled();
-    }
-    return thought.changed || told.changed;
-}
-
-void ChatViewModel::refreshGenerating() {
-    const Generation* generation = m_generations.open();
-    m_isGenerating = generation && generation->state == Generation::State::running;
-    m_messages.setStreaming(m_isGenerating);
-    if (m_generations.isEmpty()) {
-        m_flushTimer.cancel();
-        m_reconnectTimer.cancel();
-    }
+void ChatViewModel::answerStateChanged() {
+    m_isGenerating = m_stream.isGenerating();
     if (!m_isGenerating) {
         m_hintTimer.cancel();
         m_generationHint = QString();
     }
+}
+
+// Banners and hints
+
+void ChatViewModel::dismissError() {
+    m_bannerTimer.cancel();
+    m_generationError = QString();
 }
 
 void ChatViewModel::showError(const QString& message) {

@@ -4,15 +4,25 @@
 
 namespace Korvi {
 
-template <class Predicate>
-Generation* GenerationQueue::find(Predicate predicate) {
-    const auto it = std::find_if(m_generations.begin(), m_generations.end(), predicate);
-    return it == m_generations.end() ? nullptr : &*it;
+namespace {
+
+template <class Range, class Predicate>
+Generation* findIn(Range&& range, Predicate predicate) {
+    const auto it = std::find_if(range.begin(), range.end(), predicate);
+    return it == range.end() ? nullptr : &*it;
 }
 
-Generation& GenerationQueue::begin(qint64 chatId) {
-    Generation generation;
-    generation.chatId = chatId;
+template <class Queue>
+struct Newest {
+    Queue& queue;
+    auto begin() { return queue.rbegin(); }
+    auto end() { return queue.rend(); }
+};
+
+}
+
+Generation& GenerationQueue::begin(Generation generation) {
+    generation.serial = ++m_lastSerial;
     return m_generations.emplace_back(std::move(generation));
 }
 
@@ -21,15 +31,21 @@ Generation* GenerationQueue::current() {
 }
 
 Generation* GenerationQueue::open() {
-    return find([](const Generation& generation) { return generation.isOpen; });
+    return findIn(Newest{m_generations}, [](const Generation& generation) { return generation.isOpen; });
 }
 
-Generation* GenerationQueue::ofChat(qint64 chatId) {
-    return find([chatId](const Generation& generation) { return generation.chatId == chatId; });
+Generation* GenerationQueue::runningOf(qint64 chatId) {
+    return findIn(Newest{m_generations}, [chatId](const Generation& generation) {
+        return generation.chatId == chatId && generation.state != Generation::State::stopped;
+    });
+}
+
+Generation* GenerationQueue::firstOf(qint64 chatId) {
+    return findIn(m_generations, [chatId](const Generation& generation) { return generation.chatId == chatId; });
 }
 
 Generation* GenerationQueue::withoutChat() {
-    return ofChat(-1);
+    return firstOf(-1);
 }
 
 void GenerationQueue::remove(const Generation* generation) {

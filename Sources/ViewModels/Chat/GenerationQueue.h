@@ -15,33 +15,40 @@ struct Generation {
         stopped,       // the user has seen enough; what still comes is dropped
     };
 
+    quint64 serial = 0; // given by the queue
     qint64 chatId = -1;
-    bool isOpen = true; // its chat is the open conversation
+    bool isOpen = true;       // its chat is the open conversation
+    bool createsChat = false; // its question begins the chat
+    bool isRestored = false;  // asked for before the last start of the client
     State state = State::running;
-    std::vector<ChatMessage> parked; // the messages of its chat while another one is open
+    std::vector<ChatMessage> parked;  // the messages of its chat while another one is open
+    std::size_t lengthWithAnswer = 0; // how many messages the chat has when the answer is complete
     AnswerFold fold;
     QStringList textPieces; // received, waiting for the next flush
     QStringList thinkingPieces;
 };
 
 // The answers under way, in the order in which they were asked for. Frames carry no chat; the service delivers
-// one answer after the other, so what comes belongs to the first and its end makes place for the next.
+// one answer after the other, so what comes belongs to the first and its end makes place for the next. A stopped
+// answer keeps its place until its end has come: what is still on its way is not taken for another's.
 class GenerationQueue {
 public:
     bool isEmpty() const { return m_generations.empty(); }
-    Generation& begin(qint64 chatId);
-    Generation* current(); // whose frames come now; null when none is under way
-    Generation* open();    // of the open conversation
-    Generation* ofChat(qint64 chatId);
-    Generation* withoutChat(); // the first whose chat has not been created yet
+    Generation& begin(Generation generation);
+    Generation* current();                // whose frames come now; null when none is under way
+    Generation* open();                   // the newest of the open conversation
+    Generation* runningOf(qint64 chatId); // the newest of that chat that has not been stopped
+    Generation* firstOf(qint64 chatId);   // the one of that chat whose frames come first
+    Generation* withoutChat();            // the first whose chat has not been created yet
     void remove(const Generation* generation);
     void clear() { m_generations.clear(); }
 
-private:
-    template <class Predicate>
-    Generation* find(Predicate predicate);
+    std::deque<Generation>& all() { return m_generations; }
+    const std::deque<Generation>& all() const { return m_generations; }
 
+private:
     std::deque<Generation> m_generations; // a deque keeps references valid at its ends
+    quint64 m_lastSerial = 0;
 };
 
 }

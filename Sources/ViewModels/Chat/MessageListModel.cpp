@@ -58,6 +58,15 @@ void MessageListModel::setMessages(std::vector<ChatMessage> messages) {
     append(std::move(messages));
 }
 
+void MessageListModel::reset(std::vector<ChatMessage> messages) {
+    const int before = count();
+    beginResetModel();
+    m_messages = std::move(messages);
+    endResetModel();
+    if (count() != before)
+        emit countChanged();
+}
+
 void MessageListModel::append(std::vector<ChatMessage> messages) {
     if (messages.empty())
         return;

@@ -36,6 +36,8 @@ public:
     const std::vector<ChatMessage>& messages() const { return m_messages; }
     // Rows that stay equal are not announced: a reload with the same content draws nothing.
     void setMessages(std::vector<ChatMessage> messages);
+    // Another conversation: all rows are new.
+    void reset(std::vector<ChatMessage> messages);
     void append(std::vector<ChatMessage> messages);
     // `row` must exist.
     void replace(int row, ChatMessage message);

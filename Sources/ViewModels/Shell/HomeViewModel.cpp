@@ -18,7 +18,8 @@ HomeViewModel::HomeViewModel(Dependencies dependencies, QObject* parent)
     , m_bootstrap({
           .isAuthenticated = [this] { return m_dependencies.auth.isAuthenticated(); },
           .loadData = [this] { return m_dependencies.chat.loadData(); },
-          .prefetchRelatedData = [] {},
+          .prefetchRelatedData =
+              [this] { m_scope.start([this] { return m_dependencies.chat.prefetchRelatedData(); }); },
       }) {
     connect(&m_dependencies.auth, &AuthViewModel::isAuthenticatedChanged, this, &HomeViewModel::userChanged);
     connect(&m_dependencies.notifications, &NotificationCenter::networkDidBecomeAvailable, this,
@@ -37,9 +38,11 @@ void HomeViewModel::userChanged() {
         return;
     // What was typed before the token died is still there for the same user, and for nobody else.
     const QString id = m_dependencies.auth.user()->id;
-    if (id != m_userId)
+    if (id != m_userId) {
         forgetConversations();
-    m_userId = id;
+        m_userId = id;
+        m_dependencies.chat.restore(id);
+    }
     m_scope.start([this] { return appear(); });
 }
 
@@ -83,7 +86,7 @@ void HomeViewModel::openPendingChat() {
     if (!m_dependencies.auth.isAuthenticated())
         return;
     if (const std::optional<qint64> chatId = m_dependencies.deepLinks.take())
-        m_dependencies.chat.selectChat(*chatId);
+        m_dependencies.chat.navigateToChat(*chatId);
 }
 
 }

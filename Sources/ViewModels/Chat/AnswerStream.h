@@ -1,0 +1,103 @@
+#pragma once
+
+#include "Chat/GenerationJournal.h"
+#include "Chat/GenerationQueue.h"
+#include "Chat/SocketEvent.h"
+#include "Scheduler.h"
+#include "TaskScope.h"
+
+#include <QObject>
+#include <QSet>
+
+namespace Korvi {
+
+class ChatService;
+class MessageListModel;
+
+// The life of the answers: from the question to the end, through lost lines, other chats being opened, and restarts.
+// Writes the open conversation's answer into the list that is shown, and the others' into their parked messages.
+class AnswerStream : public QObject {
+    Q_OBJECT
+
+public:
+    struct Dependencies {
+        ChatService& chatService;
+        DataCacheManager& cache;
+        Defaults& defaults;
+        Scheduler& scheduler;
+    };
+
+    static constexpr auto flushInterval = std::chrono::milliseconds(80);
+    static constexpr auto reconnectTimeout = std::chrono::seconds(120);
+    // A service that has something to repeat does so at once. What stays silent that long after a connect is asked
+    // for over REST.
+    static constexpr auto silenceTimeout = std::chrono::seconds(3);
+
+    // What became of an answer.
+    struct Ending {
+        qint64 chatId = -1;
+        bool wasOpen = false;
+        bool createdChat = false;
+        bool wasRestored = false;
+    };
+
+    AnswerStream(Dependencies dependencies, MessageListModel& shown, QObject* parent = nullptr);
+
+    // The last two messages that are shown are a question, just sent, and its answer.
+    void begin(qint64 chatId);
+    // The open conversation's answer, if one is running: what comes of it from now on is dropped. Its text stays.
+    bool stop();
+    // Another conversation is about to be shown: the answer goes on at the service and grows out of sight.
+    void park();
+    // Shows the messages of that chat, if an answer is under way in it.
+    bool unpark(qint64 chatId);
+    void forget(qint64 chatId); // the chat has been deleted
+    void dropAll();             // what still comes is nobody's, but must not become another's
+
+    // Takes up what was under way when the client ended last.
+    void restore();
+    void forgetJournal() { m_journal.clear(); }
+    void reset(); // another user, or none
+
+    enum class Owner { none, open, parked };
+    Owner created(qint64 chatId); // whose the new chat is
+    void receive(const QString& piece, AnswerFold::Kind kind);
+    void connected();
+    std::optional<Ending> end();
+    std::optional<Ending> fail(std::optional<qint64> chatId);
+    void heard(); // anything of a stream: it is alive
+
+    bool isGenerating() const { return m_isGenerating; } // the open conversation's answer is running
+    bool isUnderWay(qint64 chatId) { return m_generations.firstOf(chatId) != nullptr; }
+    bool isEmpty() const { return m_generations.isEmpty(); }
+    void flush();
+
+signals:
+    void changed();  // isGenerating or the chats that generate
+    void followed(); // the open conversation's text grew by enough to be followed
+    void generatingChatsChanged(const QSet<qint64>& chatIds);
+    void questionReturned(const QString& text); // it never reached the service
+    void waitingEnded(qint64 chatId);           // without an end: the service's messages are what there is
+
+private:
+    bool foldInto(Generation& generation, ChatMessage& answer); // whether it changed the answer
+    Ending finish(Generation* generation);
+    void settled(); // after every change of the queue
+    Task<void> askAboutSilence();
+    bool isComplete(const Generation& generation, const std::vector<ChatMessage>& messages) const;
+    void returnQuestion(Generation& generation);
+
+    Dependencies m_dependencies;
+    MessageListModel& m_shown;
+    GenerationQueue m_generations;
+    GenerationJournal m_journal;
+    QSet<qint64> m_answeredNewChats; // whose creation may be told again
+    bool m_isGenerating = false;
+    bool m_heardSinceConnect = false;
+    Timer m_flushTimer; // active while pieces keep coming
+    Timer m_reconnectTimer;
+    Timer m_silenceTimer;
+    TaskScope m_scope; // last: its tasks end before anything they use
+};
+
+}

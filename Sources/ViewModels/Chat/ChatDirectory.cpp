@@ -1,0 +1,128 @@
+#include "Chat/ChatDirectory.h"
+
+#include "Cache/DataCacheManager.h"
+#include "Chat/ChatService.h"
+#include "NotificationCenter.h"
+
+#include <QLoggingCategory>
+
+namespace Korvi {
+
+Q_LOGGING_CATEGORY(lcChats, "korvi.chat.list", QtInfoMsg)
+
+namespace {
+
+constexpr std::size_t prefetchedChats = 5;
+
+}
+
+ChatDirectory::ChatDirectory(Dependencies dependencies, QObject* parent)
+    : QObject(parent)
+    , m_dependencies(dependencies) {}
+
+void ChatDirectory::loadCached() {
+    if (auto chats = m_dependencies.cache.getCachedChats())
+        m_chats.setChats(std::move(*chats));
+}
+
+Task<void> ChatDirectory::load() {
+    try {
+        std::vector<Chat> chats = co_await m_dependencies.chatService.getChats();
+        m_chats.setChats(std::move(chats));
+        m_dependencies.cache.cacheChats(m_chats.chats());
+        for (const Chat& chat : m_chats.chats())
+            emit chatChanged(chat);
+    } catch (const TaskCancelled&) {
+        throw;
+    } catch (const std::exception& error) {
+        qCWarning(lcChats).noquote() << "❌ [ChatViewModel] Error loading chats:" << error.what();
+    }
+}
+
+void ChatDirectory::add(const Chat& chat) {
+    store(chat);
+}
+
+void ChatDirectory::touch(qint64 chatId, QString updatedAt) {
+    if (const Chat* known = m_chats.find(chatId)) {
+        Chat chat = *known;
+        chat.updatedAt = std::move(updatedAt);
+        m_chats.upsert(std::move(chat));
+    }
+}
+
+Task<void> ChatDirectory::toggleFavorite(qint64 chatId) {
+    const Chat* known = m_chats.find(chatId);
+    if (!known)
+        co_return;
+    const bool isFavorite = !known->isFavorite.value_or(false);
+    try {
+        const Chat chat = co_await m_dependencies.chatService.setFavorite(chatId, isFavorite);
+        store(chat);
+    } catch (const TaskCancelled&) {
+        throw;
+    } catch (const std::exception& error) {
+        qCWarning(lcChats).noquote() << "❌ [ChatViewModel] Failed to toggle favorite for chat" << chatId
+                                     << error.what();
+    }
+}
+
+Task<void> ChatDirectory::rename(qint64 chatId, QString newName) {
+    try {
+        const Chat chat = co_await m_dependencies.chatService.renameChat(chatId, newName);
+        store(chat);
+    } catch (const TaskCancelled&) {
+        throw;
+    } catch (const std::exception& error) {
+        qCWarning(lcChats).noquote() << "❌ [ChatViewModel] Error renaming chat:" << error.what();
+    }
+}
+
+Task<void> ChatDirectory::remove(qint64 chatId) {
+    try {
+        co_await m_dependencies.chatService.deleteChat(chatId);
+        m_chats.remove(chatId);
+        m_dependencies.cache.removeChat(chatId);
+        emit chatRemoved(chatId);
+        emit m_dependencies.notifications.projectChatDeleted(chatId);
+        qCInfo(lcChats) << "✅ [ChatViewModel] Chat deleted:" << chatId;
+    } catch (const TaskCancelled&) {
+        throw;
+    } catch (const std::exception& error) {
+        qCWarning(lcChats).noquote() << "❌ [ChatViewModel] Error deleting chat:" << error.what();
+    }
+}
+
+Task<void> ChatDirectory::prefetchMessages(QDateTime now) {
+    std::vector<qint64> ids;
+    for (const Chat& chat : m_chats.chats()) {
+        if (ids.size() < prefetchedChats)
+            ids.push_back(chat.id);
+    }
+    DataCacheManager& cache = m_dependencies.cache;
+    for (const qint64 id : ids) {
+        const QDateTime fetched = cache.messagesLastFetch.value(id);
+        if (fetched.isValid() && fetched.msecsTo(now) <= std::chrono::milliseconds(DataCacheManager::cacheTTL).count())
+            continue;
+        try {
+            const std::vector<ChatMessage> messages = co_await m_dependencies.chatService.getMessages(id);
+            cache.cacheMessages(messages, id);
+        } catch (const TaskCancelled&) {
+            throw;
+        } catch (const std::exception& error) {
+            qCInfo(lcChats).noquote() << "⚠️ [ChatViewModel] Skipped a chat while prefetching:" << error.what();
+        }
+    }
+}
+
+void ChatDirectory::clear() {
+    m_chats.setChats({});
+}
+
+void ChatDirectory::store(const Chat& chat) {
+    m_chats.upsert(chat);
+    m_dependencies.cache.cacheChats(m_chats.chats());
+    emit chatChanged(chat);
+}
+
+}

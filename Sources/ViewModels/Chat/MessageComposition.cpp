@@ -1,0 +1,144 @@
+#include "Chat/MessageComposition.h"
+
+#include "Clock.h"
+
+#include <QHash>
+
+#include <algorithm>
+#include <array>
+
+namespace Korvi::MessageComposition {
+
+using namespace Qt::Literals;
+
+namespace {
+
+using Text = MessageContent::Text;
+using File = MessageContent::File;
+
+ChatMessage message(ChatMessage::Role role, std::vector<MessageContent> content, qint64 chatId,
+    const QString& createdAt, Random& random) {
+    ChatMessage made;
+    made.id = random.integer(1000, 9999);
+    made.createdAt = createdAt;
+    made.chatId = chatId;
+    made.role = role;
+    made.content = std::move(content);
+    return made;
+}
+
+QString joinedText(const ChatMessage& message) {
+    QStringList parts;
+    for (const MessageContent& block : message.content.value_or(std::vector<MessageContent>())) {
+        if (const auto* text = block.as<Text>())
+            parts.append(text->text);
+    }
+    return parts.join(u' ');
+}
+
+std::vector<MessageContent> files(const ChatMessage& message) {
+    std::vector<MessageContent> found;
+    for (const MessageContent& block : message.content.value_or(std::vector<MessageContent>())) {
+        if (block.as<File>())
+            found.push_back(block);
+    }
+    return found;
+}
+
+bool isOfUser(const ChatMessage& message) {
+    return message.role == ChatMessage::Role::user;
+}
+
+struct TypeRule {
+    QStringView word;
+    QStringView type;
+};
+
+// The first word that is in the text decides.
+constexpr std::array typeRules{
+    TypeRule{u"нарисуй", u"image"},
+    TypeRule{u"создай изображение", u"image"},
+    TypeRule{u"сгенерируй картинку", u"image"},
+    TypeRule{u"draw", u"image"},
+    TypeRule{u"generate image", u"image"},
+    TypeRule{u"видео", u"video"},
+    TypeRule{u"video", u"video"},
+    TypeRule{u"поиск", u"search"},
+    TypeRule{u"найди", u"search"},
+    TypeRule{u"search", u"search"},
+};
+
+}
+
+bool isAnswer(const ChatMessage& message) {
+    return message.role == ChatMessage::Role::ai || message.role == ChatMessage::Role::assistant;
+}
+
+std::vector<MessageContent> contentOf(const QString& text, const std::optional<QString>& editImageUrl) {
+    std::vector<MessageContent> content;
+    if (editImageUrl)
+        content.push_back({MessageContent::Image{*editImageUrl}});
+    if (!text.isEmpty())
+        content.push_back({Text{text}});
+    return content;
+}
+
+Turn begin(std::vector<MessageContent> content, qint64 chatId, const Clock& clock, Random& random) {
+    const QString now = clock.now().toString(Qt::ISODate);
+    ChatMessage question = message(ChatMessage::Role::user, std::move(content), chatId, now, random);
+    ChatMessage answer = message(ChatMessage::Role::ai, {{Text{}}}, chatId, now, random);
+    return {std::move(question), std::move(answer)};
+}
+
+QString detectGenerationType(const QString& text, bool hasImage) {
+    if (hasImage)
+        return u"image"_s;
+    const QString lower = text.toLower();
+    for (const TypeRule& rule : typeRules) {
+        if (lower.contains(rule.word))
+            return rule.type.toString();
+    }
+    return u"text"_s;
+}
+
+std::vector<ChatMessage> mergeFileAttachments(const std::vector<ChatMessage>& local, std::vector<ChatMessage> server) {
+    QHash<QString, std::vector<MessageContent>> known;
+    for (const ChatMessage& each : local) {
+        if (!isOfUser(each))
+            continue;
+        if (auto attached = files(each); !attached.empty())
+            known.insert(joinedText(each), std::move(attached));
+    }
+    for (ChatMessage& each : server) {
+        if (known.isEmpty() || !isOfUser(each) || !files(each).empty())
+            continue;
+        const auto attached = known.constFind(joinedText(each));
+        if (attached == known.constEnd())
+            continue;
+        if (!each.content)
+            each.content.emplace();
+        each.content->insert(each.content->end(), attached->begin(), attached->end());
+    }
+    return server;
+}
+
+void removePlaceholders(ChatMessage& message) {
+    if (!message.content)
+        return;
+    std::erase_if(*message.content, [](const MessageContent& block) {
+        return block.as<MessageContent::Generating>() || block.as<MessageContent::SearchInProgress>();
+    });
+}
+
+std::optional<QString> lastQuestion(const std::vector<ChatMessage>& messages) {
+    const auto question = std::find_if(messages.rbegin(), messages.rend(), isOfUser);
+    if (question == messages.rend() || !question->content)
+        return std::nullopt;
+    for (const MessageContent& block : *question->content) {
+        if (const auto* text = block.as<Text>())
+            return text->text;
+    }
+    return std::nullopt;
+}
+
+}

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "ChatMessage.h"
+
+namespace Korvi {
+
+class Clock;
+class Random;
+
+// What a message is made of, as pure functions.
+namespace MessageComposition {
+
+bool isAnswer(const ChatMessage& message); // of any of the two roles that answers have
+
+struct Turn {
+    ChatMessage question;
+    ChatMessage answer; // one empty text block
+};
+
+// The blocks of a question: the image to be edited, if any, then the text, if any.
+std::vector<MessageContent> contentOf(const QString& text, const std::optional<QString>& editImageUrl);
+
+// The two messages that stand in the list before the service has said anything. Their ids are local: the service's
+// own come with the next reload.
+Turn begin(std::vector<MessageContent> content, qint64 chatId, const Clock& clock, Random& random);
+
+// "image", "video", "search" or "text": what an answer to this is likely to be.
+QString detectGenerationType(const QString& text, bool hasImage);
+
+// The service may return the user's messages without their files: they are taken from the messages at hand that have
+// the same text.
+std::vector<ChatMessage> mergeFileAttachments(const std::vector<ChatMessage>& local, std::vector<ChatMessage> server);
+
+// Takes away what says that a tool is at work.
+void removePlaceholders(ChatMessage& message);
+
+// The first text of the last message of the user; absent without one.
+std::optional<QString> lastQuestion(const std::vector<ChatMessage>& messages);
+
+}
+
+}
