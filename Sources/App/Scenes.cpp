@@ -89,8 +89,10 @@ void Scenes::openSettings() {
 
 void Scenes::closeSettings() {
     // Not at once: it may be the window itself that says so.
-    if (QObject* closed = m_settings.release())
+    if (QObject* closed = m_settings.release()) {
         closed->deleteLater();
+        raiseMain();
+    }
 }
 
 void Scenes::raiseMain() {

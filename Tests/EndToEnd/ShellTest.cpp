@@ -182,7 +182,7 @@ TEST_F(Shell, AnAccountIsDeletedOrItIsSaidWhyNot) {
     ASSERT_TRUE(waitFor([&] { return text(person, u"dialogTitle"_s) == u"Не удалось удалить аккаунт"_s; }));
     EXPECT_EQ(text(person, u"dialogMessage"_s), u"Не удалось удалить аккаунт. Проверьте подключение к интернету."_s);
     person.press(Qt::Key_Return);
-    ASSERT_TRUE(gone(person, u"dialogTitle"_s));
+    ASSERT_TRUE(gone(person, u"dialogTitle"_s)) << person.focus().toStdString();
     EXPECT_TRUE(person.app().auth().isAuthenticated());
 
     m_proxy.restore();

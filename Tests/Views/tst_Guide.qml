@@ -43,11 +43,17 @@ FocusScope {
             root.heard = []
         }
 
+        function resize(width) {
+            root.width = width
+            root.Window.window.width = width
+            tryCompare(root.Window.window, "width", width)
+        }
+
         function cleanup() {
             guide.close()
             consent.close()
             tryVerify(() => guide.item === null && consent.item === null)
-            root.width = 900
+            resize(900)
             Theme.textSize = 13
         }
 
@@ -61,7 +67,7 @@ FocusScope {
         }
 
         function test_everyStepHasItsWordsAndItsDrawing(data) {
-            root.width = data.width
+            resize(data.width)
             Theme.textSize = data.size
             guide.open({ kind: data.kind })
             compare(guide.item.steps.length, data.count)
@@ -129,7 +135,7 @@ FocusScope {
         }
 
         function test_theConsentFitsEveryWindow(data) {
-            root.width = data.width
+            resize(data.width)
             Theme.textSize = data.size
             consent.open({})
             const sheet = consent.item

@@ -19,16 +19,21 @@ Item {
             return
         }
         item = component.createObject(onDemand, properties) as T.Popup
-        item.closed.connect(() => {
-            const closed = onDemand.item
-            onDemand.item = null
-            closed.destroy()
-        })
         item.open()
     }
 
     function close(): void {
         if (item)
             item.close()
+    }
+
+    Connections {
+        function onClosed() {
+            const closed = onDemand.item
+            onDemand.item = null
+            closed.destroy()
+        }
+
+        target: onDemand.item
     }
 }

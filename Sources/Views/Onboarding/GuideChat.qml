@@ -5,6 +5,7 @@ import Korvi.Views // the types written in C++
 GuideVisual {
     id: visual
 
+    // qmllint disable unqualified
     component Chip: Rectangle {
         id: chip
 
@@ -35,6 +36,7 @@ GuideVisual {
             x: 26 * visual.u
         }
     }
+    // qmllint enable unqualified
 
     Rectangle {
         color: visual.wash

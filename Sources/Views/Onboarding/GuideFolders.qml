@@ -5,6 +5,7 @@ import Korvi.Views // the types written in C++
 GuideVisual {
     id: visual
 
+    // qmllint disable unqualified
     component Session: Row {
         id: session
 
@@ -27,6 +28,7 @@ GuideVisual {
             width: session.length * visual.u
         }
     }
+    // qmllint enable unqualified
 
     GuideCard {
         height: 176 * visual.u

@@ -5,6 +5,7 @@ import Korvi.Views // the types written in C++
 GuideVisual {
     id: visual
 
+    // qmllint disable unqualified
     component Tile: GuideCard {
         id: tile
 
@@ -20,6 +21,7 @@ GuideVisual {
             size: 30 * visual.u
         }
     }
+    // qmllint enable unqualified
 
     // A picture: a sun over hills.
     GuideCard {

@@ -6,6 +6,7 @@ GuideVisual {
 
     readonly property point middle: Qt.point(160 * u, 150 * u)
 
+    // qmllint disable unqualified
     component Ring: Rectangle {
         required property real reach // its radius in units
 
@@ -27,6 +28,7 @@ GuideVisual {
         x: visual.middle.x + Math.cos(angle) * reach * visual.u - width / 2
         y: visual.middle.y + Math.sin(angle) * reach * visual.u - height / 2
     }
+    // qmllint enable unqualified
 
     Ring { reach: 78 }
     Ring { reach: 134 }

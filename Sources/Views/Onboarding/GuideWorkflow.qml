@@ -5,6 +5,7 @@ import Korvi.Views // the types written in C++
 GuideVisual {
     id: visual
 
+    // qmllint disable unqualified
     component Stop: Rectangle {
         id: stop
 
@@ -30,6 +31,7 @@ GuideVisual {
         radius: width / 2
         width: Math.max(1, 3 * visual.u)
     }
+    // qmllint enable unqualified
 
     Way {
         color: visual.accent

@@ -56,7 +56,7 @@ Column {
             symbol: "hand.raised"
             text: "Политика конфиденциальности"
             trailing: "arrow.up.right.square"
-            unavailable: section.about.privacyPolicyUrl.toString().length > 0 ? "" : section.notConfigured
+            unavailable: section.about.hasPrivacyPolicy ? "" : section.notConfigured
 
             onTriggered: Qt.openUrlExternally(section.about.privacyPolicyUrl)
         }
@@ -66,7 +66,7 @@ Column {
             symbol: "doc.text"
             text: "Условия использования"
             trailing: "arrow.up.right.square"
-            unavailable: section.about.termsOfUseUrl.toString().length > 0 ? "" : section.notConfigured
+            unavailable: section.about.hasTermsOfUse ? "" : section.notConfigured
 
             onTriggered: Qt.openUrlExternally(section.about.termsOfUseUrl)
         }

@@ -31,6 +31,7 @@ FocusScope {
         currentIndex: 0
         focus: true
         interactive: contentHeight > height
+        keyNavigationEnabled: true
         keyNavigationWraps: true
         model: sidebar.sections
         spacing: Theme.gap1 / 2

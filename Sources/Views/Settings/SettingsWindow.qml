@@ -44,7 +44,7 @@ Window {
     }
 
     Shortcut {
-        sequences: ["Escape", StandardKey.Close]
+        sequences: ["Escape", "Ctrl+W"]
 
         onActivated: window.close()
     }

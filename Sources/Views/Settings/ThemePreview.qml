@@ -8,11 +8,13 @@ Rectangle {
 
     readonly property real unit: width / 40
 
+    // qmllint disable unqualified
     component Line: Rectangle {
         color: colors.line2
         height: Math.max(2, Math.round(preview.unit))
         radius: height / 2
     }
+    // qmllint enable unqualified
 
     Accessible.ignored: true
     clip: true

@@ -12,6 +12,8 @@ Item {
     readonly property bool wantsConsent: !consent.aiDataConsentGiven
     readonly property string guideKind: wantsConsent ? "" : onboarding.kind
 
+    signal closed
+
     function show(): void {
         if (wantsConsent)
             consentSheet.open({})
@@ -28,6 +30,11 @@ Item {
         id: consentSheet
 
         source: "AIDataConsentView.qml"
+
+        onItemChanged: {
+            if (!item)
+                sheets.closed()
+        }
     }
     Connections {
         function onAccepted() {
@@ -43,8 +50,10 @@ Item {
 
         // Another guide was asked for while this one was closing.
         onItemChanged: {
-            if (!item)
-                sheets.show()
+            if (item)
+                return
+            sheets.closed()
+            sheets.show()
         }
     }
     Connections {

@@ -57,6 +57,8 @@ Window {
         target: noticeBar.item
     }
     ContentView {
+        id: content
+
         anchors.bottom: parent.bottom
         anchors.left: parent.left
         anchors.right: parent.right
@@ -69,5 +71,8 @@ Window {
         chat: window.chat
         consent: window.consent
         onboarding: window.onboarding
+
+        // The screen below may be another one by now.
+        onClosed: content.forceActiveFocus()
     }
 }
