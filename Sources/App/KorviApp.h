@@ -7,17 +7,31 @@
 #include "Chat/ChatService.h"
 #include "Chat/ChatViewModel.h"
 #include "DesktopAppearance.h"
+#include "Linux/BrowserAuthentication.h"
 #include "Linux/QtHttpTransport.h"
 #include "Linux/QtScheduler.h"
 #include "Linux/QtWebSocketTransport.h"
+#include "Linux/RoutePathMonitor.h"
 #include "Linux/SecretServiceKeychain.h"
 #include "Linux/SystemClock.h"
 #include "NotificationCenter.h"
+#include "Scenes.h"
+#include "Shell/AIDataConsent.h"
+#include "Shell/AboutViewModel.h"
 #include "Shell/AuthViewModel.h"
-
-#include <QQmlApplicationEngine>
+#include "Shell/CacheManager.h"
+#include "Shell/DeepLinkHandler.h"
+#include "Shell/HomeViewModel.h"
+#include "Shell/NetworkMonitor.h"
+#include "Shell/Onboarding.h"
+#include "Shell/ReviewManager.h"
+#include "Shell/SceneActivation.h"
+#include "Shell/ThemeManager.h"
+#include "SignIn/SocialAuthService.h"
 
 namespace Korvi {
+
+class SingleInstance;
 
 // The composition root: makes the one instance of each long-lived object and hands them on through constructors.
 // The order of the members is the order of their making; what is below may use what is above.
@@ -30,16 +44,18 @@ public:
     // Shows the window and starts the first check of the stored token. False when the window cannot be made.
     bool start();
 
+    // Does what later starts of the program ask for. A URL that no sign-in waits for is ignored.
+    void follow(const SingleInstance& instance);
+
     // For tests that drive the real application.
     AuthViewModel& auth() { return m_auth; }
     ChatViewModel& chat() { return m_chat; }
-    QObject* window() const { return m_engine.rootObjects().value(0); }
+    HomeViewModel& home() { return m_home; }
+    DeepLinkHandler& deepLinks() { return m_deepLinks; }
+    const Scenes& scenes() const { return m_scenes; }
 
 private:
-    void userChanged();
-    void forgetConversations();
     void tokenDied();
-    void applyAppearance();
 
     Info m_info;
     SystemClock m_clock;
@@ -55,13 +71,25 @@ private:
     APIClient m_client;
     AuthenticationService m_authentication;
     UsersService m_users;
+    BrowserAuthentication m_browser;
+    SocialAuthService m_social;
     ChatService m_chatService;
     DataCacheManager m_cache;
     AuthViewModel m_auth;
     ChatViewModel m_chat;
+    RoutePathMonitor m_paths;
+    NetworkMonitor m_network;
+    DeepLinkHandler m_deepLinks;
+    AIDataConsent m_consent;
+    Onboarding m_onboarding;
+    HomeViewModel m_home;
+    ReviewManager m_reviews;
+    SceneActivation m_activation;
+    ThemeManager m_theme;
+    CacheManager m_caches;
+    AboutViewModel m_about;
     DesktopAppearance m_appearance;
-    QQmlApplicationEngine m_engine;
-    QString m_userId;  // whose conversations the view models hold; empty for nobody's
+    Scenes m_scenes;
     TaskScope m_scope; // last: its tasks end before anything they use
 };
 

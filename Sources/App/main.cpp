@@ -1,5 +1,6 @@
 #include "KorviApp.h"
 #include "Log.h"
+#include "SingleInstance.h"
 
 #include <QGuiApplication>
 #include <QLocale>
@@ -12,6 +13,10 @@ int main(int argc, char* argv[]) {
     QLocale::setDefault(QLocale(QLocale::Russian));
     Korvi::installLogFormat();
 
+    Korvi::SingleInstance instance;
+    if (!instance.claim(QGuiApplication::arguments().mid(1)))
+        return EXIT_SUCCESS;
     Korvi::KorviApp korvi;
+    korvi.follow(instance);
     return korvi.start() ? QGuiApplication::exec() : EXIT_FAILURE;
 }

@@ -2,6 +2,9 @@
 #include "Backend.h"
 #include "Backend/AuthenticationService.h"
 #include "Backend/UsersService.h"
+#include "FakeRandom.h"
+#include "FakeWebAuthentication.h"
+#include "SignIn/SocialAuthService.h"
 
 #include <gtest/gtest.h>
 
@@ -16,12 +19,22 @@ const QByteArray user =
 const QByteArray signedIn =
     R"({"id":"u1","isBlocked":false,"createdAt":"x","settings_includeChatHistory":true,"session":{"id":"s","isTrusted":true,"opaqueToken":"tok-1","createdAt":"x"}})";
 
+const QJsonObject clients{
+    {"KorviGoogleClientID", "1-a.apps.googleusercontent.com"},
+    {"KorviVKAppID", "12345678"},
+    {"KorviYandexClientID", "0123456789abcdef0123456789abcdef"},
+    {"KorviAppleClientID", "com.example.web"},
+};
+
 class AuthViewModelTest : public testing::Test, public Backend {
 protected:
     AuthenticationService authentication{client};
     UsersService users{client};
+    FakeWebAuthentication web;
+    FakeRandom random;
+    SocialAuthService social{{web, random}, SocialAuthConfiguration::fromInfo(Info(clients)), client.baseURL()};
     int disconnects = 0;
-    AuthViewModel auth{{client, authentication, users, virtualTime, [this] { ++disconnects; }}};
+    AuthViewModel auth{{client, authentication, users, social, virtualTime, [this] { ++disconnects; }}};
 
     void enterCode() {
         http.answer(u"/auth/email"_s, "{}");
@@ -111,7 +124,7 @@ TEST_F(AuthViewModelTest, TheStartTellsASignedOutUserFromOneWithoutANetwork) {
     for (const Row& row : rows) {
         signIn("tok-0");
         row.script();
-        AuthViewModel fresh({client, authentication, users, virtualTime, [] {}});
+        AuthViewModel fresh({client, authentication, users, social, virtualTime, [] {}});
         fresh.start();
         EXPECT_TRUE(fresh.isInitialCheckComplete()) << row.what;
         EXPECT_EQ(fresh.isAuthenticated(), row.isAuthenticated) << row.what;
@@ -138,8 +151,8 @@ TEST_F(AuthViewModelTest, LeavingForgetsTheUserAndAFailingRefreshDoesNot) {
 }
 
 TEST_F(AuthViewModelTest, AnswersThatComeAfterTheEndTouchNothing) {
-    auto doomed =
-        std::make_unique<AuthViewModel>(AuthViewModel::Dependencies{client, authentication, users, virtualTime, [] {}});
+    auto doomed = std::make_unique<AuthViewModel>(
+        AuthViewModel::Dependencies{client, authentication, users, social, virtualTime, [] {}});
     doomed->start();
     auto& open = http.open(u"/user"_s);
     doomed.reset();

@@ -17,6 +17,11 @@ FocusScope {
         objectName: "behind"
         placeholderText: "Под диалогом"
     }
+    InputField {
+        objectName: "other"
+        placeholderText: "И это"
+        y: 60
+    }
     OnDemand {
         id: question
 
@@ -93,6 +98,18 @@ FocusScope {
             verify(question.item.visible)
             keyClick(Qt.Key_Escape)
             tryVerify(() => question.item === null)
+        }
+
+        function test_whatReachesForTheKeyboardGetsItAfterwards() {
+            const other = findChild(root, "other")
+            ask({})
+            keyClick(Qt.Key_Left)
+            other.forceActiveFocus()
+            tryVerify(() => findChild(question.item.contentItem, "rejectButton").activeFocus) // where it was
+            keyClick(Qt.Key_Return)
+            compare(root.heard, ["rejected"])
+            tryVerify(() => question.item === null)
+            verify(other.activeFocus)
         }
 
         function test_aSheetThatCannotBeDismissed() {

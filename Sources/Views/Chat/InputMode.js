@@ -24,7 +24,7 @@ const modes = [
         title: "Поиск в интернете", subtitle: "Найти актуальные новости и информацию",
     },
     {
-        id: "study", symbol: "book", chip: "Обучение",
+        id: "study", symbol: "graduationcap", chip: "Обучение",
         placeholder: "Чему хотите научиться?",
         title: "Учиться", subtitle: "Изучить новую концепцию",
     },

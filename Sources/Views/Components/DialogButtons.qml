@@ -9,8 +9,10 @@ FocusScope {
     property bool destructive: false
     property bool acceptEnabled: true
     property bool busy: false
+    property bool fill: false // the two share the whole width
     readonly property Item accept: acceptButton
     readonly property Item reject: rejectButton
+    readonly property real share: rejectButton.visible ? (width - Theme.gap2) / 2 : width
 
     signal accepted
     signal rejected
@@ -31,7 +33,7 @@ FocusScope {
             objectName: "rejectButton"
             text: buttons.rejectText
             visible: text.length > 0
-            width: Math.min(implicitWidth, (buttons.width - Theme.gap2) / 2)
+            width: buttons.fill ? buttons.share : Math.min(implicitWidth, buttons.share)
 
             onClicked: buttons.rejected()
         }
@@ -45,7 +47,7 @@ FocusScope {
             implicitHeight: Theme.buttonHeight
             objectName: "acceptButton"
             text: buttons.acceptText
-            width: Math.min(implicitWidth, rejectButton.visible ? (buttons.width - Theme.gap2) / 2 : buttons.width)
+            width: buttons.fill ? buttons.share : Math.min(implicitWidth, buttons.share)
 
             onClicked: buttons.accepted()
         }

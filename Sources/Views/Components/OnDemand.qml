@@ -19,11 +19,6 @@ Item {
             return
         }
         item = component.createObject(onDemand, properties) as T.Popup
-        item.closed.connect(() => {
-            const closed = onDemand.item
-            onDemand.item = null
-            closed.destroy()
-        })
         item.open()
     }
 
@@ -37,5 +32,15 @@ Item {
     function close(): void {
         if (item)
             item.close()
+    }
+
+    Connections {
+        function onClosed() {
+            const closed = onDemand.item
+            onDemand.item = null
+            closed.destroy()
+        }
+
+        target: onDemand.item
     }
 }

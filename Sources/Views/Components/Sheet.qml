@@ -9,7 +9,9 @@ T.Dialog {
     property bool dismissible: true
     property real naturalWidth: Theme.px(Theme.dialogWidth)
     property Item firstFocus: null // has the keyboard when the sheet opens
-    property Item focusBefore: null
+    property Item focusBefore: null // gets the keyboard back
+    property Item focusInside: null
+    property bool closing: false
 
     anchors.centerIn: parent
     closePolicy: dismissible ? T.Popup.CloseOnEscape : T.Popup.NoAutoClose
@@ -20,6 +22,36 @@ T.Dialog {
     modal: true
     padding: Theme.gap6
     parent: T.Overlay.overlay
+
+    function keepFocus(): void {
+        if (!closing && focusInside)
+            focusInside.forceActiveFocus(Qt.TabFocusReason)
+    }
+
+    function isWithin(item: Item, ancestor: Item): bool {
+        let above = item
+        while (above && above !== ancestor)
+            above = above.parent
+        return above !== null
+    }
+
+    // A screen below that comes up meanwhile reaches for the keyboard; it gets it when the sheet is gone.
+    readonly property Connections keeper: Connections {
+        function onActiveFocusItemChanged() {
+            const item = sheet.parent.Window.window.activeFocusItem
+            // On its way out a popup leaves the keyboard to nobody, before it says that it hides.
+            if (!item || item === sheet.parent.Window.window.contentItem)
+                return
+            if (sheet.isWithin(item, sheet.contentItem)) {
+                sheet.focusInside = item
+            } else if (!sheet.isWithin(item, sheet.parent)) {
+                sheet.focusBefore = item
+                Qt.callLater(sheet.keepFocus)
+            }
+        }
+
+        target: sheet.visible ? sheet.parent.Window.window : null
+    }
 
     background: Rectangle {
         border.color: Theme.line2
@@ -44,11 +76,16 @@ T.Dialog {
         Behavior on opacity { NumberAnimation { duration: Theme.quick } }
     }
 
-    onAboutToShow: focusBefore = parent && parent.Window.window ? parent.Window.window.activeFocusItem : null
+    onAboutToShow: {
+        focusBefore = parent.Window.window.activeFocusItem
+        focusInside = firstFocus
+        closing = false
+    }
+    onAboutToHide: closing = true
     // At once, not after the animation: the first key belongs to the sheet.
     onVisibleChanged: {
-        if (visible && firstFocus)
-            firstFocus.forceActiveFocus(Qt.TabFocusReason)
+        if (visible)
+            keepFocus()
     }
     onClosed: {
         if (focusBefore)

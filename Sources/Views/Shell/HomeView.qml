@@ -19,7 +19,7 @@ FocusScope {
         },
         focusComposer: focusComposer,
         chooseModel: () => conversation.chooseModel(),
-        settings: settingsRequested,
+        settings: openSettings,
         shortcuts: () => shortcutSheet.open({}),
     })
 
@@ -39,6 +39,11 @@ FocusScope {
     function focusComposer(): void {
         layout.close()
         conversation.focusComposer()
+    }
+
+    function openSettings(): void {
+        layout.close()
+        settingsRequested()
     }
 
     focus: true
@@ -82,7 +87,7 @@ FocusScope {
                 chatActions.openMenu(chatId, name, isFavorite, item, x, y)
             onNewChat: home.startChat()
             onRenameRequested: (chatId, name) => chatActions.askName(chatId, name)
-            onSettingsRequested: home.settingsRequested()
+            onSettingsRequested: home.openSettings()
             onShortcutsRequested: home.actions.shortcuts()
         }
 
