@@ -63,6 +63,11 @@ void Person::press(Qt::Key key, Qt::KeyboardModifiers modifiers) {
     QTest::keyClick(window(), key, modifiers);
 }
 
+void Person::pressCharacter(QChar character, Qt::KeyboardModifiers modifiers) {
+    const auto key = static_cast<Qt::Key>(character.toUpper().unicode());
+    QTest::sendKeyEvent(QTest::Click, window(), key, QString(character), modifiers);
+}
+
 bool Person::tabTo(const QString& objectName) {
     for (int presses = 0; presses < 40; ++presses) {
         if (focus() == objectName)

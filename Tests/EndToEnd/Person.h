@@ -26,6 +26,8 @@ public:
         const QString& email, const std::function<QString()>& code, const QString& goal = QStringLiteral("composer"));
     void type(const QString& text);
     void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
+    // A key of another alphabet, as a keyboard of its country sends it.
+    void pressCharacter(QChar character, Qt::KeyboardModifiers modifiers);
     // Presses Tab until the item has the keyboard; false when it never does.
     bool tabTo(const QString& objectName);
     void ask(const QString& question); // types it and presses Return
