@@ -74,7 +74,7 @@ Item {
     // Later: once the menu has given the keyboard back.
     Connections {
         function onChosen(mode) {
-            Qt.callLater(bar.modeChosen, mode)
+            Qt.callLater(bar.modeChosen, mode) // qmllint disable
         }
 
         target: menu.item

@@ -27,7 +27,7 @@ Item {
 
     function showPicker(): void {
         if (choosingModel)
-            picker.open({ models: header.models, y: modelButton.height + Theme.gap1 })
+            picker.open({ models: header.models })
         else
             picker.close()
     }

@@ -6,7 +6,8 @@ T.Popup {
     id: picker
 
     required property var models // roles modelId, name, description, iconName, provider, isSelected; in group order
-    readonly property real room: parent ? parent.Window.height - parent.mapToItem(null, 0, 0).y - y - Theme.gap2 : 0
+    readonly property real below: parent ? parent.height + Theme.gap1 : 0 // the button that it belongs to
+    readonly property real room: parent ? parent.Window.height - parent.mapToItem(null, 0, below).y - Theme.gap2 : 0
 
     property int selectedRow: 0
 
@@ -14,7 +15,7 @@ T.Popup {
 
     function choose(row: Item): void {
         if (row)
-            chosen(row.modelId) // qmllint disable missing-property
+            chosen(row.modelId) // qmllint disable
     }
 
     closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutsideParent // the button that opened it closes it
@@ -26,6 +27,7 @@ T.Popup {
     objectName: "modelPicker"
     padding: Theme.gap1
     width: Math.min(implicitWidth, parent ? parent.Window.width - Theme.gap2 * 2 : implicitWidth)
+    y: below
 
     onAboutToShow: {
         list.currentIndex = selectedRow

@@ -45,13 +45,13 @@ Item {
     // The dialogs come later: they take the keyboard once the menu has given it back.
     Connections {
         function onDeleteRequested(name) {
-            Qt.callLater(actions.askDeletion, menu.chatId, name)
+            Qt.callLater(actions.askDeletion, menu.chatId, name) // qmllint disable
         }
         function onFavoriteToggled() {
             actions.favoriteToggled(menu.chatId)
         }
         function onRenameRequested(name) {
-            Qt.callLater(actions.askName, menu.chatId, name)
+            Qt.callLater(actions.askName, menu.chatId, name) // qmllint disable
         }
 
         target: menu.item

@@ -36,12 +36,12 @@ BaseButton {
         Item {
             id: end
 
-            readonly property Item shown: menuButton.visible ? menuButton : dot.visible ? dot : ageLabel
-            readonly property bool empty: ageLabel.visible && row.age.length === 0
+            readonly property real shownWidth: menuButton.visible ? menuButton.width : dot.visible ? dot.width
+                : ageLabel.width
 
             anchors.right: parent.right
             height: parent.height
-            width: empty ? 0 : shown.width + Theme.gap2
+            width: shownWidth > 0 ? shownWidth + Theme.gap2 : 0
 
             Label {
                 id: ageLabel

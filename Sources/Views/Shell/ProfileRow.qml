@@ -85,13 +85,13 @@ Item {
     }
     Connections {
         function onLogout() {
-            Qt.callLater(row.logout)
+            Qt.callLater(row.logout) // qmllint disable
         }
         function onSettingsRequested() {
             row.settingsRequested()
         }
         function onShortcutsRequested() {
-            Qt.callLater(row.shortcutsRequested)
+            Qt.callLater(row.shortcutsRequested) // qmllint disable
         }
 
         target: menu.item

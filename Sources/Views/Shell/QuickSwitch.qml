@@ -176,7 +176,7 @@ Sheet {
         ChatQuickFindModel {
             id: finder
 
-            activeChatId: switcher.activeChatId
+            activeChatId: switcher.activeChatId // qmllint disable
             query: field.text
             source: switcher.chats
 
