@@ -88,6 +88,7 @@ TEST_F(Sidebar, AChatIsRenamedPinnedAndDeleted) {
     press({Qt::Key_Return});
     ASSERT_TRUE(waitFor([&] { return nameOf(older) == u"Переименованный"_s; }));
 
+    ASSERT_TRUE(focused(u"chatList"_s));
     m_person.press(Qt::Key_F, Qt::ControlModifier);
     press({Qt::Key_Escape, Qt::Key_Down, Qt::Key_Down, Qt::Key_Menu, Qt::Key_Return});
     ASSERT_TRUE(waitFor([&] { return chat().chats()->isFavorite(older); }));
@@ -97,6 +98,7 @@ TEST_F(Sidebar, AChatIsRenamedPinnedAndDeleted) {
     ASSERT_TRUE(focused(u"chatList"_s));
     press({Qt::Key_Down, Qt::Key_Delete, Qt::Key_Return}); // "no" is where the keyboard stands
     EXPECT_EQ(chat().chats()->count(), 2);
+    ASSERT_TRUE(focused(u"chatList"_s));
     press({Qt::Key_Delete, Qt::Key_Right, Qt::Key_Return});
     ASSERT_TRUE(waitFor([this] { return chat().chats()->count() == 1; }));
     EXPECT_EQ(nameOf(newer), QString());

@@ -94,6 +94,15 @@ FocusScope {
             compare(root.heard, [3])
         }
 
+        function test_askedForWhileItLeavesItComesAgain() {
+            const first = palette.item
+            keyClick(Qt.Key_Escape)
+            palette.open({ chats: chats, activeChatId: 2 })
+            tryVerify(() => palette.item && palette.item !== first)
+            field = findChild(palette.item.contentItem, "quickSwitchField")
+            verify(field.activeFocus)
+        }
+
         function test_nothingFoundIsSaid() {
             field.text = "рыба"
             verify(findChild(palette.item.contentItem, "quickSwitchNothing").visible)

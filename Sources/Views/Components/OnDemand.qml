@@ -8,11 +8,16 @@ Item {
 
     required property url source
     property T.Popup item: null
+    property bool leaving: false
+    property var next: null // what to open when the one that is leaving has gone
 
     // While it is open, opening it again does nothing.
     function open(properties: var): void {
-        if (item)
+        if (item) {
+            if (leaving)
+                next = properties
             return
+        }
         const component = Qt.createComponent(source)
         if (component.status === Component.Error) {
             console.warn(component.errorString())
