@@ -40,10 +40,18 @@ Item {
     }
 
     Connections {
+        function onAboutToHide() {
+            onDemand.leaving = true
+        }
         function onClosed() {
             const closed = onDemand.item
+            const next = onDemand.next
             onDemand.item = null
+            onDemand.leaving = false
+            onDemand.next = null
             closed.destroy()
+            if (next)
+                onDemand.open(next)
         }
 
         target: onDemand.item
