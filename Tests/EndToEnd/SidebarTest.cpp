@@ -34,6 +34,10 @@ protected:
     bool focused(const QString& objectName) {
         return waitFor([&] { return m_person.focus() == objectName; });
     }
+    // With the keyboard back in the list.
+    bool dialogGone() {
+        return waitFor([this] { return !m_person.see(u"dialogTitle"_s) && m_person.focus() == u"chatList"_s; });
+    }
     void press(std::initializer_list<Qt::Key> keys) {
         for (const Qt::Key key : keys) {
             m_person.press(key);
@@ -59,6 +63,7 @@ TEST_F(Sidebar, AQuickSwitchGoesToAChatByAFewLetters) {
     m_person.press(Qt::Key_Return);
     EXPECT_EQ(chat().activeChatId(), first);
     ASSERT_TRUE(focused(u"composer"_s));
+    ASSERT_TRUE(waitFor([this] { return m_person.see(u"quickSwitchField"_s) == nullptr; }));
     ASSERT_TRUE(waitFor([this] { return m_person.readQuestions() == QStringList{u"Ёлка в лесу"_s}; }));
 
     // Without letters: back to the one before. The keyboard is a Russian one.
@@ -68,6 +73,7 @@ TEST_F(Sidebar, AQuickSwitchGoesToAChatByAFewLetters) {
     EXPECT_EQ(chat().activeChatId(), second);
     ASSERT_TRUE(focused(u"composer"_s));
 
+    ASSERT_TRUE(waitFor([this] { return m_person.see(u"quickSwitchField"_s) == nullptr; }));
     m_person.press(Qt::Key_Up);
     EXPECT_EQ(chat().currentInput(), u"Рецепт без глютена"_s);
     m_person.press(Qt::Key_Escape);
@@ -88,7 +94,7 @@ TEST_F(Sidebar, AChatIsRenamedPinnedAndDeleted) {
     press({Qt::Key_Return});
     ASSERT_TRUE(waitFor([&] { return nameOf(older) == u"Переименованный"_s; }));
 
-    ASSERT_TRUE(focused(u"chatList"_s));
+    ASSERT_TRUE(dialogGone());
     m_person.press(Qt::Key_F, Qt::ControlModifier);
     press({Qt::Key_Escape, Qt::Key_Down, Qt::Key_Down, Qt::Key_Menu, Qt::Key_Return});
     ASSERT_TRUE(waitFor([&] { return chat().chats()->isFavorite(older); }));
@@ -98,7 +104,7 @@ TEST_F(Sidebar, AChatIsRenamedPinnedAndDeleted) {
     ASSERT_TRUE(focused(u"chatList"_s));
     press({Qt::Key_Down, Qt::Key_Delete, Qt::Key_Return}); // "no" is where the keyboard stands
     EXPECT_EQ(chat().chats()->count(), 2);
-    ASSERT_TRUE(focused(u"chatList"_s));
+    ASSERT_TRUE(dialogGone());
     press({Qt::Key_Delete, Qt::Key_Right, Qt::Key_Return});
     ASSERT_TRUE(waitFor([this] { return chat().chats()->count() == 1; }));
     EXPECT_EQ(nameOf(newer), QString());

@@ -174,6 +174,25 @@ FocusScope {
             compare(list.currentIndex, 1)
         }
 
+        function test_theKeyboardStaysWhenItsRowGoes_data() {
+            return [
+                { tag: "deleted", keys: [Qt.Key_Delete, Qt.Key_Right, Qt.Key_Return], change: () => chats.remove(1) },
+                { tag: "renamed out of the search", keys: [Qt.Key_F2, "N", Qt.Key_Return],
+                    change: () => chats.setProperty(1, "name", "N") },
+            ]
+        }
+
+        function test_theKeyboardStaysWhenItsRowGoes(data) {
+            type("елка 1")
+            keyClick(Qt.Key_Down)
+            keys(data.keys)
+            data.change()
+            list.forceLayout()
+            tryVerify(() => list.activeFocus)
+            keyClick(Qt.Key_Return)
+            compare(root.heard[1], "open 11")
+        }
+
         function test_shiftF10OpensTheMenuOfTheRow() {
             keyClick(Qt.Key_Down)
             keyClick(Qt.Key_F10, Qt.ShiftModifier)

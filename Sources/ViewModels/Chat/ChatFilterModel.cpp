@@ -3,6 +3,7 @@
 #include "Chat/SearchText.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace Korvi {
 
@@ -55,31 +56,7 @@ void ChatFilterModel::setQuery(const QString& query) {
     const QStringList words = searchWords(query);
     if (words != m_words) {
         m_words = words;
-        for (int last = count() - 1; last >= 0;) {
-            const auto kept = [this](int row) { return accepts(m_rows[static_cast<std::size_t>(row)]); };
-            if (kept(last)) {
-                --last;
-                continue;
-            }
-            int first = last;
-            while (first > 0 && !kept(first - 1))
-                --first;
-            removeAt(first, last);
-            last = first - 1;
-        }
-        const int sources = static_cast<int>(m_keys.size());
-        int row = 0;
-        for (int next = 0; next < sources;) {
-            std::vector<int> missing;
-            for (; next < sources && (row >= count() || m_rows[static_cast<std::size_t>(row)] != next); ++next) {
-                if (accepts(next))
-                    missing.push_back(next);
-            }
-            if (!missing.empty())
-                insertAt(row, missing);
-            row += static_cast<int>(missing.size()) + 1;
-            ++next;
-        }
+        becomeAccepted();
         if (!m_rows.empty())
             emit dataChanged(index(0), index(count() - 1), {MarksRole});
     }
@@ -141,6 +118,38 @@ QVariant ChatFilterModel::valueAt(int row, const char* role) const {
     if (!m_source || row < 0 || row >= count())
         return {};
     return m_source->index(m_rows[static_cast<std::size_t>(row)], 0).data(roleOf(role));
+}
+
+void ChatFilterModel::becomeAccepted() {
+    std::vector<int> wanted;
+    for (int row = 0; row < static_cast<int>(m_keys.size()); ++row) {
+        if (accepts(row))
+            wanted.push_back(row);
+    }
+    std::size_t at = 0; // before it the rows are those that are wanted
+    for (int steps = 0; at < m_rows.size() || at < wanted.size();) {
+        if (at < m_rows.size() && at < wanted.size() && m_rows[at] == wanted[at]) {
+            ++at;
+            continue;
+        }
+        const int nextKept = at < wanted.size() ? wanted[at] : std::numeric_limits<int>::max();
+        const int nextShown = at < m_rows.size() ? m_rows[at] : std::numeric_limits<int>::max();
+        const bool atOnce = ++steps > stepLimit;
+        std::size_t end = at;
+        while (end < m_rows.size() && (atOnce || m_rows[end] < nextKept))
+            ++end;
+        if (end > at)
+            removeAt(static_cast<int>(at), static_cast<int>(end) - 1);
+        if (end > at && !atOnce)
+            continue;
+        end = at;
+        while (end < wanted.size() && (atOnce || wanted[end] < nextShown))
+            ++end;
+        const auto place = [&](std::size_t row) { return wanted.begin() + static_cast<std::ptrdiff_t>(row); };
+        if (end > at)
+            insertAt(static_cast<int>(at), std::vector<int>(place(at), place(end)));
+        at = end;
+    }
 }
 
 void ChatFilterModel::rebuild() {

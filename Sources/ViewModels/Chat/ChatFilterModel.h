@@ -10,8 +10,8 @@
 namespace Korvi {
 
 // The rows of a list of chats whose names contain every word of a query, in the order of that list. A new query adds
-// and removes the rows that differ and no others; rows that the source moves, move. Beside the source's roles:
-// "marks", where the words are in the name (start, length, start, length ...), and "age" (ChatDate.h).
+// and removes the rows that differ and no others, except far down a long list, where nobody looks and one step is
+// cheaper than hundreds; rows that the source moves, move. Beside the source's roles: "marks", where the words are in the name (start, length, start, length ...), and "age" (ChatDate.h).
 class ChatFilterModel : public QAbstractListModel {
     Q_OBJECT
     QML_ELEMENT
@@ -24,6 +24,7 @@ class ChatFilterModel : public QAbstractListModel {
 public:
     static constexpr int MarksRole = Qt::UserRole + 1000;
     static constexpr int AgeRole = MarksRole + 1;
+    static constexpr int stepLimit = 64; // runs of rows that a new query adds or removes one by one
 
     using QAbstractListModel::QAbstractListModel;
 
@@ -51,6 +52,7 @@ signals:
     void countChanged();
 
 private:
+    void becomeAccepted();
     void rebuild();
     void sourceInserted(int first, int last);
     void sourceGoing(int first, int last);

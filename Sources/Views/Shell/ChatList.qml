@@ -149,6 +149,8 @@ ListView {
     }
 
     onActiveChatIdChanged: showActive()
+    // The list has the keyboard, not a row, which a search or a deletion may take away.
+    onCurrentItemChanged: if (currentItem) currentItem.focus = false
     onActiveFocusChanged: {
         if (activeFocus && currentIndex < 0 && rows > 0)
             currentIndex = Math.max(0, filter.rowOf(activeChatId))
@@ -159,6 +161,8 @@ ListView {
 
         query: list.query
         source: list.chats
+
+        onQueryChanged: query.length > 0 ? list.positionViewAtBeginning() : list.showActive()
     }
     // Ages change by the minute, for eyes that are there.
     Timer {
