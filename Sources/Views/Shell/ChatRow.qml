@@ -63,22 +63,28 @@ BaseButton {
                 visible: row.busy && !menuButton.visible
                 width: Theme.px(6)
             }
-            IconButton {
+            Loader {
                 id: menuButton
 
+                active: row.hovered || row.menuOpen
                 anchors.right: parent.right
                 anchors.rightMargin: -Theme.gap1
                 anchors.verticalCenter: parent.verticalCenter
-                focusPolicy: Qt.NoFocus
-                hint: ""
-                implicitHeight: Theme.px(24)
-                implicitWidth: Theme.px(24)
-                objectName: "chatMenuButton"
-                symbol: "ellipsis"
-                text: "Меню чата"
-                visible: row.hovered || row.menuOpen
+                visible: active
 
-                onClicked: row.menuRequested(menuButton, 0, height)
+                // qmllint disable unqualified
+                sourceComponent: IconButton {
+                    focusPolicy: Qt.NoFocus
+                    hint: ""
+                    implicitHeight: Theme.px(24)
+                    implicitWidth: Theme.px(24)
+                    objectName: "chatMenuButton"
+                    symbol: "ellipsis"
+                    text: "Меню чата"
+
+                    onClicked: row.menuRequested(this, 0, height)
+                }
+                // qmllint enable unqualified
             }
         }
     }
