@@ -225,9 +225,11 @@ FocusScope {
             list.positionViewAtIndex(25, ListView.Center)
             list.currentIndex = 24
             const before = place(25)
+            list.forceActiveFocus()
             chats.move(35, 2, 1)
             compare(place(25), before)
             compare(list.model.chatIdAt(list.currentIndex), 24)
+            compare(root.Window.window.activeFocusItem, list)
             chats.insert(2, { chatId: 99, name: "Новый", isFavorite: false, updatedAt: "", isGenerating: false })
             compare(place(25), before)
             chats.remove(3, 1)

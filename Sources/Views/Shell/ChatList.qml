@@ -89,6 +89,8 @@ ListView {
         width: list.width - Theme.gap2 * 2
         x: Theme.gap2
 
+        // The list has the keyboard, not a row, which a search or a deletion may take away.
+        onFocusChanged: if (focus) focus = false
         onClicked: {
             list.currentIndex = index
             list.chosen(chatId)
@@ -149,8 +151,6 @@ ListView {
     }
 
     onActiveChatIdChanged: showActive()
-    // The list has the keyboard, not a row, which a search or a deletion may take away.
-    onCurrentItemChanged: if (currentItem) currentItem.focus = false
     onActiveFocusChanged: {
         if (activeFocus && currentIndex < 0 && rows > 0)
             currentIndex = Math.max(0, filter.rowOf(activeChatId))
