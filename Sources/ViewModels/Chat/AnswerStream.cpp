@@ -4,6 +4,7 @@
 #include "Chat/ChatService.h"
 #include "Chat/MessageComposition.h"
 #include "Chat/MessageListModel.h"
+#include "Clock.h"
 
 #include <QLoggingCategory>
 
@@ -17,13 +18,22 @@ AnswerStream::AnswerStream(Dependencies dependencies, MessageListModel& shown, Q
     , m_shown(shown)
     , m_journal(dependencies.defaults, dependencies.cache) {}
 
-void AnswerStream::begin(qint64 chatId) {
+void AnswerStream::begin(Question question) {
     Generation generation;
-    generation.chatId = chatId;
-    generation.createsChat = chatId < 0;
+    generation.chatId = question.chatId;
+    generation.question = question;
     generation.lengthWithAnswer = static_cast<std::size_t>(m_shown.count());
     m_generations.begin(std::move(generation));
-    settled();
+    settled(); // written down before it goes out
+    submit(question);
+}
+
+void AnswerStream::submit(const Question& question) {
+    ChatService& service = m_dependencies.chatService;
+    if (question.chatId < 0)
+        service.createChat(question.model, question.text, question.imageUrls, {}, question.projectId);
+    else
+        service.sendMessage(question.chatId, question.text, question.imageUrls);
 }
 
 bool AnswerStream::stop() {
@@ -181,7 +191,14 @@ void AnswerStream::heard() {
     m_silenceTimer.cancel();
 }
 
+void AnswerStream::disconnected() {
+    if (!m_lostAt)
+        m_lostAt = m_dependencies.clock.now();
+}
+
 void AnswerStream::connected() {
+    m_wasAwayTooLong = m_lostAt && m_lostAt->secsTo(m_dependencies.clock.now()) >= replayLife.count();
+    m_lostAt.reset();
     Generation* generation = m_generations.current();
     if (!generation)
         return;
@@ -194,8 +211,7 @@ void AnswerStream::connected() {
         if (each.state == Generation::State::stopped && !m_generations.runningOf(each.chatId))
             m_dependencies.chatService.stopGeneration(each.chatId);
     }
-    m_silenceTimer =
-        m_dependencies.scheduler.after(silenceTimeout, [this] { m_scope.start([this] { return askAboutSilence(); }); });
+    askLater(silenceTimeout, false);
     m_reconnectTimer = m_dependencies.scheduler.after(reconnectTimeout, [this] {
         m_reconnectTimer.cancel();
         if (m_generations.isEmpty())
@@ -209,62 +225,91 @@ void AnswerStream::connected() {
     });
 }
 
-// Answers that ended while the line was down for long are not repeated; the service has them all the same. One that is
-// still being worked on stays.
-Task<void> AnswerStream::askAboutSilence() {
+void AnswerStream::askLater(std::chrono::seconds delay, bool mayResend) {
+    m_silenceTimer = m_dependencies.scheduler.after(
+        delay, [this, mayResend] { m_scope.start([this, mayResend] { return askAboutSilence(mayResend); }); });
+}
+
+// Answers that ended while the line was down for long are not repeated, and a question may have been lost with the
+// line: the messages of the chat tell. An answer that is still being worked on stays.
+Task<void> AnswerStream::askAboutSilence(bool mayResend) {
     while (Generation* generation = m_generations.current()) {
         if (m_heardSinceConnect)
             co_return;
         const quint64 serial = generation->serial;
         const qint64 chatId = generation->chatId;
-        if (chatId < 0 && !generation->isRestored)
-            co_return;
-        if (chatId < 0 || generation->state != Generation::State::running) {
-            returnQuestion(*generation);
+        if (generation->state != Generation::State::running) {
             finish(generation);
             continue;
         }
         std::vector<ChatMessage> messages;
-        try {
-            messages = co_await m_dependencies.chatService.getMessages(chatId);
-        } catch (const TaskCancelled&) {
-            throw;
-        } catch (const std::exception& error) {
-            qCWarning(lcStream).noquote() << "❌ [ChatViewModel] Error loading messages:" << error.what();
-            co_return;
+        if (chatId > 0) {
+            try {
+                messages = co_await m_dependencies.chatService.getMessages(chatId);
+            } catch (const TaskCancelled&) {
+                throw;
+            } catch (const std::exception& error) {
+                qCWarning(lcStream).noquote() << "❌ [ChatViewModel] Error loading messages:" << error.what();
+                co_return askLater(resendTimeout, false);
+            }
+            generation = m_generations.current();
+            if (!generation || generation->serial != serial || m_heardSinceConnect)
+                co_return;
+            if (isComplete(*generation, messages)) {
+                adopt(*generation, messages);
+                finish(generation);
+                continue;
+            }
+            if (knows(messages, *generation))
+                co_return;
         }
-        generation = m_generations.current();
-        if (!generation || generation->serial != serial || m_heardSinceConnect)
-            co_return;
-        const bool isComplete = this->isComplete(*generation, messages);
-        const auto& local = generation->isOpen ? m_shown.messages() : generation->parked;
-        const bool hasQuestion = MessageComposition::lastQuestion(messages) == MessageComposition::lastQuestion(local);
-        if (!isComplete && (hasQuestion || !generation->isRestored))
-            co_return;
-        if (!isComplete)
-            returnQuestion(*generation);
-        m_dependencies.cache.cacheMessages(messages, chatId);
+        if (!mayResend)
+            co_return askLater(resendTimeout, true);
+        const bool mayHaveBeenAnswered = chatId < 0 && (generation->isRestored || m_wasAwayTooLong);
+        if (!mayHaveBeenAnswered) {
+            qCInfo(lcStream) << "📤 [ChatViewModel] A question was lost with the line, sending it again";
+            co_return submit(generation->question);
+        }
+        emit questionReturned(generation->question.text);
+        if (generation->isOpen)
+            dropTurn();
         generation->parked.clear();
-        if (std::exchange(generation->isOpen, false))
-            m_shown.setMessages(messages);
+        generation->isOpen = false;
         finish(generation);
     }
 }
 
-bool AnswerStream::isComplete(const Generation& generation, const std::vector<ChatMessage>& messages) const {
-    const auto& local = generation.isOpen ? m_shown.messages() : generation.parked;
-    return messages.size() >= generation.lengthWithAnswer && !messages.empty() &&
-        MessageComposition::isAnswer(messages.back()) &&
-        MessageComposition::lastQuestion(messages) == MessageComposition::lastQuestion(local);
+const std::vector<ChatMessage>& AnswerStream::messagesOf(const Generation& generation) const {
+    return generation.isOpen ? m_shown.messages() : generation.parked;
 }
 
-void AnswerStream::returnQuestion(Generation& generation) {
-    if (generation.state != Generation::State::running)
-        return;
-    const auto& messages = generation.isOpen ? m_shown.messages() : generation.parked;
-    if (const auto text = MessageComposition::lastQuestion(messages))
-        emit questionReturned(*text);
-    generation.parked.clear();
+bool AnswerStream::isComplete(const Generation& generation, const std::vector<ChatMessage>& messages) const {
+    return messages.size() >= generation.lengthWithAnswer && !messages.empty() &&
+        MessageComposition::isAnswer(messages.back()) &&
+        MessageComposition::lastQuestion(messages) == MessageComposition::lastQuestion(messagesOf(generation));
+}
+
+// Whether the service has the question: as often as it stands here.
+bool AnswerStream::knows(const std::vector<ChatMessage>& messages, const Generation& generation) const {
+    const auto count = [&](const std::vector<ChatMessage>& list) {
+        return std::count_if(list.begin(), list.end(), [&](const ChatMessage& message) {
+            return message.role == ChatMessage::Role::user && message.text() == generation.question.text;
+        });
+    };
+    return count(messages) >= count(messagesOf(generation));
+}
+
+void AnswerStream::adopt(Generation& generation, const std::vector<ChatMessage>& messages) {
+    if (generation.isOpen)
+        m_shown.setMessages(messages);
+    else
+        generation.parked = messages;
+}
+
+// The question and the empty answer are no longer part of the open conversation.
+void AnswerStream::dropTurn() {
+    for (int i = 0; i < 2 && m_shown.count() > 0; ++i)
+        m_shown.remove(m_shown.count() - 1);
 }
 
 std::optional<AnswerStream::Ending> AnswerStream::end() {
@@ -285,9 +330,9 @@ std::optional<AnswerStream::Ending> AnswerStream::fail(std::optional<qint64> cha
 AnswerStream::Ending AnswerStream::finish(Generation* generation) {
     const Ending ending{.chatId = generation->chatId,
         .wasOpen = generation->isOpen,
-        .createdChat = generation->createsChat,
+        .createdChat = generation->createsChat(),
         .wasRestored = generation->isRestored};
-    const std::vector<ChatMessage>& messages = generation->isOpen ? m_shown.messages() : generation->parked;
+    const std::vector<ChatMessage>& messages = messagesOf(*generation);
     if (ending.chatId > 0) {
         if (!messages.empty())
             m_dependencies.cache.cacheMessages(messages, ending.chatId);

@@ -6,12 +6,14 @@
 #include "Scheduler.h"
 #include "TaskScope.h"
 
+#include <QDateTime>
 #include <QObject>
 #include <QSet>
 
 namespace Korvi {
 
 class ChatService;
+class Clock;
 class MessageListModel;
 
 // The life of the answers: from the question to the end, through lost lines, other chats being opened, and restarts.
@@ -25,13 +27,17 @@ public:
         DataCacheManager& cache;
         Defaults& defaults;
         Scheduler& scheduler;
+        Clock& clock;
     };
 
     static constexpr auto flushInterval = std::chrono::milliseconds(80);
     static constexpr auto reconnectTimeout = std::chrono::seconds(120);
     // A service that has something to repeat does so at once. What stays silent that long after a connect is asked
-    // for over REST.
+    // for over REST, and what the service does not know after another while is sent again.
     static constexpr auto silenceTimeout = std::chrono::seconds(3);
+    static constexpr auto resendTimeout = std::chrono::seconds(7);
+    // How long the service keeps an answer for a client that is away.
+    static constexpr auto replayLife = std::chrono::seconds(120);
 
     // What became of an answer.
     struct Ending {
@@ -43,8 +49,8 @@ public:
 
     AnswerStream(Dependencies dependencies, MessageListModel& shown, QObject* parent = nullptr);
 
-    // The last two messages that are shown are a question, just sent, and its answer.
-    void begin(qint64 chatId);
+    // Sends the question. The last two messages that are shown are it and its answer.
+    void begin(Question question);
     // The open conversation's answer, if one is running: what comes of it from now on is dropped. Its text stays.
     bool stop();
     // Another conversation is about to be shown: the answer goes on at the service and grows out of sight.
@@ -63,6 +69,7 @@ public:
     Owner created(qint64 chatId); // whose the new chat is
     void receive(const QString& piece, AnswerFold::Kind kind);
     void connected();
+    void disconnected();
     std::optional<Ending> end();
     std::optional<Ending> fail(std::optional<qint64> chatId);
     void heard(); // anything of a stream: it is alive
@@ -76,16 +83,21 @@ signals:
     void changed();  // isGenerating or the chats that generate
     void followed(); // the open conversation's text grew by enough to be followed
     void generatingChatsChanged(const QSet<qint64>& chatIds);
-    void questionReturned(const QString& text); // it never reached the service
+    void questionReturned(const QString& text); // it never reached the service, as far as one can tell
     void waitingEnded(qint64 chatId);           // without an end: the service's messages are what there is
 
 private:
     bool foldInto(Generation& generation, ChatMessage& answer); // whether it changed the answer
     Ending finish(Generation* generation);
     void settled(); // after every change of the queue
-    Task<void> askAboutSilence();
+    void submit(const Question& question);
+    void askLater(std::chrono::seconds delay, bool mayResend);
+    Task<void> askAboutSilence(bool mayResend);
+    const std::vector<ChatMessage>& messagesOf(const Generation& generation) const;
     bool isComplete(const Generation& generation, const std::vector<ChatMessage>& messages) const;
-    void returnQuestion(Generation& generation);
+    bool knows(const std::vector<ChatMessage>& messages, const Generation& generation) const;
+    void adopt(Generation& generation, const std::vector<ChatMessage>& messages);
+    void dropTurn();
 
     Dependencies m_dependencies;
     MessageListModel& m_shown;
@@ -94,7 +106,9 @@ private:
     QSet<qint64> m_answeredNewChats; // whose creation may be told again
     bool m_isGenerating = false;
     bool m_heardSinceConnect = false;
-    Timer m_flushTimer; // active while pieces keep coming
+    std::optional<QDateTime> m_lostAt; // when the line was lost
+    bool m_wasAwayTooLong = false;     // for the service to repeat what has ended meanwhile
+    Timer m_flushTimer;                // active while pieces keep coming
     Timer m_reconnectTimer;
     Timer m_silenceTimer;
     TaskScope m_scope; // last: its tasks end before anything they use

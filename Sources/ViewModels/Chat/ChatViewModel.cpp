@@ -29,8 +29,9 @@ ChatViewModel::ChatViewModel(Dependencies dependencies, QObject* parent)
     : QObject(parent)
     , m_dependencies(dependencies)
     , m_directory({dependencies.chatService, dependencies.cache, dependencies.notifications})
-    , m_stream(
-          {dependencies.chatService, dependencies.cache, dependencies.defaults, dependencies.scheduler}, m_messages)
+    , m_stream({dependencies.chatService, dependencies.cache, dependencies.defaults, dependencies.scheduler,
+                   dependencies.clock},
+          m_messages)
     , m_modelSelection(dependencies.defaults) {
     ChatService& service = m_dependencies.chatService;
     service.onEvent = [self = QPointer(this)](const SocketEvent& event) {
@@ -275,9 +276,7 @@ Task<void> ChatViewModel::loadMessages(qint64 chatId) {
         qCWarning(lcChat).noquote() << "❌ [ChatViewModel] Error loading messages:" << error.what();
         co_return;
     }
-    if (activeChatId() != chatId)
-        co_return;
-    if (m_stream.isUnderWay(chatId)) {
+    if (activeChatId() != chatId || m_stream.isUnderWay(chatId)) {
         qCInfo(lcChat) << "⏳ [ChatViewModel] Skipping message refresh — streaming in progress";
         m_dependencies.cache.cacheMessages(messages, chatId);
         co_return;
@@ -347,19 +346,14 @@ void ChatViewModel::send(const QString& text, const std::optional<QString>& edit
         MessageComposition::contentOf(text, editImageUrl), chatId, m_dependencies.clock, m_dependencies.random);
     m_messages.append({std::move(turn.question), std::move(turn.answer)});
     dismissError();
-    m_stream.begin(chatId);
-    restartHintTimer();
-
-    QStringList imageUrls;
-    if (editImageUrl)
-        imageUrls.append(*editImageUrl);
-    ChatService& service = m_dependencies.chatService;
-    if (m_activeChat) {
+    if (m_activeChat)
         m_directory.touch(chatId, m_dependencies.clock.now().toString(Qt::ISODateWithMs));
-        service.sendMessage(chatId, text, imageUrls);
-    } else {
-        service.createChat(selectedModel(), text, imageUrls, {}, m_activeProjectId);
-    }
+    m_stream.begin({.chatId = chatId,
+        .model = selectedModel(),
+        .text = text,
+        .imageUrls = editImageUrl ? QStringList(*editImageUrl) : QStringList(),
+        .projectId = m_activeProjectId});
+    restartHintTimer();
 }
 
 void ChatViewModel::stopGeneration() {
@@ -424,7 +418,7 @@ void ChatViewModel::handleSocketEvent(const SocketEvent& event) {
         [this](const SocketEvent::Error& error) { failed(error); },
         [this](const SocketEvent::StreamEnd&) { streamEnded(); }, [](const SocketEvent::ToolStart&) {},
         [](const SocketEvent::ToolEnd&) {}, [](const SocketEvent::ArtifactChunk&) {},
-        [](const SocketEvent::Disconnected&) {}, [](const SocketEvent::Message&) {});
+        [this](const SocketEvent::Disconnected&) { m_stream.disconnected(); }, [](const SocketEvent::Message&) {});
 }
 
 void ChatViewModel::created(const Chat& chat) {
@@ -458,7 +452,7 @@ void ChatViewModel::streamEnded() {
     }
     emit m_dependencies.notifications.didCompleteAIResponse();
     // A restored answer lacks what had been confirmed before the restart, and a new chat gets its title by now.
-    if (ending->wasRestored && ending->chatId == activeChatId())
+    if (ending->wasRestored)
         m_scope.start([this, chatId = ending->chatId] { return loadMessages(chatId); });
     if (ending->createdChat)
         m_scope.start([this] { return m_directory.load(); });

@@ -16,22 +16,33 @@ namespace {
 const auto journalKey = u"runningGenerations"_s;
 
 struct Entry {
+    Question question;
     qint64 chatId = -1;
-    bool createsChat = false;
     bool isStopped = false;
-    std::vector<ChatMessage> turn; // question and answer
+    std::vector<ChatMessage> turn; // question and answer as they are shown
 
     static Entry fromJson(const JsonReader& json) {
+        const JsonReader asked = json.object("question"_L1);
+        QStringList imageUrls;
+        for (const QJsonValue url : asked.raw().value("imageUrls"_L1).toArray())
+            imageUrls.append(url.toString());
         return {
+            .question = {.chatId = asked.integer("chatId"_L1),
+                .model = asked.string("model"_L1),
+                .text = asked.string("text"_L1),
+                .imageUrls = imageUrls,
+                .projectId = asked.optionalInteger("projectId"_L1)},
             .chatId = json.integer("chatId"_L1),
-            .createsChat = json.boolean("createsChat"_L1),
             .isStopped = json.boolean("isStopped"_L1),
             .turn = json.array<ChatMessage>("turn"_L1),
         };
     }
     QJsonObject toJson() const {
-        return {{"chatId"_L1, chatId}, {"createsChat"_L1, createsChat}, {"isStopped"_L1, isStopped},
-            {"turn"_L1, toJsonArray(turn)}};
+        QJsonObject asked{{"chatId"_L1, question.chatId}, {"model"_L1, question.model}, {"text"_L1, question.text},
+            {"imageUrls"_L1, QJsonArray::fromStringList(question.imageUrls)}};
+        insertIfPresent(asked, "projectId"_L1, question.projectId);
+        return {
+            {"question"_L1, asked}, {"chatId"_L1, chatId}, {"isStopped"_L1, isStopped}, {"turn"_L1, toJsonArray(turn)}};
     }
 };
 
@@ -51,8 +62,8 @@ void GenerationJournal::save(const GenerationQueue& queue, const std::vector<Cha
     std::vector<Entry> entries;
     for (const Generation& generation : queue.all()) {
         const std::vector<ChatMessage>& messages = generation.isOpen ? shown : generation.parked;
-        Entry entry{.chatId = generation.chatId,
-            .createsChat = generation.createsChat,
+        Entry entry{.question = generation.question,
+            .chatId = generation.chatId,
             .isStopped = generation.state != Generation::State::running,
             .turn = {}};
         if (messages.size() >= 2 && !entry.isStopped)
@@ -79,7 +90,7 @@ std::vector<Generation> GenerationJournal::restore() {
     for (Entry& entry : m_cache.loadFromDisk<Entry>(journalKey).value_or(std::vector<Entry>())) {
         Generation generation;
         generation.chatId = entry.chatId;
-        generation.createsChat = entry.createsChat;
+        generation.question = entry.question;
         generation.isOpen = false;
         generation.isRestored = true;
         if (entry.isStopped || entry.turn.size() != 2) {

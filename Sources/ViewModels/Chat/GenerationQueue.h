@@ -7,6 +7,17 @@
 
 namespace Korvi {
 
+// What was asked, as it goes out to the service.
+struct Question {
+    qint64 chatId = -1; // -1: it begins a chat
+    QString model;      // of a new chat
+    QString text;
+    QStringList imageUrls;
+    std::optional<qint64> projectId; // of a new chat
+
+    bool operator==(const Question&) const = default;
+};
+
 // One answer that the service is working on.
 struct Generation {
     enum class State {
@@ -16,16 +27,18 @@ struct Generation {
     };
 
     quint64 serial = 0; // given by the queue
+    Question question;
     qint64 chatId = -1;
-    bool isOpen = true;       // its chat is the open conversation
-    bool createsChat = false; // its question begins the chat
-    bool isRestored = false;  // asked for before the last start of the client
+    bool isOpen = true;      // its chat is the open conversation
+    bool isRestored = false; // asked for before the last start of the client
     State state = State::running;
     std::vector<ChatMessage> parked;  // the messages of its chat while another one is open
     std::size_t lengthWithAnswer = 0; // how many messages the chat has when the answer is complete
     AnswerFold fold;
     QStringList textPieces; // received, waiting for the next flush
     QStringList thinkingPieces;
+
+    bool createsChat() const { return question.chatId < 0; }
 };
 
 // The answers under way, in the order in which they were asked for. Frames carry no chat; the service delivers
