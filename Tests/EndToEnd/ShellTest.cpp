@@ -50,7 +50,7 @@ protected:
 
 TEST_F(Shell, ANewPersonAgreesSignsInAndIsShownRound) {
     startService();
-    Person person(m_proxy.serverPort(), Person::Acquaintance::isNew);
+    Person person(m_proxy.serverPort(), {}, Person::Acquaintance::isNew);
     person.startClient();
     ASSERT_TRUE(seen(person, u"emailField"_s)); // the check went on behind the sheet
     ASSERT_TRUE(waitFor([&] { return person.focus() == u"acceptButton"_s; }));
