@@ -34,6 +34,8 @@ Sheet {
     title: "Ваши данные и модели ИИ"
 
     contentItem: Item {
+        Keys.onDownPressed: rows.scroll(1)
+        Keys.onUpPressed: rows.scroll(-1)
         implicitHeight: heading.implicitHeight + rows.contentHeight + foot.implicitHeight
 
         Column {
@@ -65,15 +67,13 @@ Sheet {
                 wrapMode: Text.Wrap
             }
         }
-        Flickable {
+        ScrollArea {
             id: rows
 
             anchors.bottom: foot.top
             anchors.top: heading.bottom
-            boundsBehavior: Flickable.StopAtBounds
-            clip: true
             contentHeight: column.height
-            contentWidth: width
+            objectName: "passedOn"
             width: parent.width
 
             Column {
