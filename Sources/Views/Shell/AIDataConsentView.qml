@@ -74,13 +74,13 @@ Sheet {
             anchors.top: heading.bottom
             contentHeight: column.height
             objectName: "passedOn"
-            width: parent.width
+            width: parent.width + Theme.gap4 // the bar stands beside the words
 
             Column {
                 id: column
 
                 spacing: Theme.gap4
-                width: parent.width
+                width: rows.width - Theme.gap4
 
                 Repeater {
                     model: sheet.passedOn
