@@ -86,6 +86,8 @@ constexpr std::array table{
         }},
     Option{"--allow-plain-http", "", "разрешить http:// не только для своего компьютера: ключ и текст пойдут открыто",
         [](Options& o, const std::string&) { o.allowPlainHttp = true; }},
+    Option{"--dev-providers", "", "для разработки: вход с вымышленными учётными записями Google, Яндекса, VK и Apple",
+        [](Options& o, const std::string&) { o.devProviders = true; }},
     Option{"--help", "", "эта справка", [](Options& o, const std::string&) { o.help = true; }},
     Option{"--version", "", "версия", [](Options& o, const std::string&) { o.version = true; }},
 };
@@ -124,6 +126,8 @@ Options parseOptions(const std::vector<std::string>& arguments) {
         }
         option->apply(options, value);
     }
+    if (options.devProviders && !options.isLoopback())
+        throw OptionsError("--dev-providers пускает каждого: только вместе с адресом этого компьютера (--host)");
     if (options.data.empty() && !options.help && !options.version)
         options.data = defaultData();
     return options;

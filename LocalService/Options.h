@@ -29,7 +29,11 @@ struct Options {
     std::string model;
     std::map<std::string, std::string> modelForMode;
     bool allowPlainHttp = false;
+    /// Stand-in accounts of other providers may sign in; only at a loopback address.
+    bool devProviders = false;
     std::chrono::seconds modelIdle{180};
+
+    bool isLoopback() const { return host.starts_with("127.") || host == "::1" || host == "localhost"; }
 };
 
 /// A command line that cannot be obeyed; `what()` is for the user.

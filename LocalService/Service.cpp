@@ -33,7 +33,7 @@ Service::Service(const Options& options)
     , signIn_(accounts_, printCode)
     , provider_(providerFor(io_, options))
     , engine_(io_, chats_, *provider_)
-    , api_(signIn_, accounts_, chats_, engine_)
+    , api_(signIn_, accounts_, chats_, engine_, options.devProviders)
     , http_(io_, api_, engine_, host_, options.port)
     , signals_(io_, SIGTERM, SIGINT) {
     // A full disk or a closed pipe is an error to report, not a reason to die.
@@ -44,7 +44,7 @@ Service::Service(const Options& options)
             stop();
     });
     engine_.recover();
-    if (!host_.starts_with("127.") && host_ != "::1")
+    if (!options.isLoopback())
         logLine("служба доступна по сети без шифрования: поставьте перед ней сервер с TLS.");
 }
 

@@ -34,6 +34,8 @@ public:
     std::optional<std::chrono::seconds> requestCode(const std::string& email);
     /// Absent for a code that is wrong, expired, used or guessed at too often.
     std::optional<SignedIn> verify(const std::string& email, const std::string& code);
+    /// For whoever has proved otherwise that the address is theirs.
+    SignedIn signInAs(const std::string& email);
     std::optional<SessionRow> sessionOf(const std::string& token);
 
 private:

@@ -54,6 +54,27 @@ std::string firstWords(std::string_view text, std::size_t limit) {
     return trimmed(line);
 }
 
+std::optional<std::string> fromBase64Url(std::string_view text) {
+    constexpr std::string_view alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_";
+    while (!text.empty() && text.back() == '=')
+        text.remove_suffix(1);
+    std::string bytes;
+    unsigned held = 0;
+    int bits = 0;
+    for (const char c : text) {
+        const auto value = alphabet.find(c);
+        if (value == std::string_view::npos)
+            return std::nullopt;
+        held = (held << 6U) | static_cast<unsigned>(value);
+        bits += 6;
+        if (bits >= 8) {
+            bits -= 8;
+            bytes += static_cast<char>((held >> static_cast<unsigned>(bits)) & 0xFFU);
+        }
+    }
+    return bytes;
+}
+
 std::string lowerCase(std::string_view utf8) {
     std::string result;
     result.reserve(utf8.size());

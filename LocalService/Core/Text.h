@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -13,6 +14,9 @@ std::size_t utf16Length(std::string_view utf8);
 
 /// The first words of `text` on one line, at most `limit` code points, cut at a word border where there is one.
 std::string firstWords(std::string_view text, std::size_t limit);
+
+/// Absent if it is not URL-safe base64 (padding may be missing).
+std::optional<std::string> fromBase64Url(std::string_view text);
 
 std::string lowerCase(std::string_view utf8);
 std::string trimmed(std::string_view text);

@@ -1,5 +1,6 @@
 #include "Http/Api.h"
 
+#include "Auth/StandIns.h"
 #include "Core/Json.h"
 #include "Core/Limits.h"
 #include "Core/Text.h"
@@ -40,16 +41,25 @@ json userJson(const UserRow& user) {
 
 }
 
-Api::Api(SignIn& signIn, AccountStore& accounts, ChatStore& chats, AnswerEngine& engine)
+Api::Api(SignIn& signIn, AccountStore& accounts, ChatStore& chats, AnswerEngine& engine, bool devProviders)
     : signIn_(signIn)
     , accounts_(accounts)
     , chats_(chats)
-    , engine_(engine) {}
+    , engine_(engine)
+    , devProviders_(devProviders) {}
 
 const std::vector<Api::Route>& Api::routes() {
     static const std::vector<Route> table{
         {"POST", "/auth/email", Access::open, &Api::requestCode},
         {"POST", "/auth/email/verify", Access::open, &Api::verifyCode},
+        {"POST", "/auth/google", Access::open, &Api::googleSignIn},
+        {"POST", "/auth/vk", Access::open, &Api::vkSignIn},
+        {"POST", "/auth/yandex", Access::open, &Api::yandexSignIn},
+        {"POST", "/auth/apple", Access::open, &Api::appleSignIn},
+        {"GET", "/auth/vk/mobile-callback", Access::page, &Api::vkCallback},
+        {"GET", "/auth/yandex/mobile-callback", Access::page, &Api::yandexCallback},
+        {"GET", "/auth/apple/mobile-callback", Access::page, &Api::appleCallback},
+        {"POST", "/auth/apple/mobile-callback", Access::page, &Api::appleCallback},
         {"GET", "/auth", Access::signedIn, &Api::authenticationRecord},
         {"POST", "/auth/logout", Access::signedIn, &Api::logOut},
         {"GET", "/user", Access::signedIn, &Api::self},
@@ -95,7 +105,7 @@ Response Api::run(const Route& route, const Request& request, long long id) {
                 return failure(401, deadSession);
             context.session = *session;
         }
-        if (!request.body.empty()) {
+        if (!request.body.empty() && route.access != Access::page) {
             const auto body = parseJson(request.body);
             if (!body || !body->is_object())
                 return failure(400, "Тело запроса должно быть объектом JSON.");
@@ -149,17 +159,26 @@ Response Api::verifyCode(const Context& context) {
     const auto result = email && code ? signIn_.verify(*email, trimmed(*code)) : std::nullopt;
     if (!result)
         return failure(400, "Неверный или устаревший код. Проверьте его или запросите новый.");
+    return signedIn(context, *result);
+}
+
+Response Api::signedIn(const Context& context, const SignedIn& result) {
     Response response;
-    response.body = userJson(result->user);
-    response.body["isRegistration"] = result->isRegistration;
-    response.body["session"] = {{"id", result->session.id},
-        {"isTrusted", context.body.value("isTrusted", json(true)) == true}, {"opaqueToken", result->token},
-        {"createdAt", result->session.createdAt}};
+    response.body = userJson(result.user);
+    response.body["isRegistration"] = result.isRegistration;
+    response.body["session"] = {{"id", result.session.id},
+        {"isTrusted", context.body.value("isTrusted", json(true)) == true}, {"opaqueToken", result.token},
+        {"createdAt", result.session.createdAt}};
     return response;
 }
 
 Response Api::authenticationRecord(const Context& context) {
-    return {200, {{"userId", context.session.userId}}, {}};
+    Response response{200, {{"userId", context.session.userId}}, {}};
+    const auto user = devProviders_ ? accounts_.user(context.session.userId) : std::nullopt;
+    for (const char* provider : {"google", "vk", "yandex"})
+        if (const auto account = user ? standins::accountOf(provider, user->email) : std::nullopt)
+            response.body[std::string(provider) + "Id"] = *account;
+    return response;
 }
 
 Response Api::logOut(const Context& context) {

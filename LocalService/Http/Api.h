@@ -6,6 +6,7 @@
 #include "Http/Message.h"
 #include "Store/ChatStore.h"
 
+#include <optional>
 #include <string>
 #include <variant>
 #include <vector>
@@ -18,7 +19,8 @@ public:
     static constexpr const char* basePath = "/api/v1";
     static constexpr const char* socketPath = "/ws/v1/chats";
 
-    Api(SignIn& signIn, AccountStore& accounts, ChatStore& chats, AnswerEngine& engine);
+    /// `devProviders`: stand-in accounts of other providers may sign in.
+    Api(SignIn& signIn, AccountStore& accounts, ChatStore& chats, AnswerEngine& engine, bool devProviders = false);
 
     Response handle(const Request& request);
     /// Who may open the socket with this request, or why it is refused.
@@ -32,7 +34,8 @@ private:
         /// The number that stands for {id} in the path.
         long long id = 0;
     };
-    enum class Access { open, signedIn };
+    /// A page is opened by a browser: what it sends is not JSON.
+    enum class Access { open, signedIn, page };
     struct Route {
         const char* method;
         const char* path;
@@ -42,9 +45,18 @@ private:
     static const std::vector<Route>& routes();
 
     Response run(const Route& route, const Request& request, long long id);
+    static Response signedIn(const Context& context, const SignedIn& result);
+    Response signInAs(const Context& context, const std::optional<std::string>& email);
 
     Response requestCode(const Context& context);
     Response verifyCode(const Context& context);
+    Response googleSignIn(const Context& context);
+    Response vkSignIn(const Context& context);
+    Response yandexSignIn(const Context& context);
+    Response appleSignIn(const Context& context);
+    Response vkCallback(const Context& context);
+    Response yandexCallback(const Context& context);
+    Response appleCallback(const Context& context);
     Response authenticationRecord(const Context& context);
     Response logOut(const Context& context);
     Response self(const Context& context);
@@ -60,6 +72,7 @@ private:
     AccountStore& accounts_;
     ChatStore& chats_;
     AnswerEngine& engine_;
+    bool devProviders_;
     Tickets tickets_;
 };
 

@@ -1,5 +1,6 @@
 #include "Http/Message.h"
 
+#include <algorithm>
 #include <string_view>
 
 namespace korvi::service {
@@ -29,22 +30,46 @@ std::string decoded(std::string_view text) {
     return result;
 }
 
+std::vector<std::pair<std::string, std::string>> pairs(std::string_view text) {
+    std::vector<std::pair<std::string, std::string>> result;
+    while (!text.empty()) {
+        const auto pair = text.substr(0, text.find('&'));
+        const auto equals = pair.find('=');
+        result.emplace_back(decoded(pair.substr(0, equals)),
+            equals == std::string_view::npos ? std::string() : decoded(pair.substr(equals + 1)));
+        text.remove_prefix(std::min(text.size(), pair.size() + 1));
+    }
+    return result;
+}
+
 }
 
 void setTarget(Request& request, const std::string& target) {
     const std::string_view whole(target);
     const auto mark = whole.find('?');
     request.path = decoded(whole.substr(0, mark));
-    if (mark == std::string_view::npos)
-        return;
-    auto rest = whole.substr(mark + 1);
-    while (!rest.empty()) {
-        const auto pair = rest.substr(0, rest.find('&'));
-        const auto equals = pair.find('=');
-        request.query.emplace_back(decoded(pair.substr(0, equals)),
-            equals == std::string_view::npos ? std::string() : decoded(pair.substr(equals + 1)));
-        rest.remove_prefix(std::min(rest.size(), pair.size() + 1));
+    if (mark != std::string_view::npos)
+        request.query = pairs(whole.substr(mark + 1));
+}
+
+std::vector<std::pair<std::string, std::string>> formFields(const std::string& body) {
+    std::string text = body;
+    std::replace(text.begin(), text.end(), '+', ' ');
+    return pairs(text);
+}
+
+std::string percentEncoded(const std::string& text) {
+    constexpr std::string_view digits = "0123456789ABCDEF";
+    constexpr std::string_view plain = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~";
+    std::string result;
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (plain.find(c) != std::string_view::npos)
+            result += c;
+        else
+            result += {'%', digits[byte >> 4U], digits[byte & 15U]};
     }
+    return result;
 }
 
 }

@@ -36,6 +36,12 @@ inline Response failure(int status, std::string message) {
     return {status, {{"message", std::move(message)}}, {}};
 }
 
+/// The fields of a form that a browser posts.
+std::vector<std::pair<std::string, std::string>> formFields(const std::string& body);
+
+/// For one name or value in the query of a URL.
+std::string percentEncoded(const std::string& text);
+
 /// Splits a request target into path and query and removes percent-encoding.
 void setTarget(Request& request, const std::string& target);
 

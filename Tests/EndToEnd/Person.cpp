@@ -4,19 +4,21 @@
 
 #include <QFile>
 #include <QGuiApplication>
+#include <QJsonDocument>
 #include <QTest>
+#include <QtQuickTest>
 
 namespace Korvi::Test {
 
 using namespace Qt::Literals;
 
-Person::Person(quint16 port, Acquaintance acquaintance) {
+Person::Person(quint16 port, QJsonObject info, Acquaintance acquaintance) {
     qputenv("XDG_DATA_HOME", m_home.path().toUtf8());
-    const QString info = m_home.filePath(u"Info.json"_s);
-    QFile file(info);
+    info.insert("KorviAPIBaseURL"_L1, u"http://127.0.0.1:%1/api/v1"_s.arg(port));
+    QFile file(m_home.filePath(u"Info.json"_s));
     file.open(QIODevice::WriteOnly);
-    file.write(u"{\"KorviAPIBaseURL\": \"http://127.0.0.1:%1/api/v1\"}"_s.arg(port).toUtf8());
-    qputenv("KORVI_INFO", info.toUtf8());
+    file.write(QJsonDocument(info).toJson());
+    qputenv("KORVI_INFO", file.fileName().toUtf8());
     if (acquaintance == Acquaintance::isOld) {
         Defaults defaults(m_home.filePath(u"korvi/defaults.sqlite"_s));
         for (const QString& key : {u"aiDataConsentGiven"_s, u"hasSeenAppOnboarding"_s, u"hasSeenAgentOnboarding"_s})
@@ -80,6 +82,21 @@ bool Person::tabTo(const QString& objectName) {
 QString Person::focus() const {
     const QQuickItem* item = window()->activeFocusItem();
     return item ? item->objectName() : QString();
+}
+
+void Person::click(const QString& objectName) {
+    const QQuickItem* item = see(objectName);
+    if (!item)
+        throw std::runtime_error("not on the screen: " + objectName.toStdString());
+    // A screen that has just come is laid out with its first frame.
+    waitFor([item] {
+        const QQuickItem* each = item;
+        while (each && !QQuickTest::qIsPolishScheduled(each))
+            each = each->parentItem();
+        return each == nullptr;
+    });
+    const QPointF middle = item->mapToScene({item->width() / 2, item->height() / 2});
+    QTest::mouseClick(window(), Qt::LeftButton, Qt::NoModifier, middle.toPoint());
 }
 
 void Person::ask(const QString& question) {

@@ -15,7 +15,8 @@ public:
     // Somebody new meets the consent and the guide; everybody else has them behind them.
     enum class Acquaintance { isNew, isOld };
 
-    explicit Person(quint16 port, Acquaintance acquaintance = Acquaintance::isOld);
+    // `info` is added to what the client reads about its installation.
+    explicit Person(quint16 port, QJsonObject info = {}, Acquaintance acquaintance = Acquaintance::isOld);
 
     void startClient();
     void quitClient();
@@ -30,7 +31,8 @@ public:
     void pressCharacter(QChar character, Qt::KeyboardModifiers modifiers);
     // Presses Tab until the item has the keyboard; false when it never does.
     bool tabTo(const QString& objectName);
-    void ask(const QString& question); // types it and presses Return
+    void click(const QString& objectName); // in its middle
+    void ask(const QString& question);     // types it and presses Return
 
     QQuickItem* see(const QString& objectName) const; // null when it is not on the screen
     // What the item that has the keyboard is called; empty without one.

@@ -50,10 +50,10 @@ protected:
 
 TEST_F(Shell, ANewPersonAgreesSignsInAndIsShownRound) {
     startService();
-    Person person(m_proxy.serverPort(), Person::Acquaintance::isNew);
+    Person person(m_proxy.serverPort(), {}, Person::Acquaintance::isNew);
     person.startClient();
     ASSERT_TRUE(seen(person, u"emailField"_s)); // the check went on behind the sheet
-    EXPECT_EQ(person.focus(), u"acceptButton"_s);
+    ASSERT_TRUE(waitFor([&] { return person.focus() == u"acceptButton"_s; }));
     person.press(Qt::Key_Escape);
     person.press(Qt::Key_Left);
     person.press(Qt::Key_Return);

@@ -96,8 +96,9 @@ TEST(Options, AreReadFromTheTableAndRefusedClearly) {
     EXPECT_EQ(options.provider, ProviderKind::openai);
     EXPECT_EQ(options.modelForMode.at("deep"), "big");
     EXPECT_EQ(options.demoDelay, 0ms);
-    for (const std::vector<std::string>& bad : std::vector<std::vector<std::string>>{{"--port", "70000"},
-             {"--port", "-1"}, {"--port"}, {"--nothing"}, {"--provider", "x"}, {"--model-for", "=x"}, {"--help=1"}})
+    for (const std::vector<std::string>& bad :
+        std::vector<std::vector<std::string>>{{"--port", "70000"}, {"--port", "-1"}, {"--port"}, {"--nothing"},
+            {"--provider", "x"}, {"--model-for", "=x"}, {"--help=1"}, {"--dev-providers", "--host", "0.0.0.0"}})
         EXPECT_THROW(parseOptions(bad), OptionsError) << bad.front();
 }
 

@@ -35,7 +35,7 @@ protected:
         http.answer(u"/user"_s, userNamed("u1"));
         http.answer(u"/chats"_s,
             R"({"data":[{"id":7,"name":"Семь","mode":"aiplus","createdAt":"c","updatedAt":"u","userId":"u1"}]})");
-        http.answer(u"/messages/7"_s, R"({"data":[]})");
+        http.answer(u"/chats/7/messages"_s, R"({"data":[]})");
     }
 
     qsizetype requests(const QString& line) { return http.requests().filter(line).size(); }
@@ -120,6 +120,18 @@ TEST_F(HomeTest, AChatAskedForFromOutsideOpensAtOnceOrWithTheMainScreen) {
     chat.createChat();
     deepLinks.setPendingChatId(7); // the same one again
     EXPECT_EQ(chat.activeChatId(), 7);
+    deepLinks.setPendingChatId(99); // of another user, or deleted
+    EXPECT_EQ(chat.activeChatId(), 7);
+    EXPECT_EQ(deepLinks.pendingChatId(), std::nullopt);
+
+    http.hold(u"/chats"_s);
+    networkReturns();
+    deepLinks.setPendingChatId(8); // a new one, which the load that runs will bring
+    EXPECT_EQ(chat.activeChatId(), 7);
+    http.answer(u"/chats/8/messages"_s, R"({"data":[]})");
+    http.open(u"/chats"_s)
+        .answer(R"({"data":[{"id":8,"name":"Восемь","mode":"aiplus","createdAt":"c","updatedAt":"u","userId":"u1"}]})");
+    EXPECT_EQ(chat.activeChatId(), 8);
 }
 
 TEST_F(HomeTest, ADraftWaitsForItsUserAndForNobodyElse) {

@@ -112,6 +112,20 @@ FocusScope {
             compare(root.heard, [])
         }
 
+        function test_whatDoesNotFitIsScrolledByKeys() {
+            resize(420)
+            Theme.textSize = 20
+            consent.open({})
+            const rows = findChild(consent.item.contentItem, "passedOn")
+            verify(rows.contentHeight > rows.height)
+            for (let i = 0; i < 60; ++i)
+                keyClick(Qt.Key_Down)
+            compare(rows.contentY, rows.contentHeight - rows.height)
+            keyClick(Qt.Key_Up)
+            verify(rows.contentY < rows.contentHeight - rows.height)
+            verify(findChild(consent.item.contentItem, "acceptButton").activeFocus)
+        }
+
         function test_onlyYesClosesTheConsent() {
             consent.open({})
             const sheet = consent.item

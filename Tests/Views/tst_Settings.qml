@@ -122,6 +122,7 @@ FocusScope {
             for (const [width, stacked] of [[600, false], [300, true], [600, false]]) {
                 column.width = width
                 compare(row.stacked, stacked)
+                verify(rowButton.width > rowButton.font.pixelSize * 5, "its text fits")
                 const at = rowButton.mapToItem(row, 0, 0)
                 verify(at.x >= 0 && at.x + rowButton.width <= row.width)
                 verify(at.y + rowButton.height <= row.height)

@@ -12,7 +12,7 @@ QString withoutPercentEncoding(const QString& text) {
     static const QRegularExpression broken(QStringLiteral("%(?![0-9A-Fa-f]{2})"));
     if (text.contains(broken))
         return text;
-    QStringDecoder decoder(QStringDecoder::Utf8);
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringConverter::Flag::ConvertInitialBom);
     const QString decoded = decoder(QByteArray::fromPercentEncoding(text.toUtf8()));
     return decoder.hasError() ? text : decoded;
 }

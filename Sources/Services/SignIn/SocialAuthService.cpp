@@ -43,7 +43,7 @@ Origin originOf(const Parameters& redirect, const Parameters& sent) {
 }
 
 QString require(SocialProvider provider, const Parameters& found, const QString& key) {
-    const QString value = found.value(key);
+    QString value = found.value(key);
     if (value.isEmpty())
         failWithoutToken(provider, found);
     return value;

@@ -6,7 +6,7 @@
 
 namespace Korvi {
 
-// A chat that something outside of the window (a notification) wants to be opened. Whoever opens it takes it.
+// A chat that something outside of the window (a notification) wants to be opened. Whoever opens it clears it.
 class DeepLinkHandler : public QObject {
     Q_OBJECT
 
@@ -19,7 +19,6 @@ public:
         if (chatId)
             emit chatRequested();
     }
-    std::optional<qint64> take() { return std::exchange(m_pendingChatId, std::nullopt); }
 
 signals:
     void chatRequested();

@@ -79,14 +79,20 @@ void HomeViewModel::networkBecameAvailable() {
 Task<void> HomeViewModel::recover() {
     m_dependencies.chatService.disconnect();
     co_await m_bootstrap.bootstrapChatDataIfNeeded(true);
+    openPendingChat();
 }
 
-// A chat that was asked for before there is a main screen waits for it.
+// A chat that was asked for before there is a main screen waits for it, and one that is not known yet for the load
+// that may bring it.
 void HomeViewModel::openPendingChat() {
-    if (!m_dependencies.auth.isAuthenticated())
+    const std::optional<qint64> chatId = m_dependencies.deepLinks.pendingChatId();
+    if (!m_dependencies.auth.isAuthenticated() || !chatId)
         return;
-    if (const std::optional<qint64> chatId = m_dependencies.deepLinks.take())
-        m_dependencies.chat.navigateToChat(*chatId);
+    const bool isKnown = m_dependencies.chat.chats()->find(*chatId) != nullptr;
+    if (!isKnown && m_bootstrap.state() == ChatBootstrap::State::running)
+        return;
+    m_dependencies.deepLinks.setPendingChatId(std::nullopt);
+    m_dependencies.chat.navigateToChat(*chatId);
 }
 
 }

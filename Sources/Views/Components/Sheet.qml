@@ -28,6 +28,11 @@ T.Dialog {
             focusInside.forceActiveFocus(Qt.TabFocusReason)
     }
 
+    function giveBack(): void {
+        if (focusBefore)
+            focusBefore.forceActiveFocus(Qt.PopupFocusReason)
+    }
+
     function isWithin(item: Item, ancestor: Item): bool {
         let above = item
         while (above && above !== ancestor)
@@ -81,15 +86,20 @@ T.Dialog {
         focusInside = firstFocus
         closing = false
     }
-    onAboutToHide: closing = true
+    // At once as well: the next key is for what is below, and so is the keyboard for a sheet that follows this one.
+    onAboutToHide: {
+        closing = true
+        giveBack()
+    }
     // At once, not after the animation: the first key belongs to the sheet.
     onVisibleChanged: {
         if (visible)
             keepFocus()
     }
     onClosed: {
-        if (focusBefore)
-            focusBefore.forceActiveFocus(Qt.PopupFocusReason)
+        const item = parent.Window.window.activeFocusItem
+        if (!item || item === parent.Window.window.contentItem)
+            giveBack()
         focusBefore = null
     }
 }

@@ -21,6 +21,7 @@ Sheet {
     signal primaryAction
 
     function go(change: int): void {
+        words.contentY = 0
         stepIndex = Math.max(0, Math.min(steps.length - 1, stepIndex + change))
     }
 
@@ -43,8 +44,10 @@ Sheet {
     onRejected: complete()
 
     contentItem: Item {
+        Keys.onDownPressed: words.scroll(1)
         Keys.onLeftPressed: guide.go(-1)
         Keys.onRightPressed: guide.go(1)
+        Keys.onUpPressed: words.scroll(-1)
 
         // Rounded where the sheet is, straight where it meets the words.
         Rectangle {
@@ -77,7 +80,7 @@ Sheet {
                 onWantedChanged: show()
             }
         }
-        Flickable {
+        ScrollArea {
             id: words
 
             anchors.bottom: foot.top
@@ -86,11 +89,7 @@ Sheet {
             anchors.right: parent.right
             anchors.top: parent.top
             anchors.topMargin: guide.wide ? 0 : guide.drawingHeight
-            boundsBehavior: Flickable.StopAtBounds
-            clip: true
             contentHeight: column.height
-            contentWidth: width
-            interactive: contentHeight > height
 
             Column {
                 id: column

@@ -58,17 +58,14 @@ Window {
 
         onCurrentIndexChanged: window.showSection()
     }
-    Flickable {
+    ScrollArea {
         id: scroller
 
         anchors.bottom: parent.bottom
         anchors.left: sidebar.right
         anchors.right: parent.right
         anchors.top: parent.top
-        boundsBehavior: Flickable.StopAtBounds
         contentHeight: column.height
-        contentWidth: width
-        interactive: contentHeight > height
 
         // What gets the keyboard is brought into sight.
         function reveal(item: Item): void {
@@ -102,19 +99,6 @@ Window {
 
                 onLoaded: scroller.contentY = 0
             }
-        }
-    }
-    ThinScrollBar {
-        anchors.bottom: parent.bottom
-        anchors.right: parent.right
-        anchors.top: parent.top
-        focusPolicy: Qt.NoFocus // qmllint disable
-        position: scroller.visibleArea.yPosition
-        size: scroller.visibleArea.heightRatio
-
-        onPositionChanged: {
-            if (pressed)
-                scroller.contentY = position * scroller.contentHeight
         }
     }
 

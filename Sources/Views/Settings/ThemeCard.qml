@@ -19,6 +19,8 @@ BaseButton {
         Rectangle {
             id: frame
 
+            readonly property size inner: Qt.size(width - Theme.gap1 * 2, height - Theme.gap1 * 2)
+
             border.color: card.chosen ? Theme.acc : card.hovered ? Theme.t3 : Theme.line2
             border.width: card.chosen ? 2 : Theme.hairline
             color: "transparent"
@@ -26,25 +28,35 @@ BaseButton {
             radius: Theme.radiusCard
             width: parent.width
 
-            ThemePreview {
-                anchors.fill: parent
-                anchors.margins: Theme.gap1
-                dark: card.scheme === "dark"
-            }
             // Where the desktop decides: one half of each.
             Item {
-                anchors.bottom: parent.bottom
-                anchors.margins: Theme.gap1
-                anchors.right: parent.right
-                anchors.top: parent.top
+                id: light
+
                 clip: true
-                visible: card.scheme === "system"
-                width: frame.width / 2 - Theme.gap1
+                height: frame.inner.height
+                visible: card.scheme !== "dark"
+                width: card.scheme === "system" ? Math.round(frame.inner.width / 2) : frame.inner.width
+                x: Theme.gap1
+                y: Theme.gap1
+
+                ThemePreview {
+                    dark: false
+                    height: frame.inner.height
+                    width: frame.inner.width
+                }
+            }
+            Item {
+                clip: true
+                height: frame.inner.height
+                visible: card.scheme !== "light"
+                width: frame.inner.width - (light.visible ? light.width : 0)
+                x: Theme.gap1 + frame.inner.width - width
+                y: Theme.gap1
 
                 ThemePreview {
                     dark: true
-                    height: parent.height
-                    width: frame.width - Theme.gap1 * 2
+                    height: frame.inner.height
+                    width: frame.inner.width
                     x: parent.width - width
                 }
             }

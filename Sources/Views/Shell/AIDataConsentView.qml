@@ -34,6 +34,8 @@ Sheet {
     title: "Ваши данные и модели ИИ"
 
     contentItem: Item {
+        Keys.onDownPressed: rows.scroll(1)
+        Keys.onUpPressed: rows.scroll(-1)
         implicitHeight: heading.implicitHeight + rows.contentHeight + foot.implicitHeight
 
         Column {
@@ -65,22 +67,20 @@ Sheet {
                 wrapMode: Text.Wrap
             }
         }
-        Flickable {
+        ScrollArea {
             id: rows
 
             anchors.bottom: foot.top
             anchors.top: heading.bottom
-            boundsBehavior: Flickable.StopAtBounds
-            clip: true
             contentHeight: column.height
-            contentWidth: width
-            width: parent.width
+            objectName: "passedOn"
+            width: parent.width + Theme.gap4 // the bar stands beside the words
 
             Column {
                 id: column
 
                 spacing: Theme.gap4
-                width: parent.width
+                width: rows.width - Theme.gap4
 
                 Repeater {
                     model: sheet.passedOn

@@ -6,11 +6,16 @@ FormPage {
     property bool busy: false
     property string email
     property string error
+    property var providers: [] // names of all, and of those that can be used
+    property var configuredProviders: []
+    property string waitingProvider // whose page is open in the browser
 
     readonly property string address: field.text.trim()
     readonly property bool complete: /^[^\s@]+@[^\s@]+$/.test(address)
 
     signal submitted(address: string)
+    signal providerChosen(provider: string)
+    signal providerCancelled
 
     function submit(): void {
         if (complete && !busy)
@@ -18,6 +23,12 @@ FormPage {
     }
 
     spacing: Theme.gap2
+
+    Keys.onEscapePressed: event => {
+        event.accepted = waitingProvider.length > 0
+        if (event.accepted)
+            providerCancelled()
+    }
 
     FormHeading {
         text: "Войдите, чтобы продолжить"
@@ -50,10 +61,12 @@ FormPage {
         onClicked: form.submit()
     }
     Label {
+        Accessible.role: form.waitingProvider.length > 0 ? Accessible.AlertMessage : Accessible.StaticText
         bottomPadding: Theme.gap2
         color: Theme.t3
         horizontalAlignment: Text.AlignHCenter
-        text: "или"
+        objectName: "waitingLabel"
+        text: form.waitingProvider.length > 0 ? "Закончите вход через %1 в браузере".arg(form.waitingProvider) : "или"
         topPadding: Theme.gap3
         width: parent.width
     }
@@ -64,14 +77,22 @@ FormPage {
         width: parent.width
 
         Repeater {
-            model: ["Google", "Яндекс", "VK", "Apple"]
+            model: form.providers
 
+            // qmllint disable unqualified
             ProviderButton {
                 required property string modelData
 
+                configured: form.configuredProviders.includes(modelData)
+                enabled: !form.busy
                 provider: modelData
+                waiting: form.waitingProvider === modelData
                 width: (parent.width - Theme.gap2) / 2
+
+                onCancelled: form.providerCancelled()
+                onChosen: form.providerChosen(modelData)
             }
+            // qmllint enable unqualified
         }
     }
 }

@@ -22,9 +22,14 @@ FocusScope {
         // qmllint disable unqualified
         EmailForm {
             busy: login.auth.isLoading
+            configuredProviders: login.auth.configuredProviders
             email: login.auth.email
             error: login.auth.errorMessage
+            providers: login.auth.providers
+            waitingProvider: login.auth.waitingProvider
 
+            onProviderCancelled: login.auth.cancelSignIn()
+            onProviderChosen: provider => login.auth.signInWith(provider)
             onSubmitted: address => login.auth.requestEmailCode(address)
         }
         // qmllint enable unqualified

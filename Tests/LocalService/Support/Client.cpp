@@ -48,8 +48,12 @@ Reply request(
     curl_easy_setopt(easy.get(), CURLOPT_WRITEFUNCTION, append);
     curl_easy_setopt(easy.get(), CURLOPT_WRITEDATA, &answer);
     Reply reply;
-    if (curl_easy_perform(easy.get()) == CURLE_OK)
+    if (curl_easy_perform(easy.get()) == CURLE_OK) {
         curl_easy_getinfo(easy.get(), CURLINFO_RESPONSE_CODE, &reply.status);
+        const char* location = nullptr;
+        curl_easy_getinfo(easy.get(), CURLINFO_REDIRECT_URL, &location);
+        reply.location = location ? location : "";
+    }
     curl_slist_free_all(headers);
     reply.body = json::parse(answer, nullptr, false);
     return reply;

@@ -12,6 +12,8 @@ namespace korvi::service::test {
 struct Reply {
     long status = 0;
     nlohmann::json body;
+    /// Where a redirect leads; not followed.
+    std::string location;
 };
 
 Reply request(int port, const std::string& method, const std::string& path, const std::string& body = {},
