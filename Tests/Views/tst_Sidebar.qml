@@ -73,6 +73,10 @@ FocusScope {
             search.forceActiveFocus()
         }
 
+        function cleanup() {
+            tryVerify(() => !actions.asking)
+        }
+
         // Latin keys carry no Cyrillic: the text comes as from an input method.
         function type(text) {
             search.insert(search.length, text)

@@ -8,6 +8,11 @@ using namespace Qt::Literals;
 
 namespace {
 
+// In seconds.
+constexpr qint64 minute = 60;
+constexpr qint64 hour = 60 * minute;
+constexpr qint64 day = 24 * hour;
+
 // One number with the word that Russian wants behind it.
 QString counted(qint64 number, QStringView one, QStringView few, QStringView many) {
     const qint64 tens = number % 100;
@@ -30,10 +35,10 @@ int monthsBetween(QDate from, QDate to) {
 // The largest unit that fits; `earlier` is not after `later`.
 QString span(const QDateTime& earlier, const QDateTime& later) {
     const qint64 seconds = earlier.secsTo(later);
-    if (seconds < 3600)
-        return counted(seconds / 60, u"мин");
-    if (seconds < 24 * 3600)
-        return counted(seconds / 3600, u"ч");
+    if (seconds < hour)
+        return counted(seconds / minute, u"мин");
+    if (seconds < day)
+        return counted(seconds / hour, u"ч");
     const QDate from = earlier.toLocalTime().date();
     const QDate to = later.toLocalTime().date();
     const int months = monthsBetween(from, to);
@@ -58,7 +63,7 @@ std::optional<QDateTime> parseChatDate(const QString& text) {
     const QDate date = QDate::fromString(match.captured(1), Qt::ISODate);
     const QTime time = QTime::fromString(match.captured(match.hasCaptured(7) ? 7 : 2), Qt::ISODate);
     const int offset = (match.captured(5).toInt() * 60 + match.captured(6).toInt()) * 60;
-    if (!date.isValid() || !time.isValid() || offset > 14 * 3600)
+    if (!date.isValid() || !time.isValid() || offset > 14 * hour)
         return std::nullopt;
     const int milliseconds = match.captured(3).leftJustified(3, u'0', true).toInt();
     const QDateTime utc(date, time.addMSecs(milliseconds), Qt::UTC);
@@ -70,11 +75,11 @@ QString formatChatDate(const QString& text, const QDateTime& now) {
     if (!then)
         return text;
     const qint64 passed = then->secsTo(now);
-    if (passed > -60 && passed < 60)
+    if (passed > -minute && passed < minute)
         return u"сейчас"_s;
     if (passed < 0)
         return u"через "_s + span(now, *then);
-    if (passed >= 24 * 3600 && then->toLocalTime().date().daysTo(now.toLocalTime().date()) == 1)
+    if (passed >= day && then->toLocalTime().date().daysTo(now.toLocalTime().date()) == 1)
         return u"вчера"_s;
     return span(*then, now);
 }

@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Templates as T
 import Korvi.Views // the types written in C++
 import "InputMode.js" as InputMode
 

@@ -9,15 +9,12 @@ Item {
     required property url source
     property T.Popup item: null
     property bool leaving: false
-    property var next: null // what to open when the one that is leaving has gone
 
-    // While it is open, opening it again does nothing.
+    // While it is open, opening it again does nothing; one that is on its way out makes room at once.
     function open(properties: var): void {
-        if (item) {
-            if (leaving)
-                next = properties
+        if (item && !leaving)
             return
-        }
+        forget()
         const component = Qt.createComponent(source)
         if (component.status === Component.Error) {
             console.warn(component.errorString())
@@ -39,19 +36,20 @@ Item {
             item.close()
     }
 
+    function forget(): void {
+        const gone = item
+        item = null
+        leaving = false
+        if (gone)
+            gone.destroy()
+    }
+
     Connections {
         function onAboutToHide() {
             onDemand.leaving = true
         }
         function onClosed() {
-            const closed = onDemand.item
-            const next = onDemand.next
-            onDemand.item = null
-            onDemand.leaving = false
-            onDemand.next = null
-            closed.destroy()
-            if (next)
-                onDemand.open(next)
+            onDemand.forget()
         }
 
         target: onDemand.item

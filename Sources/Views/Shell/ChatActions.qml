@@ -6,6 +6,8 @@ Item {
 
     readonly property real menuChatId: menu.item ? menu.chatId : -1 // whose menu stands open
 
+    readonly property bool asking: nameDialog.item !== null || deleteDialog.item !== null
+
     readonly property string module: "qrc:/qt-project.org/imports/Korvi/Views/"
 
     signal favoriteToggled(chatId: real)
