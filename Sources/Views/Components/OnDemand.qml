@@ -14,14 +14,17 @@ Item {
     function open(properties: var): void {
         if (item && !leaving)
             return
-        forget()
+        const gone = item
         const component = Qt.createComponent(source)
         if (component.status === Component.Error) {
             console.warn(component.errorString())
             return
         }
+        leaving = false
         item = component.createObject(onDemand, properties) as T.Popup
         item.open()
+        if (gone)
+            gone.destroy()
     }
 
     function toggle(properties: var): void {
@@ -36,20 +39,15 @@ Item {
             item.close()
     }
 
-    function forget(): void {
-        const gone = item
-        item = null
-        leaving = false
-        if (gone)
-            gone.destroy()
-    }
-
     Connections {
         function onAboutToHide() {
             onDemand.leaving = true
         }
         function onClosed() {
-            onDemand.forget()
+            const closed = onDemand.item
+            onDemand.leaving = false
+            onDemand.item = null
+            closed.destroy()
         }
 
         target: onDemand.item
