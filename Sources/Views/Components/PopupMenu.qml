@@ -4,7 +4,7 @@ import QtQuick.Templates as T
 T.Menu {
     id: menu
 
-    property int firstIndex: 0 // of the row that has the keyboard when the menu opens
+    property int firstIndex: 0 // of the row that has the keyboard when the menu opens; -1: none, the focus stays out
 
     readonly property FocusReturn focusReturn: FocusReturn {
         popup: menu
@@ -33,7 +33,7 @@ T.Menu {
         model: menu.contentModel
     }
     // At once, not after the animation: the first key belongs to the menu.
-    onVisibleChanged: if (visible) currentIndex = firstIndex
+    onVisibleChanged: if (visible && firstIndex >= 0) currentIndex = firstIndex
 
     enter: Transition {
         NumberAnimation { duration: Theme.quick; from: 0; property: "opacity"; to: 1 }
