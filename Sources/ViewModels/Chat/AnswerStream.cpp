@@ -21,15 +21,55 @@ AnswerStream::AnswerStream(Dependencies dependencies, MessageListModel& shown, Q
 void AnswerStream::begin(Question question) {
     Generation generation;
     generation.chatId = question.chatId;
-    generation.question = question;
+    generation.question = std::move(question);
+    const Generation* before = m_generations.open();
+    generation.joins = generation.chatId < 0 && before && before->chatId < 0;
     generation.lengthWithAnswer = static_cast<std::size_t>(m_shown.count());
     m_generations.begin(std::move(generation));
-    settled(); // written down before it goes out
-    submit(question);
+    settled();
 }
 
-void AnswerStream::submit(const Question& question) {
+// In their order, and none past one of which it is not known whether it arrived: the answers come in the order of the
+// questions, and could not be told apart.
+void AnswerStream::submitNext() {
+    std::erase_if(m_generations.all(), [](const Generation& generation) {
+        return !generation.isSubmitted && generation.state != Generation::State::running;
+    });
+    for (Generation& generation : m_generations.all()) {
+        if (generation.isDoubtful)
+            return;
+        if (generation.isSubmitted)
+            continue;
+        if (generation.joins)
+            return;
+        if (!m_dependencies.chatService.isConnected())
+            return m_dependencies.chatService.connect();
+        submit(generation);
+    }
+}
+
+// What was asked in a chat that had no number yet: it has one, or has none to come and is begun anew.
+void AnswerStream::joinFollowers(qint64 chatId) {
+    for (Generation& generation : m_generations.all()) {
+        if (generation.chatId >= 0)
+            continue;
+        if (!generation.joins)
+            return;
+        generation.joins = false;
+        if (chatId < 0)
+            return;
+        generation.chatId = chatId;
+        generation.question.chatId = chatId;
+    }
+}
+
+void AnswerStream::submit(Generation& generation) {
     ChatService& service = m_dependencies.chatService;
+    generation.isSubmitted = true;
+    generation.isDoubtful = false;
+    generation.hasLeft = true;
+    saveJournal(); // written down before it goes out
+    const Question& question = generation.question;
     if (question.chatId < 0)
         service.createChat(question.model, question.text, question.imageUrls, {}, question.projectId);
     else
@@ -43,7 +83,9 @@ bool AnswerStream::stop() {
     flush();
     generation->textPieces.clear();
     generation->thinkingPieces.clear();
-    if (generation->chatId > 0) {
+    if (!generation->isSubmitted) {
+        giveBack(*generation);
+    } else if (generation->chatId > 0) {
         m_dependencies.chatService.stopGeneration(generation->chatId);
         generation->state = Generation::State::stopped;
     } else {
@@ -74,11 +116,17 @@ bool AnswerStream::unpark(qint64 chatId) {
     return true;
 }
 
+void AnswerStream::noteMissingHistory(qint64 chatId) {
+    for (Generation& generation : m_generations.all())
+        generation.lacksHistory = generation.lacksHistory || generation.chatId == chatId;
+}
+
 void AnswerStream::forget(qint64 chatId) {
     for (Generation& generation : m_generations.all()) {
         if (generation.chatId != chatId)
             continue;
         generation.state = Generation::State::stopped;
+        generation.isHeard = true; // nobody asks for its question any more
         generation.isOpen = false;
         generation.parked.clear();
     }
@@ -89,6 +137,7 @@ void AnswerStream::dropAll() {
     for (Generation& generation : m_generations.all()) {
         if (generation.state == Generation::State::running)
             generation.state = generation.chatId > 0 ? Generation::State::stopped : Generation::State::stopRequested;
+        generation.isHeard = true;
         generation.isOpen = false;
         generation.parked.clear();
     }
@@ -96,6 +145,11 @@ void AnswerStream::dropAll() {
 }
 
 void AnswerStream::restore() {
+    for (ReplayGuard::Ended& answer : m_journal.restoreEnded()) {
+        if (answer.chatId > 0)
+            m_restoredEnds.push_back(answer.chatId);
+        m_guard.ended(std::move(answer));
+    }
     for (Generation& generation : m_journal.restore())
         m_generations.begin(std::move(generation));
     settled();
@@ -104,6 +158,7 @@ void AnswerStream::restore() {
 void AnswerStream::reset() {
     m_scope.cancel();
     m_generations.clear();
+    m_guard.clear();
     m_answeredNewChats.clear();
     m_isGenerating = false;
     m_flushTimer.cancel();
@@ -115,23 +170,45 @@ void AnswerStream::reset() {
 }
 
 AnswerStream::Owner AnswerStream::created(qint64 chatId) {
+    if (m_guard.ownsCreation(chatId))
+        return Owner::none;
     // A replay tells of the chat again: then its answer has it already, or has had its end.
-    const bool isRepeated = m_generations.firstOf(chatId) || m_answeredNewChats.contains(chatId);
-    Generation* generation = isRepeated ? nullptr : m_generations.withoutChat();
+    Generation* current = m_generations.current();
+    if (current && current->chatId == chatId) {
+        takeNotice(*current);
+        return Owner::none;
+    }
+    Generation* generation = m_answeredNewChats.contains(chatId) ? nullptr : m_generations.withoutChat();
     if (!generation)
         return Owner::none;
+    // Those before it have had their ends, though not here.
+    while (m_generations.current() != generation)
+        emit waitingEnded(finish(m_generations.current()).chatId);
     generation->chatId = chatId;
+    joinFollowers(chatId);
     const bool isOpen = generation->isOpen;
     if (generation->state == Generation::State::stopRequested) {
         m_dependencies.chatService.stopGeneration(chatId);
         generation->state = Generation::State::stopped;
     }
+    takeNotice(*generation);
     settled();
     return isOpen ? Owner::open : Owner::parked;
 }
 
 void AnswerStream::receive(const QString& piece, AnswerFold::Kind kind) {
+    if (m_guard.ownsPiece(piece, kind))
+        return;
     Generation* generation = m_generations.current();
+    if (generation && generation->chatId < 0)
+        generation = nullptr; // a new chat is told of before its answer begins
+    if (generation) {
+        takeNotice(*generation);
+        if (kind == AnswerFold::Kind::text && generation->textHead.size() < ReplayGuard::headLength)
+            generation->textHead += piece;
+        if (kind == AnswerFold::Kind::thinking)
+            generation->thinkingTail = (generation->thinkingTail + piece).right(ReplayGuard::tailLength);
+    }
     if (!generation || generation->state != Generation::State::running) {
         qCInfo(lcStream) << "⚠️ [ChatViewModel] Dropped a piece: no answer is under way";
         return;
@@ -186,43 +263,82 @@ bool AnswerStream::foldInto(Generation& generation, ChatMessage& answer) {
 }
 
 void AnswerStream::heard() {
-    m_heardSinceConnect = true;
     m_reconnectTimer.cancel();
-    m_silenceTimer.cancel();
+}
+
+// The service has the question, since this is of its answer.
+void AnswerStream::takeNotice(Generation& generation) {
+    if (&generation == m_generations.current()) {
+        m_isSilent = false;
+        m_silenceTimer.cancel();
+    }
+    const bool isNew = !generation.isHeard || generation.isDoubtful;
+    generation.isHeard = true;
+    generation.isDoubtful = false;
+    if (isNew) {
+        submitNext();
+        saveJournal();
+    }
 }
 
 void AnswerStream::disconnected() {
     if (!m_lostAt)
         m_lostAt = m_dependencies.clock.now();
+    doubt();
+}
+
+// What left on a line that is lost may be lost with it.
+void AnswerStream::doubt() {
+    for (Generation& generation : m_generations.all())
+        generation.isDoubtful = generation.hasLeft && !generation.isHeard;
 }
 
 void AnswerStream::connected() {
-    m_wasAwayTooLong = m_lostAt && m_lostAt->secsTo(m_dependencies.clock.now()) >= replayLife.count();
+    const QDateTime now = m_dependencies.clock.now();
+    m_wasAwayTooLong = m_lostAt && m_lostAt->secsTo(now) >= ReplayGuard::replayLife.count();
     m_lostAt.reset();
+    flush();
+    doubt();
+    m_guard.connected(now);
+    for (Generation& generation : m_generations.all()) {
+        generation.sawReconnect = generation.sawReconnect || generation.hasLeft;
+        // The word to stop may have been lost with the line.
+        if (generation.state == Generation::State::stopped && !m_generations.runningOf(generation.chatId))
+            m_dependencies.chatService.stopGeneration(generation.chatId);
+    }
+    submitNext();
+    saveJournal();
     Generation* generation = m_generations.current();
     if (!generation)
         return;
-    flush();
     qCInfo(lcStream) << "🔌 [ChatViewModel] Reconnected during generation — enabling replay dedup";
     generation->fold.beginReplay();
-    m_heardSinceConnect = false;
-    // The word to stop may have been lost with the line.
-    for (const Generation& each : m_generations.all()) {
-        if (each.state == Generation::State::stopped && !m_generations.runningOf(each.chatId))
-            m_dependencies.chatService.stopGeneration(each.chatId);
+    listenForSilence();
+    m_reconnectTimer = m_dependencies.scheduler.after(reconnectTimeout, [this] { giveUp(); });
+}
+
+void AnswerStream::giveUp() {
+    m_reconnectTimer.cancel();
+    if (!m_generations.current())
+        return;
+    qCWarning(lcStream) << "🔌 [ChatViewModel] Reconnect timeout (120s) — generation likely ended, resetting state";
+    std::vector<Generation*> waiting;
+    for (Generation& generation : m_generations.all()) {
+        if (generation.hasLeft && generation.sawReconnect)
+            waiting.push_back(&generation);
     }
+    for (Generation* generation : waiting) {
+        if (generation->isHeard)
+            emit waitingEnded(finish(generation).chatId);
+        else
+            giveBack(*generation);
+    }
+    settled();
+}
+
+void AnswerStream::listenForSilence() {
+    m_isSilent = true;
     askLater(silenceTimeout, false);
-    m_reconnectTimer = m_dependencies.scheduler.after(reconnectTimeout, [this] {
-        m_reconnectTimer.cancel();
-        if (m_generations.isEmpty())
-            return;
-        qCWarning(lcStream) << "🔌 [ChatViewModel] Reconnect timeout (120s) — generation likely ended, resetting state";
-        std::vector<qint64> chats;
-        while (Generation* left = m_generations.current())
-            chats.push_back(finish(left).chatId);
-        for (const qint64 chatId : chats)
-            emit waitingEnded(chatId);
-    });
 }
 
 void AnswerStream::askLater(std::chrono::seconds delay, bool mayResend) {
@@ -233,12 +349,13 @@ void AnswerStream::askLater(std::chrono::seconds delay, bool mayResend) {
 // Answers that ended while the line was down for long are not repeated, and a question may have been lost with the
 // line: the messages of the chat tell. An answer that is still being worked on stays.
 Task<void> AnswerStream::askAboutSilence(bool mayResend) {
-    while (Generation* generation = m_generations.current()) {
-        if (m_heardSinceConnect)
-            co_return;
+    // What has been sent on this line only is waited for without asking.
+    for (Generation* generation = m_generations.current();
+         m_isSilent && generation && (generation->isDoubtful || generation->sawReconnect);
+         generation = m_generations.current()) {
         const quint64 serial = generation->serial;
         const qint64 chatId = generation->chatId;
-        if (generation->state != Generation::State::running) {
+        if (generation->state != Generation::State::running && generation->isHeard) {
             finish(generation);
             continue;
         }
@@ -253,29 +370,38 @@ Task<void> AnswerStream::askAboutSilence(bool mayResend) {
                 co_return askLater(resendTimeout, false);
             }
             generation = m_generations.current();
-            if (!generation || generation->serial != serial || m_heardSinceConnect)
+            if (!generation || generation->serial != serial || !m_isSilent)
                 co_return;
+            if (generation->state != Generation::State::running && knows(messages, *generation)) {
+                finish(generation);
+                continue;
+            }
             if (isComplete(*generation, messages)) {
                 adopt(*generation, messages);
                 finish(generation);
                 continue;
             }
-            if (knows(messages, *generation))
-                co_return;
         }
+        if (generation->isHeard || (chatId > 0 && knows(messages, *generation))) {
+            generation->isDoubtful = false;
+            submitNext();
+            co_return askLater(resendTimeout, false);
+        }
+        // Of a new chat only its creation can tell.
         if (!mayResend)
-            co_return askLater(resendTimeout, true);
-        const bool mayHaveBeenAnswered = chatId < 0 && (generation->isRestored || m_wasAwayTooLong);
-        if (!mayHaveBeenAnswered) {
-            qCInfo(lcStream) << "📤 [ChatViewModel] A question was lost with the line, sending it again";
-            co_return submit(generation->question);
+            co_return askLater(chatId > 0 ? resendTimeout : creationTimeout, true);
+        // A new chat may have been made that we were never told of: not to be asked twice unseen. And what was
+        // stopped is not to be asked again.
+        const bool mayBeThere = chatId < 0 && (generation->isRestored || m_wasAwayTooLong);
+        if (mayBeThere || generation->state != Generation::State::running) {
+            giveBack(*generation);
+            settled();
+            continue;
         }
-        emit questionReturned(generation->question.text);
-        if (generation->isOpen)
-            dropTurn();
-        generation->parked.clear();
-        generation->isOpen = false;
-        finish(generation);
+        qCInfo(lcStream) << "📤 [ChatViewModel] A question was lost with the line, sending it again";
+        submit(*generation);
+        submitNext();
+        co_return askLater(resendTimeout, false);
     }
 }
 
@@ -296,7 +422,7 @@ bool AnswerStream::knows(const std::vector<ChatMessage>& messages, const Generat
             return message.role == ChatMessage::Role::user && message.text() == generation.question.text;
         });
     };
-    return count(messages) >= count(messagesOf(generation));
+    return count(messages) >= std::max<std::ptrdiff_t>(1, count(messagesOf(generation)));
 }
 
 void AnswerStream::adopt(Generation& generation, const std::vector<ChatMessage>& messages) {
@@ -304,34 +430,68 @@ void AnswerStream::adopt(Generation& generation, const std::vector<ChatMessage>&
         m_shown.setMessages(messages);
     else
         generation.parked = messages;
+    // Its frames may still come.
+    generation.textHead = MessageComposition::joinedText(messages.back()).left(ReplayGuard::headLength);
+    generation.thinkingTail = MessageComposition::joinedThinking(messages.back()).right(ReplayGuard::tailLength);
+    generation.isUnheardEnd = true;
 }
 
-// The question and the empty answer are no longer part of the open conversation.
-void AnswerStream::dropTurn() {
-    for (int i = 0; i < 2 && m_shown.count() > 0; ++i)
-        m_shown.remove(m_shown.count() - 1);
+// The question, which the service does not have, returns to the one who asked it.
+void AnswerStream::giveBack(Generation& generation) {
+    const QString text = generation.question.text;
+    const qint64 chatId = generation.chatId;
+    qCInfo(lcStream) << "↩️ [ChatViewModel] Question" << generation.serial << "of chat" << chatId
+                     << "did not arrive";
+    // It may stand among the messages of a later turn of its chat as well.
+    bool isShown = generation.isOpen;
+    for (Generation& each : m_generations.all()) {
+        if (each.chatId != chatId)
+            continue;
+        isShown = isShown || each.isOpen;
+        if (const auto row = MessageComposition::rowOfQuestion(each.parked, text)) {
+            each.parked.erase(each.parked.begin() + *row, each.parked.begin() + *row + 2);
+            each.lengthWithAnswer = each.parked.size();
+        }
+    }
+    const auto row = isShown ? MessageComposition::rowOfQuestion(m_shown.messages(), text) : std::nullopt;
+    if (row) {
+        m_shown.remove(static_cast<int>(*row) + 1);
+        m_shown.remove(static_cast<int>(*row));
+    }
+    m_generations.remove(&generation);
+    joinFollowers(-1);
+    emit questionReturned(text);
+    emit waitingEnded(chatId);
 }
 
 std::optional<AnswerStream::Ending> AnswerStream::end() {
     flush();
     Generation* generation = m_generations.current();
+    if (generation && generation->chatId < 0)
+        generation = nullptr;
+    if (m_guard.ownsEnd(generation && generation->isHeard && generation->textHead.isEmpty())) {
+        if (generation && m_isSilent)
+            listenForSilence();
+        return std::nullopt;
+    }
     return generation ? std::optional(finish(generation)) : std::nullopt;
 }
 
 std::optional<AnswerStream::Ending> AnswerStream::fail(std::optional<qint64> chatId) {
     flush();
     heard();
-    Generation* generation = chatId ? m_generations.firstOf(*chatId) : nullptr;
-    if (!generation)
-        generation = m_generations.current();
+    Generation* generation = chatId ? m_generations.firstOf(*chatId) : m_generations.current();
+    if (m_guard.ownsEnd(generation != nullptr))
+        return std::nullopt;
     return generation ? std::optional(finish(generation)) : std::nullopt;
 }
 
 AnswerStream::Ending AnswerStream::finish(Generation* generation) {
+    qCInfo(lcStream) << "🏁 [ChatViewModel] Answer" << generation->serial << "of chat" << generation->chatId << "ended";
     const Ending ending{.chatId = generation->chatId,
         .wasOpen = generation->isOpen,
         .createdChat = generation->createsChat(),
-        .wasRestored = generation->isRestored};
+        .isToBeVerified = generation->sawReconnect || generation->lacksHistory};
     const std::vector<ChatMessage>& messages = messagesOf(*generation);
     if (ending.chatId > 0) {
         if (!messages.empty())
@@ -339,12 +499,32 @@ AnswerStream::Ending AnswerStream::finish(Generation* generation) {
         if (ending.createdChat)
             m_answeredNewChats.insert(ending.chatId);
     }
+    if (generation->hasLeft) {
+        m_guard.ended({.chatId = ending.chatId,
+            .textHead = generation->textHead,
+            .thinkingTail = generation->thinkingTail,
+            .at = m_dependencies.clock.now()});
+        if (generation->isUnheardEnd)
+            m_guard.watch();
+    }
+    const bool wasCurrent = generation == m_generations.current();
     m_generations.remove(generation);
+    if (ending.chatId < 0)
+        joinFollowers(-1);
     settled();
+    // Whether the next one arrived is not known yet.
+    const Generation* next = m_generations.current();
+    if (wasCurrent && next && next->isDoubtful && !m_silenceTimer.isActive())
+        listenForSilence();
     return ending;
 }
 
+void AnswerStream::saveJournal() {
+    m_journal.save(m_generations, m_guard, m_shown.messages());
+}
+
 void AnswerStream::settled() {
+    submitNext();
     const Generation* open = m_generations.open();
     m_isGenerating = open && open->state == Generation::State::running;
     m_shown.setStreaming(m_isGenerating);
@@ -353,7 +533,7 @@ void AnswerStream::settled() {
         m_reconnectTimer.cancel();
         m_silenceTimer.cancel();
     }
-    m_journal.save(m_generations, m_shown.messages());
+    saveJournal();
     QSet<qint64> generating;
     for (const Generation& generation : m_generations.all()) {
         if (generation.state == Generation::State::running && generation.chatId > 0)

@@ -36,15 +36,14 @@ public:
     // for over REST, and what the service does not know after another while is sent again.
     static constexpr auto silenceTimeout = std::chrono::seconds(3);
     static constexpr auto resendTimeout = std::chrono::seconds(7);
-    // How long the service keeps an answer for a client that is away.
-    static constexpr auto replayLife = std::chrono::seconds(120);
+    static constexpr auto creationTimeout = std::chrono::seconds(27);
 
     // What became of an answer.
     struct Ending {
         qint64 chatId = -1;
         bool wasOpen = false;
         bool createdChat = false;
-        bool wasRestored = false;
+        bool isToBeVerified = false; // its frames may have been repeated, or may be incomplete
     };
 
     AnswerStream(Dependencies dependencies, MessageListModel& shown, QObject* parent = nullptr);
@@ -57,11 +56,15 @@ public:
     void park();
     // Shows the messages of that chat, if an answer is under way in it.
     bool unpark(qint64 chatId);
+    // Messages of the chat came in while its answer was growing, and were not shown.
+    void noteMissingHistory(qint64 chatId);
     void forget(qint64 chatId); // the chat has been deleted
     void dropAll();             // what still comes is nobody's, but must not become another's
 
     // Takes up what was under way when the client ended last.
     void restore();
+    // Chats whose answers ended shortly before that, once.
+    std::vector<qint64> takeRestoredEnds() { return std::exchange(m_restoredEnds, {}); }
     void forgetJournal() { m_journal.clear(); }
     void reset(); // another user, or none
 
@@ -72,7 +75,7 @@ public:
     void disconnected();
     std::optional<Ending> end();
     std::optional<Ending> fail(std::optional<qint64> chatId);
-    void heard(); // anything of a stream: it is alive
+    void heard(); // anything of a stream: the line is alive
 
     bool isGenerating() const { return m_isGenerating; } // the open conversation's answer is running
     bool isUnderWay(qint64 chatId) { return m_generations.firstOf(chatId) != nullptr; }
@@ -90,22 +93,31 @@ private:
     bool foldInto(Generation& generation, ChatMessage& answer); // whether it changed the answer
     Ending finish(Generation* generation);
     void settled(); // after every change of the queue
-    void submit(const Question& question);
+    void submitNext();
+    void submit(Generation& generation);
+    void joinFollowers(qint64 chatId);
+    void giveBack(Generation& generation);
+    void takeNotice(Generation& generation);
+    void doubt();
+    void giveUp();
+    void listenForSilence();
     void askLater(std::chrono::seconds delay, bool mayResend);
     Task<void> askAboutSilence(bool mayResend);
     const std::vector<ChatMessage>& messagesOf(const Generation& generation) const;
     bool isComplete(const Generation& generation, const std::vector<ChatMessage>& messages) const;
     bool knows(const std::vector<ChatMessage>& messages, const Generation& generation) const;
     void adopt(Generation& generation, const std::vector<ChatMessage>& messages);
-    void dropTurn();
+    void saveJournal();
 
     Dependencies m_dependencies;
     MessageListModel& m_shown;
     GenerationQueue m_generations;
+    ReplayGuard m_guard;
     GenerationJournal m_journal;
+    std::vector<qint64> m_restoredEnds;
     QSet<qint64> m_answeredNewChats; // whose creation may be told again
     bool m_isGenerating = false;
-    bool m_heardSinceConnect = false;
+    bool m_isSilent = false;           // nothing came of the current answer since the line is up
     std::optional<QDateTime> m_lostAt; // when the line was lost
     bool m_wasAwayTooLong = false;     // for the service to repeat what has ended meanwhile
     Timer m_flushTimer;                // active while pieces keep coming

@@ -53,7 +53,7 @@ ChatViewModel::ChatViewModel(Dependencies dependencies, QObject* parent)
         emit contentScrolled();
     });
     connect(&m_stream, &AnswerStream::waitingEnded, this, [this](qint64 chatId) {
-        if (m_activeChat && chatId == m_activeChat->id)
+        if (chatId > 0)
             m_scope.start([this, chatId] { return loadMessages(chatId); });
     });
     connect(&m_directory, &ChatDirectory::chatChanged, this, [this](const Chat& chat) {
@@ -92,6 +92,9 @@ Task<void> ChatViewModel::loadData() {
     co_await fetchCurrentUser();
     co_await m_directory.load();
     connectToService();
+    // What ended just before the last end of the client may not have been compared with what is stored.
+    for (const qint64 chatId : m_stream.takeRestoredEnds())
+        co_await verifyMessages(chatId);
 }
 
 Task<void> ChatViewModel::fetchCurrentUser() {
@@ -197,6 +200,7 @@ void ChatViewModel::setPendingEditImage(std::optional<QString> url) {
 
 void ChatViewModel::takeBackQuestion(const QString& text) {
     setCurrentInput(m_currentInput.isEmpty() ? text : text + u"\n\n"_s + m_currentInput);
+    saveDraft();
     showError(u"Сообщение не дошло до сервиса. Его текст снова в поле ввода."_s);
 }
 
@@ -247,6 +251,7 @@ void ChatViewModel::navigateToChat(qint64 chatId) {
 void ChatViewModel::openConversation(std::optional<Chat> chat) {
     m_stream.park();
     dismissError();
+    m_loadedChatId = -1;
     const qint64 chatId = chat ? chat->id : -1;
     if (!chat)
         m_messages.reset({});
@@ -279,10 +284,37 @@ Task<void> ChatViewModel::loadMessages(qint64 chatId) {
     if (activeChatId() != chatId || m_stream.isUnderWay(chatId)) {
         qCInfo(lcChat) << "⏳ [ChatViewModel] Skipping message refresh — streaming in progress";
         m_dependencies.cache.cacheMessages(messages, chatId);
+        m_stream.noteMissingHistory(chatId);
         co_return;
     }
+    show(std::move(messages));
+}
+
+// Compares an answer that came over several lines with what is stored. A list that lacks the answer is too early.
+Task<void> ChatViewModel::verifyMessages(qint64 chatId) {
+    try {
+        std::vector<ChatMessage> messages = co_await m_dependencies.chatService.getMessages(chatId);
+        const bool isOpen = activeChatId() == chatId;
+        const auto known = isOpen ? MessageComposition::lastQuestion(m_messages.messages()) : std::nullopt;
+        const bool isComplete = !messages.empty() && MessageComposition::isAnswer(messages.back()) &&
+            (!known || MessageComposition::lastQuestion(messages) == known);
+        if (!isComplete || m_stream.isUnderWay(chatId))
+            co_return;
+        if (isOpen)
+            show(std::move(messages));
+        else
+            m_dependencies.cache.cacheMessages(messages, chatId);
+    } catch (const TaskCancelled&) {
+        throw;
+    } catch (const std::exception& error) {
+        qCWarning(lcChat).noquote() << "❌ [ChatViewModel] Error loading messages:" << error.what();
+    }
+}
+
+void ChatViewModel::show(std::vector<ChatMessage> messages) {
     m_messages.setMessages(MessageComposition::mergeFileAttachments(m_messages.messages(), std::move(messages)));
-    m_dependencies.cache.cacheMessages(m_messages.messages(), chatId);
+    m_dependencies.cache.cacheMessages(m_messages.messages(), activeChatId());
+    m_loadedChatId = activeChatId();
 }
 
 // The model
@@ -353,6 +385,8 @@ void ChatViewModel::send(const QString& text, const std::optional<QString>& edit
         .text = text,
         .imageUrls = editImageUrl ? QStringList(*editImageUrl) : QStringList(),
         .projectId = m_activeProjectId});
+    if (chatId > 0 && m_loadedChatId != chatId)
+        m_stream.noteMissingHistory(chatId);
     restartHintTimer();
 }
 
@@ -428,6 +462,9 @@ void ChatViewModel::created(const Chat& chat) {
     case AnswerStream::Owner::parked:
         qCInfo(lcChat) << "💾 [ChatViewModel] Chat created while user is in another chat, saved to background:"
                        << chat.id;
+        // It may have been opened from the list before this was told.
+        if (activeChatId() == chat.id && !m_isGenerating)
+            m_stream.unpark(chat.id);
         break;
     case AnswerStream::Owner::none: break;
     }
@@ -451,9 +488,9 @@ void ChatViewModel::streamEnded() {
         return;
     }
     emit m_dependencies.notifications.didCompleteAIResponse();
-    // A restored answer lacks what had been confirmed before the restart, and a new chat gets its title by now.
-    if (ending->wasRestored)
-        m_scope.start([this, chatId = ending->chatId] { return loadMessages(chatId); });
+    // What came over several lines is compared with what is stored; and a new chat has got its title by now.
+    if (ending->isToBeVerified)
+        m_scope.start([this, chatId = ending->chatId] { return verifyMessages(chatId); });
     if (ending->createdChat)
         m_scope.start([this] { return m_directory.load(); });
 }

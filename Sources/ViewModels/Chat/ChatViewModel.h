@@ -158,6 +158,8 @@ private:
     void organizationChanged();
     Task<void> fetchCurrentUser();
     Task<void> loadMessages(qint64 chatId);
+    Task<void> verifyMessages(qint64 chatId);
+    void show(std::vector<ChatMessage> messages);
     void openConversation(std::optional<Chat> chat);
     void setActiveChat(std::optional<Chat> chat);
     void setPendingEditImage(std::optional<QString> url);
@@ -183,7 +185,8 @@ private:
     std::optional<QString> m_pendingEditImageUrl;
     bool m_showingModelSelector = false;
     int m_contentUpdateTrigger = 0;
-    quint64 m_turns = 0; // questions sent so far
+    qint64 m_loadedChatId = -1; // the open chat, once its messages have come from the service
+    quint64 m_turns = 0;        // questions sent so far
     Timer m_hintTimer;
     Timer m_bannerTimer;
     Timer m_draftTimer;

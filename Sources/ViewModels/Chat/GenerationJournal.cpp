@@ -14,11 +14,30 @@ Q_LOGGING_CATEGORY(lcJournal, "korvi.chat.journal", QtInfoMsg)
 namespace {
 
 const auto journalKey = u"runningGenerations"_s;
+const auto endedKey = u"endedGenerations"_s;
+
+struct EndedEntry {
+    ReplayGuard::Ended answer;
+
+    static EndedEntry fromJson(const JsonReader& json) {
+        return {{.chatId = json.integer("chatId"_L1),
+            .textHead = json.string("textHead"_L1),
+            .thinkingTail = json.string("thinkingTail"_L1),
+            .at = QDateTime::fromMSecsSinceEpoch(json.integer("at"_L1), Qt::UTC)}};
+    }
+    QJsonObject toJson() const {
+        return {{"chatId"_L1, answer.chatId}, {"textHead"_L1, answer.textHead},
+            {"thinkingTail"_L1, answer.thinkingTail}, {"at"_L1, answer.at.toMSecsSinceEpoch()}};
+    }
+};
 
 struct Entry {
     Question question;
     qint64 chatId = -1;
     bool isStopped = false;
+    bool joins = false;
+    bool hasLeft = false;
+    bool isHeard = false;
     std::vector<ChatMessage> turn; // question and answer as they are shown
 
     static Entry fromJson(const JsonReader& json) {
@@ -34,6 +53,9 @@ struct Entry {
                 .projectId = asked.optionalInteger("projectId"_L1)},
             .chatId = json.integer("chatId"_L1),
             .isStopped = json.boolean("isStopped"_L1),
+            .joins = json.boolean("joins"_L1),
+            .hasLeft = json.boolean("hasLeft"_L1),
+            .isHeard = json.boolean("isHeard"_L1),
             .turn = json.array<ChatMessage>("turn"_L1),
         };
     }
@@ -41,8 +63,8 @@ struct Entry {
         QJsonObject asked{{"chatId"_L1, question.chatId}, {"model"_L1, question.model}, {"text"_L1, question.text},
             {"imageUrls"_L1, QJsonArray::fromStringList(question.imageUrls)}};
         insertIfPresent(asked, "projectId"_L1, question.projectId);
-        return {
-            {"question"_L1, asked}, {"chatId"_L1, chatId}, {"isStopped"_L1, isStopped}, {"turn"_L1, toJsonArray(turn)}};
+        return {{"question"_L1, asked}, {"chatId"_L1, chatId}, {"isStopped"_L1, isStopped}, {"joins"_L1, joins},
+            {"hasLeft"_L1, hasLeft}, {"isHeard"_L1, isHeard}, {"turn"_L1, toJsonArray(turn)}};
     }
 };
 
@@ -58,13 +80,24 @@ GenerationJournal::GenerationJournal(Defaults& defaults, DataCacheManager& cache
     : m_defaults(defaults)
     , m_cache(cache) {}
 
-void GenerationJournal::save(const GenerationQueue& queue, const std::vector<ChatMessage>& shown) {
+void GenerationJournal::save(
+    const GenerationQueue& queue, const ReplayGuard& guard, const std::vector<ChatMessage>& shown) {
+    std::vector<EndedEntry> ended;
+    for (const ReplayGuard::Ended& answer : guard.recent())
+        ended.push_back({answer});
+    if (QJsonArray savedEnded = toJsonArray(ended); savedEnded != m_savedEnded) {
+        m_savedEnded = std::move(savedEnded);
+        m_cache.saveToDisk(m_savedEnded, endedKey);
+    }
     std::vector<Entry> entries;
     for (const Generation& generation : queue.all()) {
         const std::vector<ChatMessage>& messages = generation.isOpen ? shown : generation.parked;
         Entry entry{.question = generation.question,
             .chatId = generation.chatId,
             .isStopped = generation.state != Generation::State::running,
+            .joins = generation.joins,
+            .hasLeft = generation.hasLeft,
+            .isHeard = generation.isHeard,
             .turn = {}};
         if (messages.size() >= 2 && !entry.isStopped)
             entry.turn = {messages[messages.size() - 2], emptied(messages.back())};
@@ -82,7 +115,9 @@ void GenerationJournal::save(const GenerationQueue& queue, const std::vector<Cha
 
 void GenerationJournal::clear() {
     m_saved = {};
+    m_savedEnded = {};
     m_defaults.remove(journalKey);
+    m_defaults.remove(endedKey);
 }
 
 std::vector<Generation> GenerationJournal::restore() {
@@ -93,8 +128,14 @@ std::vector<Generation> GenerationJournal::restore() {
         generation.question = entry.question;
         generation.isOpen = false;
         generation.isRestored = true;
+        generation.lacksHistory = true;
+        generation.sawReconnect = entry.hasLeft;
+        generation.joins = entry.joins;
+        generation.hasLeft = entry.hasLeft;
+        generation.isSubmitted = entry.hasLeft;
+        generation.isHeard = entry.isHeard;
         if (entry.isStopped || entry.turn.size() != 2) {
-            generation.state = Generation::State::stopped;
+            generation.state = entry.chatId > 0 ? Generation::State::stopped : Generation::State::stopRequested;
         } else {
             if (entry.chatId > 0)
                 generation.parked = m_cache.getCachedMessages(entry.chatId).value_or(std::vector<ChatMessage>());
@@ -111,6 +152,13 @@ std::vector<Generation> GenerationJournal::restore() {
     if (!generations.empty())
         qCInfo(lcJournal) << "💾 [ChatViewModel] Answers under way at the last end:" << generations.size();
     return generations;
+}
+
+std::vector<ReplayGuard::Ended> GenerationJournal::restoreEnded() {
+    std::vector<ReplayGuard::Ended> answers;
+    for (EndedEntry& entry : m_cache.loadFromDisk<EndedEntry>(endedKey).value_or(std::vector<EndedEntry>()))
+        answers.push_back(std::move(entry.answer));
+    return answers;
 }
 
 }

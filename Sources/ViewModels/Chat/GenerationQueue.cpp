@@ -27,7 +27,7 @@ Generation& GenerationQueue::begin(Generation generation) {
 }
 
 Generation* GenerationQueue::current() {
-    return m_generations.empty() ? nullptr : &m_generations.front();
+    return findIn(m_generations, [](const Generation& generation) { return generation.hasLeft; });
 }
 
 Generation* GenerationQueue::open() {
@@ -45,7 +45,8 @@ Generation* GenerationQueue::firstOf(qint64 chatId) {
 }
 
 Generation* GenerationQueue::withoutChat() {
-    return firstOf(-1);
+    return findIn(
+        m_generations, [](const Generation& generation) { return generation.hasLeft && generation.chatId < 0; });
 }
 
 void GenerationQueue::remove(const Generation* generation) {

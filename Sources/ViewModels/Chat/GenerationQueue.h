@@ -3,7 +3,7 @@
 #include "Chat/AnswerFold.h"
 #include "ChatMessage.h"
 
-#include <deque>
+#include <list>
 
 namespace Korvi {
 
@@ -29,12 +29,22 @@ struct Generation {
     quint64 serial = 0; // given by the queue
     Question question;
     qint64 chatId = -1;
-    bool isOpen = true;      // its chat is the open conversation
-    bool isRestored = false; // asked for before the last start of the client
+    bool isOpen = true;        // its chat is the open conversation
+    bool joins = false;        // goes into the chat that the one before it in the queue is about to create
+    bool isRestored = false;   // asked for before the last start of the client
+    bool isSubmitted = false;  // given to the socket, which may still hold it
+    bool hasLeft = false;      // on its way, or arrived, or lost with a line
+    bool isHeard = false;      // the service has it: something came of it
+    bool isDoubtful = false;   // it left on a line that was lost before anything was heard of it
+    bool isUnheardEnd = false; // its end was learned from the messages of its chat
+    bool lacksHistory = false; // messages of its chat may be missing here
+    bool sawReconnect = false; // its frames may have been repeated
     State state = State::running;
     std::vector<ChatMessage> parked;  // the messages of its chat while another one is open
     std::size_t lengthWithAnswer = 0; // how many messages the chat has when the answer is complete
     AnswerFold fold;
+    QString textHead; // of all that was received, shown or not
+    QString thinkingTail;
     QStringList textPieces; // received, waiting for the next flush
     QStringList thinkingPieces;
 
@@ -48,19 +58,19 @@ class GenerationQueue {
 public:
     bool isEmpty() const { return m_generations.empty(); }
     Generation& begin(Generation generation);
-    Generation* current();                // whose frames come now; null when none is under way
+    Generation* current();                // the first that has left: whose frames come now; null when none is under way
     Generation* open();                   // the newest of the open conversation
     Generation* runningOf(qint64 chatId); // the newest of that chat that has not been stopped
     Generation* firstOf(qint64 chatId);   // the one of that chat whose frames come first
-    Generation* withoutChat();            // the first whose chat has not been created yet
+    Generation* withoutChat();            // the first whose chat has not been created yet, of those that have left
     void remove(const Generation* generation);
     void clear() { m_generations.clear(); }
 
-    std::deque<Generation>& all() { return m_generations; }
-    const std::deque<Generation>& all() const { return m_generations; }
+    std::list<Generation>& all() { return m_generations; }
+    const std::list<Generation>& all() const { return m_generations; }
 
 private:
-    std::deque<Generation> m_generations; // a deque keeps references valid at its ends
+    std::list<Generation> m_generations; // a list keeps references valid
     quint64 m_lastSerial = 0;
 };
 

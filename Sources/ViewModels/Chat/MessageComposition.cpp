@@ -27,13 +27,14 @@ ChatMessage message(ChatMessage::Role role, std::vector<MessageContent> content,
     return made;
 }
 
-QString joinedText(const ChatMessage& message) {
+template <class Block>
+QString joined(const ChatMessage& message, QStringView separator) {
     QStringList parts;
     for (const MessageContent& block : message.content.value_or(std::vector<MessageContent>())) {
-        if (const auto* text = block.as<Text>())
-            parts.append(text->text);
+        if (const auto* part = block.as<Block>())
+            parts.append(part->text);
     }
-    return parts.join(u' ');
+    return parts.join(separator);
 }
 
 std::vector<MessageContent> files(const ChatMessage& message) {
@@ -107,12 +108,12 @@ std::vector<ChatMessage> mergeFileAttachments(const std::vector<ChatMessage>& lo
         if (!isOfUser(each))
             continue;
         if (auto attached = files(each); !attached.empty())
-            known.insert(joinedText(each), std::move(attached));
+            known.insert(joinedText(each, u" "), std::move(attached));
     }
     for (ChatMessage& each : server) {
         if (known.isEmpty() || !isOfUser(each) || !files(each).empty())
             continue;
-        const auto attached = known.constFind(joinedText(each));
+        const auto attached = known.constFind(joinedText(each, u" "));
         if (attached == known.constEnd())
             continue;
         if (!each.content)
@@ -122,12 +123,29 @@ std::vector<ChatMessage> mergeFileAttachments(const std::vector<ChatMessage>& lo
     return server;
 }
 
+QString joinedText(const ChatMessage& message, QStringView separator) {
+    return joined<Text>(message, separator);
+}
+
+QString joinedThinking(const ChatMessage& message) {
+    return joined<MessageContent::Thinking>(message, {});
+}
+
 void removePlaceholders(ChatMessage& message) {
     if (!message.content)
         return;
     std::erase_if(*message.content, [](const MessageContent& block) {
         return block.as<MessageContent::Generating>() || block.as<MessageContent::SearchInProgress>();
     });
+}
+
+std::optional<std::ptrdiff_t> rowOfQuestion(const std::vector<ChatMessage>& messages, const QString& text) {
+    for (std::ptrdiff_t row = std::ssize(messages) - 2; row >= 0; --row) {
+        const auto message = messages.begin() + row;
+        if (isOfUser(*message) && message->text() == text && isAnswer(*(message + 1)))
+            return row;
+    }
+    return std::nullopt;
 }
 
 std::optional<QString> lastQuestion(const std::vector<ChatMessage>& messages) {

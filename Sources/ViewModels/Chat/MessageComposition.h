@@ -31,8 +31,15 @@ QString detectGenerationType(const QString& text, bool hasImage);
 // the same text.
 std::vector<ChatMessage> mergeFileAttachments(const std::vector<ChatMessage>& local, std::vector<ChatMessage> server);
 
+// All text, or all reasoning, in one.
+QString joinedText(const ChatMessage& message, QStringView separator = {});
+QString joinedThinking(const ChatMessage& message);
+
 // Takes away what says that a tool is at work.
 void removePlaceholders(ChatMessage& message);
+
+// The last row with that question, if its answer is behind it.
+std::optional<std::ptrdiff_t> rowOfQuestion(const std::vector<ChatMessage>& messages, const QString& text);
 
 // The first text of the last message of the user; absent without one.
 std::optional<QString> lastQuestion(const std::vector<ChatMessage>& messages);

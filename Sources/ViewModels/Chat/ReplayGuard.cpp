@@ -1,0 +1,80 @@
+#include "Chat/ReplayGuard.h"
+
+#include <algorithm>
+
+namespace Korvi {
+
+void ReplayGuard::ended(Ended answer) {
+    m_recent.push_back(std::move(answer));
+}
+
+void ReplayGuard::connected(const QDateTime& now) {
+    while (!m_recent.empty() && m_recent.front().at.secsTo(now) > replayLife.count())
+        m_recent.pop_front();
+    m_isWatching = !m_recent.empty();
+    m_isInReplay = false;
+    m_next = 0;
+}
+
+void ReplayGuard::watch() {
+    m_isWatching = m_next < m_recent.size();
+}
+
+void ReplayGuard::clear() {
+    m_recent.clear();
+    m_isWatching = false;
+    m_isInReplay = false;
+}
+
+bool ReplayGuard::ownsCreation(qint64 chatId) {
+    if (!m_isWatching)
+        return false;
+    const auto owner = std::find_if(m_recent.begin() + static_cast<std::ptrdiff_t>(m_next), m_recent.end(),
+        [chatId](const Ended& answer) { return answer.chatId == chatId; });
+    m_isInReplay = owner != m_recent.end();
+    if (m_isInReplay)
+        m_next = static_cast<std::size_t>(owner - m_recent.begin());
+    else
+        m_isWatching = false;
+    return m_isInReplay;
+}
+
+bool ReplayGuard::ownsPiece(const QString& piece, AnswerFold::Kind kind) {
+    if (!m_isWatching || m_isInReplay)
+        return m_isWatching;
+    // Text comes from its beginning; of the reasoning, only what had not been confirmed.
+    const auto owner =
+        std::find_if(m_recent.begin() + static_cast<std::ptrdiff_t>(m_next), m_recent.end(), [&](const Ended& answer) {
+            if (kind == AnswerFold::Kind::thinking)
+                return answer.thinkingTail.contains(piece);
+            const QString& head = answer.textHead;
+            return !head.isEmpty() && (head.startsWith(piece) || piece.startsWith(head));
+        });
+    m_isInReplay = owner != m_recent.end();
+    if (m_isInReplay)
+        m_next = static_cast<std::size_t>(owner - m_recent.begin());
+    else
+        m_isWatching = false;
+    return m_isInReplay;
+}
+
+bool ReplayGuard::ownsEnd(bool isBareEndExpected) {
+    if (!m_isWatching)
+        return false;
+    if (!m_isInReplay) {
+        // An answer without a word leaves only its end to be repeated.
+        const auto owner = std::find_if(m_recent.begin() + static_cast<std::ptrdiff_t>(m_next), m_recent.end(),
+            [](const Ended& answer) { return answer.textHead.isEmpty(); });
+        if (owner == m_recent.end() || isBareEndExpected) {
+            m_isWatching = false;
+            return false;
+        }
+        m_next = static_cast<std::size_t>(owner - m_recent.begin());
+    }
+    m_isInReplay = false;
+    ++m_next;
+    m_isWatching = m_next < m_recent.size();
+    return true;
+}
+
+}
