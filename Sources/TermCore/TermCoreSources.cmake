@@ -23,6 +23,7 @@ set(TERMCORE_SOURCES
     Lines/Reflow.cpp
     Parser/EscapeSequenceParser.cpp
     Parser/TransitionTable.cpp
+    Process/DebugIO.cpp
     Process/HeadlessTerminal.cpp
     Process/LocalProcess.cpp
     Process/ProcessWorker.cpp

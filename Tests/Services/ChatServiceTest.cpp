@@ -577,16 +577,48 @@ TEST_F(ChatServiceTest, MessagesComeWrappedOrBareAndABadOneFailsTheList) {
     for (const Row& row : {Row{"[" + one + "]", 1}, Row{R"({"data":[)" + one + "," + one + "]}", 2}, Row{"[]", 0}}) {
         const Running<std::vector<ChatMessage>> asked([&] { return chat->getMessages(7); });
         EXPECT_EQ(http.last().line(), u"GET /chats/7/messages"_s);
+        const std::size_t before = http.count();
         http.last().answer(row.body);
+        // A list that is not wrapped is asked for as such.
+        if (row.body.startsWith('[')) {
+            ASSERT_EQ(http.count(), before + 1);
+            http.last().answer(row.body);
+        }
         EXPECT_EQ(asked.value().size(), row.count) << row.body.constData();
     }
     for (const QByteArray& body :
         {QByteArray("[7]"), QByteArray("{}"), QByteArray("<html>"), QByteArray(""), QByteArray(R"([{"id":1}])")}) {
         const Running<std::vector<ChatMessage>> asked([&] { return chat->getMessages(7); });
         http.last().answer(body);
+        http.last().answer(body);
         ASSERT_TRUE(asked.error<APIError>()) << body.constData();
         EXPECT_EQ(asked.error<APIError>()->errorDescription(), u"Не удалось прочитать ответ сервера"_s);
     }
+}
+
+TEST_F(ChatServiceTest, WhatIsDoneToAChatIsOneRequestEach) {
+    const QByteArray json = R"({"id":7,"name":"Новое","mode":"m","createdAt":"c","updatedAt":"u","userId":"u"})";
+    defaults.setString(u"currentOrganizationId"_s, u"o1"_s);
+    const Running<Chat> renamed([&] { return chat->renameChat(7, u"Новое"_s); });
+    EXPECT_EQ(http.last().line(), u"PATCH /chats/7?org=o1"_s);
+    EXPECT_EQ(http.last().request.body, QByteArray(R"({"name":"Новое"})"));
+    http.last().answer(json);
+    EXPECT_EQ(renamed.value().name, u"Новое"_s);
+
+    const Running<Chat> pinned([&] { return chat->setFavorite(7, true); });
+    EXPECT_EQ(http.last().line(), u"PUT /chats/7/favorite?isFavorite=true&org=o1"_s);
+    http.last().answer(json);
+    EXPECT_EQ(pinned.value().id, 7);
+
+    const Running<void> deleted([&] { return chat->deleteChat(7); });
+    EXPECT_EQ(http.last().line(), u"DELETE /chats/7?org=o1"_s);
+    http.last().answer(R"({"success":false})"); // that it is a success counts
+    deleted.value();
+
+    const Running<QByteArray> pdf([&] { return chat->downloadArtifactPDF(7, u"a/b"_s, 2); });
+    EXPECT_EQ(http.last().line(), u"GET /chats/7/artifacts/a%2Fb/2/pdf?org=o1"_s);
+    http.last().answer("%PDF", 200, "application/pdf");
+    EXPECT_EQ(pdf.value(), QByteArray("%PDF"));
 }
 
 }

@@ -36,7 +36,7 @@ public:
 
     const std::map<int, std::vector<Message>>& chats() const { return m_chats; }
     bool isIdle() const { return m_outbox.empty(); }
-    bool isOpen() const { return m_isAccepted && !connection().hasEnded; }
+    bool isOpen() const { return m_isAccepted && m_seen == m_sockets.count() && !connection().hasEnded; }
 
     // Each does something if there is something to do, and says whether.
     bool accept() {

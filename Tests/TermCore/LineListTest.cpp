@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <string>
 
 namespace termcore::test {
@@ -73,6 +75,92 @@ TEST(LineList, RotatesARegionAcrossTheSeam) {
         EXPECT_EQ(textOf(list), "..acde");
         list.rotateUp(2, 3, 9, {});
         EXPECT_EQ(textOf(list), "....de");
+    }
+}
+
+/// Regions that turn in place, the ring and the history together must look like a plain list of lines.
+TEST(LineList, AgreesWithAPlainListWhateverIsMoved) {
+    constexpr std::size_t limit = 12;
+    Random random(11);
+    CircularBufferLineList list(4, limit);
+    std::string plain;
+    const auto push = [&](std::size_t at, char c) {
+        plain.insert(at, 1, c);
+        if (plain.size() > limit)
+            plain.erase(0, 1);
+    };
+    struct Region {
+        std::size_t top = 0;
+        std::size_t bottom = 0;
+    };
+    std::array<Region, 2> regions;
+    for (int i = 0; i < 20000; ++i) {
+        if (plain.size() < 4 || random() % 50 == 0) {
+            // Few regions at a time, so that the same one is moved often.
+            for (Region& each : regions) {
+                while (plain.size() < 4) {
+                    list.pushBlank();
+                    push(plain.size(), '.');
+                }
+                each.top = random() % (plain.size() - 1);
+                each.bottom = each.top + 1 + random() % (plain.size() - 1 - each.top);
+            }
+        }
+        const std::size_t at = random() % plain.size();
+        const auto [top, bottom] = regions[random() % 10 == 0];
+        const std::size_t by = random() % 8 == 0 ? random() % limit : 1;
+        const std::size_t moved = bottom < plain.size() ? std::min(by, bottom - top + 1) : 0;
+        switch (random() % 16) {
+        case 0:
+            list.pushBlank();
+            push(plain.size(), '.');
+            break;
+        case 1:
+            list.scrollScreen(at, {}, false);
+            push(plain.size(), '.');
+            break;
+        case 2:
+            list.splice(at, 0, 1);
+            push(at, '.');
+            break;
+        case 3:
+            list.splice(at, 1, 0);
+            plain.erase(at, 1);
+            break;
+        case 4: list.freeze(at); break;
+        case 5:
+            if (random() % 10 == 0) {
+                list = list.clone();
+            } else if (random() % 10 == 0) {
+                list.trimStart(1);
+                plain.erase(0, 1);
+            }
+            break;
+        case 6:
+        case 7:
+        case 8: {
+            const char c = static_cast<char>('a' + random() % 26);
+            list.edit(at).set(0, {static_cast<std::uint32_t>(c), 0});
+            plain[at] = c;
+            break;
+        }
+        case 9:
+        case 10:
+            if (moved > 0) {
+                list.rotateDown(top, bottom, by, {});
+                plain.erase(bottom + 1 - moved, moved);
+                plain.insert(top, moved, '.');
+            }
+            break;
+        default:
+            if (moved > 0) {
+                if (by != 1 || !list.rotateUpOnce(top, bottom, {}, false))
+                    list.rotateUp(top, bottom, by, {});
+                plain.erase(top, moved);
+                plain.insert(bottom + 1 - moved, moved, '.');
+            }
+        }
+        ASSERT_EQ(textOf(list), plain) << "after " << i << " steps";
     }
 }
 

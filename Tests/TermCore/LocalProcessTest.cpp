@@ -1,11 +1,14 @@
 #include "Process/HeadlessTerminal.h"
+#include "Process/PseudoTerminalHelpers.h"
 #include "Process/RunLoop.h"
 #include "TestHost.h"
 
+#include <array>
 #include <cerrno>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <thread>
@@ -78,6 +81,28 @@ TEST_P(OnEitherQueue, OutputComesInOrderAndTheExitOnceAfterIt) {
     EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "a zombie was left";
 }
 
+/// What the owner does while its thread reads, writes and reports; above all for ThreadSanitizer.
+TEST_P(OnEitherQueue, OwnersMayDoAnythingAtAnyTime) {
+    for (int i = 0; i < 20; ++i) {
+        Session session(GetParam());
+        session.start(i % 3 == 0 ? "yes" : i % 3 == 1 ? "cat" : "seq 1 5000; exit 1");
+        for (int n = 0; n < i; ++n) {
+            session.headless.send("some text\n");
+            session.headless.process.setHostLogging(std::nullopt);
+            session.headless.terminal.resize(20 + n, 5);
+            session.headless.process.updateWindowSize();
+            session.loop.run(n % 4 == 0 ? 1ms : 0ms);
+        }
+        if (i % 2 == 0)
+            session.headless.process.terminate();
+        if (i % 4 == 0) {
+            session.start("echo again");
+            EXPECT_TRUE(session.waitForExit());
+            EXPECT_NE(session.screen().find("again"), std::string::npos);
+        }
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(LocalProcess, OnEitherQueue,
     testing::Values(RunLoop::Kind::backPressure, RunLoop::Kind::mainQueue), [](const auto& each) {
         return std::string(each.param == RunLoop::Kind::mainQueue ? "MainQueue" : "BackPressure");
@@ -101,6 +126,36 @@ TEST(LocalProcess, EnvironmentSizeNameAndDirectory) {
         "/bin/sh", {"-c", "echo $0 $TERM $COLORTERM; pwd; stty size"}, std::nullopt, "name", "/tmp");
     ASSERT_TRUE(session.waitForExit());
     EXPECT_EQ(session.screen(), "name xterm-256color truecolor\n/tmp\n10 60\n");
+}
+
+TEST(LocalProcess, AHeadlessTerminalKeepsWhatItIsTold) {
+    Session session;
+    HeadlessTerminal& headless = session.headless;
+    headless.terminal.feed("\x1b]7;file:///home\a");
+    EXPECT_EQ(headless.dir, "file:///home");
+    const winsize size = headless.getWindowSize();
+    EXPECT_EQ((std::array{size.ws_row, size.ws_col, size.ws_xpixel, size.ws_ypixel}),
+        (std::array<unsigned short, 4>{10, 60, 16, 16}));
+    const std::vector<std::uint8_t> bitmap{1, 2, 3, 4};
+    headless.createImageFromBitmap(headless.terminal, bitmap, 1, 1);
+    ASSERT_EQ(headless.images.size(), 1U);
+    EXPECT_EQ(headless.images[0].bitmap, bitmap);
+    headless.changeScrollback(std::nullopt);
+    EXPECT_EQ(headless.terminal.options.scrollback, 0);
+}
+
+TEST(LocalProcess, PseudoTerminalsTellOfWaitingBytes) {
+    const auto child =
+        PseudoTerminalHelpers::fork("/bin/sh", {"sh", "-c", "printf abc; read x"}, {}, std::nullopt, {24, 80, 0, 0});
+    ASSERT_TRUE(child);
+    RunLoop loop;
+    EXPECT_TRUE(waitFor(
+        loop, [&] { return PseudoTerminalHelpers::availableBytes(child->masterDescriptor) == std::pair(0, 3); }));
+    close(child->masterDescriptor);
+    EXPECT_EQ(PseudoTerminalHelpers::availableBytes(-1).first, -1);
+    EXPECT_EQ(PseudoTerminalHelpers::setWinSize(-1, {}), -1);
+    int status = 0;
+    EXPECT_EQ(waitpid(child->pid, &status, 0), child->pid);
 }
 
 TEST(LocalProcess, TellsTheChildOfANewSize) {
@@ -175,8 +230,8 @@ TEST(LocalProcess, AFloodIsHeldBackAndDeliveredInSlices) {
     Counter counter;
     LocalProcess process(&counter, loop);
     process.startProcess("/bin/sh", {"-c", "yes | head -c 2000000"});
-    int turns = 0;
-    while (!counter.hasEnded && turns < 100000) {
+    const auto deadline = std::chrono::steady_clock::now() + patience;
+    while (!counter.hasEnded && std::chrono::steady_clock::now() < deadline) {
         // Other work of the main queue gets its turn while output waits.
         bool hadTurn = false;
         loop.async([&] {
@@ -185,9 +240,42 @@ TEST(LocalProcess, AFloodIsHeldBackAndDeliveredInSlices) {
         });
         ASSERT_TRUE(loop.run(patience));
         ASSERT_TRUE(hadTurn);
-        ++turns;
     }
+    EXPECT_TRUE(counter.hasEnded);
     EXPECT_EQ(counter.bytes, 3000000U); // each newline became two bytes
+}
+
+TEST(RunLoop, EndsInTimeHoweverMuchThereIsToDo) {
+    RunLoop loop;
+    int worked = 0;
+    std::function<void()> again = [&] {
+        ++worked;
+        loop.async(again);
+    };
+    loop.async(again);
+    EXPECT_FALSE(loop.run(5ms));
+    EXPECT_GT(worked, 0);
+    loop.quit();
+    EXPECT_TRUE(loop.run(0ms));
+}
+
+TEST(LocalProcess, TellsOfReadsAndWritesButNotTheirBytes) {
+    testing::internal::CaptureStderr();
+    Session session;
+    session.headless.process.setDebugIO(true);
+    session.start("stty -echo; printf ready; read x; read y; printf 'got %s' \"$x\"");
+    EXPECT_TRUE(waitFor(session.loop, [&] { return session.screen().find("ready") != std::string::npos; }));
+    session.headless.send("secret\n");
+    session.headless.send("\n");
+    EXPECT_TRUE(session.waitForExit());
+    const std::string lines = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(session.headless.process.totalRead(), std::string_view("readygot secret").size());
+    EXPECT_THAT(lines, testing::StartsWith("[READ] count="));
+    EXPECT_THAT(lines, testing::HasSubstr(" total=15\n"));
+    EXPECT_THAT(lines, testing::HasSubstr("[SEND-1] count=7\n"));
+    EXPECT_THAT(lines, testing::HasSubstr("[SEND-1] written\n"));
+    EXPECT_THAT(lines, testing::HasSubstr("[SEND-2] count=1\n"));
+    EXPECT_THAT(lines, testing::Not(testing::HasSubstr("secret")));
 }
 
 TEST(LocalProcess, LogsWhatItReads) {
@@ -204,6 +292,12 @@ TEST(LocalProcess, LogsWhatItReads) {
     }
     std::filesystem::remove_all(directory);
     EXPECT_EQ(all, "logged\r\n");
+
+    testing::internal::CaptureStderr();
+    session.start("echo nowhere");
+    EXPECT_TRUE(waitFor(session.loop, [&] { return session.exits.size() == 2; }));
+    EXPECT_THAT(testing::internal::GetCapturedStderr(), testing::HasSubstr("Can't write the log file"));
+    EXPECT_NE(session.screen().find("nowhere"), std::string::npos);
 }
 
 }

@@ -76,6 +76,23 @@ const Example examples[] = {
         "1m\x85<CSI 2m>"},
     {"\x1b[1\x85m", "<133>m"},
     {"\x19\x1az", "<26>z"},
+    // DEL and the controls wait within every state, or act.
+    {"\x1b\x7f\nQ\x1bZ\x1b(\x7f\rB", "<10><ESC Q><ESC Z><13><ESC (B>"},
+    {"\x1b[\x7f;5\x7f \x7fq\x1b[1?\x7f\n5\xe9m.", "<CSI  0;5q><10>."},
+    {"\x1bP\x7f\r;5\x7f\r$\x7f\rqz\x1b\\", "hook0q(z)<ESC \\>"},
+    {"\x1bXa\rb\x18\x9c.\x1b]\r2;x\x07\x1b_\rGx\x07\x1b_Gx\x18.", ".<OSC 2:x><APC G:x>."},
+    // C1 controls act in every state but the ground and within strings.
+    {"\x1b\x9bm\x1b[1\x98"
+     "a\x9c.\x1b[1\x9e"
+     "a\x9c.\x1b[1\x99.\x1b[1\x91.\x1b[1\x9cm",
+        "<CSI 0m>..<153>.<145>.m"},
+    {"\x1b[1\x9d"
+     "2;t\x07\x1b[1\x9fGx\x07\x1b[1\x90"
+     "3$qx\x9c.",
+        "<OSC 2:t><APC G:x>hook3q(x)."},
+    {"\x1b]\xe9;x\x07\x1b_\xe9x\x07", "<OSC 0:x><APC \xe9:x>"},
+    // Device control strings that nobody takes, or that are malformed.
+    {"\x1bP>|x\x9c.\x1bP1:x\r\xe9y\x9c.\x1bP1?x\x9c.\x1bP$$x\x9c.\x1bP$1x\x9c.\x1bP:x\x9c.", "......"},
 };
 
 TEST(Parser, DispatchesEachFormOfSequence) {

@@ -1,25 +1,15 @@
-// Real programs on the engine. Where tmux is there, its screen of the same program is what ours is compared with.
-#include "Process/HeadlessTerminal.h"
-#include "Process/RunLoop.h"
-#include "Tool/ScreenDump.h"
+// Real programs on the engine, compared with tmux's screen of the same program.
+#include "ProgramScreens.h"
 
-#include <chrono>
-#include <cstdio>
-#include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <ostream>
-#include <sys/wait.h>
-#include <unistd.h>
+#include <sstream>
+#include <string>
+#include <vector>
 
 namespace termcore::test {
 namespace {
-
-using namespace std::chrono_literals;
-constexpr auto patience = 30s;
-constexpr int cols = 80;
-constexpr int rows = 24;
 
 /// What is typed once the screen shows a text.
 struct Step {
@@ -30,10 +20,10 @@ struct Step {
 struct Program {
     const char* name;
     const char* needs;
-    const char* command; ///< for a shell, in the work directory
+    const char* command; ///< for bash, in the work folder
     std::vector<Step> steps;
-    const char* finally; ///< what the last screen shows
-    bool hasTmux = true; ///< its screen is the same under tmux
+    const char* finally;                    ///< what the last screen shows
+    std::vector<const char*> rowsWith = {}; ///< only rows with one of these are the same each time
 };
 
 void PrintTo(const Program& program, std::ostream* out) {
@@ -52,138 +42,88 @@ const Program programs[] = {
     {"git", "git",
         "git -c color.ui=always -c core.pager=cat -C repository log --graph --stat --pretty=format:'%h %s'; sleep 100",
         {}, "first change"},
-    {"mc", "mc", "mc -u -x -b . 2>/dev/null", {{"text.txt", "\x1b[B\x1b[B"}}, "10Quit", false},
-    {"top", "top", "top -d 100", {}, "Tasks:", false},
-    {"htop", "htop", "htop -d 100", {}, "F10", false},
-    {"tmux", "tmux", "tmux -L inner -f /dev/null new-session \"PS1='> ' bash --norc --noprofile -i\"",
-        {{">", "tmux -L inner split-window -h \"PS1='second> ' bash --norc --noprofile -i\"\r"},
+    {"mc", "mc", "cd files && mc --nosubshell --nomouse --skin=default .", {{"text.txt", "\x1b[B\x1b[B"}}, "10Quit"},
+    // Loads, times and the processes themselves differ from one run to the next.
+    {"top", "top", "top -d 100 -w 80", {}, "Tasks:", {"PID USER"}},
+    {"htop", "htop", "htop -d 100", {}, "F10", {"F10Quit"}},
+    {"tmux", "tmux",
+        // A server of its own each time: one that is just ending would take the new session with it.
+        "tmux -S inner.$$ -f /dev/null new-session \"PS1='> ' bash --norc --noprofile -i\" \\; set -g status off",
+        {{">", "tmux split-window -h \"PS1='second> ' bash --norc --noprofile -i\"\r"},
             {"second>", "echo in the second\r"}},
-        "│", false},
-    {"vttest", "vttest", "vttest 24x80.80", {{"choice number", "1\r"}}, "Push <RETURN>", false},
+        "│"},
 };
+
+/// The rows of a screen that are the same each time.
+std::string stable(const std::string& screen, const Program& program) {
+    if (program.rowsWith.empty())
+        return screen;
+    std::string kept;
+    std::istringstream rows(screen);
+    for (std::string row; std::getline(rows, row);) {
+        for (const char* part : program.rowsWith)
+            kept += row.find(part) != std::string::npos ? row + "\n" : "";
+    }
+    return kept;
+}
 
 class Programs : public testing::TestWithParam<Program> {
 protected:
     void SetUp() override {
-        if (runShell(std::string("command -v ") + GetParam().needs + " >/dev/null") != 0)
+        if (!hasProgram(GetParam().needs))
             GTEST_SKIP() << GetParam().needs << " is not installed";
-        directory = std::filesystem::temp_directory_path() / ("termcore-programs-" + std::to_string(getpid()));
-        std::filesystem::create_directories(directory);
-        std::ofstream text(directory / "text.txt");
+        for (const char* each : {"home/.config/mc", "files", "repository"})
+            std::filesystem::create_directories(folder.path / each);
+        // Without the hint of the day and the space left on the disk.
+        std::ofstream(folder.path / "home/.config/mc/ini")
+            << "[Layout]\nmessage_visible=false\nfree_space=false\nxterm_title=false\n";
+        std::ofstream text(folder.path / "text.txt");
         for (int i = 1; i <= 200; ++i)
             text << "line " << i << " of a file, with some words\n";
         text.close();
-        runShell("cd " + directory.string() +
-            " && mkdir -p repository && cd repository && git init -q . 2>/dev/null && "
+        runShell("cd " + folder.path.string() +
+            " && cp text.txt files/ && mkdir files/folder && echo x > files/other && touch -d 2024-01-01 files/*; "
+            "cd repository && git init -q . 2>/dev/null && "
             "for i in first second third; do echo $i >> file; git add file; GIT_AUTHOR_DATE='2024-01-01 00:00:00' "
             "GIT_COMMITTER_DATE='2024-01-01 00:00:00' git -c user.name=n -c user.email=e commit -qm \"$i change\"; "
             "done");
     }
     void TearDown() override {
-        runShell("tmux -L " + socket() + " kill-server 2>/dev/null; tmux -L inner kill-server 2>/dev/null");
-        if (!directory.empty())
-            removeDirectory();
+        runShell(
+            "cd " + folder.path.string() + " && for each in inner.*; do tmux -S $each kill-server 2>/dev/null; done");
     }
-
-    /// Programs that are just ending may still write into it.
-    void removeDirectory() const {
-        std::error_code ignored;
-        std::filesystem::remove_all(directory, ignored);
-    }
-    static int runShell(const std::string& command) { return std::system(command.c_str()); } // NOLINT
-    static std::string output(const std::string& command) {
-        std::string text;
-        FILE* pipe = popen(command.c_str(), "r"); // NOLINT
-        char buffer[4096];
-        std::size_t count = 0;
-        while ((count = fread(buffer, 1, sizeof buffer, pipe)) > 0)
-            text.append(buffer, count);
-        pclose(pipe);
-        return text;
-    }
-    std::string socket() const { return "termcore-test-" + std::to_string(getpid()); }
     std::string command() const {
-        return "unset TMUX; cd " + directory.string() +
-            " && export LANG=C.UTF-8 LC_ALL=C.UTF-8 HOME=" + directory.string() + "; " + GetParam().command;
+        return "unset TMUX; cd " + folder.path.string() +
+            " && export LANG=C.UTF-8 LC_ALL=C.UTF-8 HOME=" + folder.path.string() + "/home; " + GetParam().command;
     }
 
-    std::filesystem::path directory;
+    const WorkFolder folder;
 };
 
-/// The screen once it has held still for a while and shows `wanted`.
-template <typename Screen, typename Pause>
-std::string settled(Screen screen, Pause pause, const char* wanted) {
-    const auto deadline = std::chrono::steady_clock::now() + patience;
-    std::string before;
-    int still = 0;
-    while (std::chrono::steady_clock::now() < deadline) {
-        pause();
-        const std::string now = screen();
-        still = now == before ? still + 1 : 0;
-        before = now;
-        if (still >= 5 && now.find(wanted) != std::string::npos)
-            break;
+/// The last screen after all steps.
+std::string play(ProgramScreen& screen, const Program& program) {
+    for (const Step& step : program.steps) {
+        const std::string shown = screen.settled(step.waitFor);
+        EXPECT_NE(shown.find(step.waitFor), std::string::npos) << shown;
+        screen.type(step.keys);
     }
-    return before;
-}
-
-std::string withoutBlanks(const std::string& text) {
-    std::string out;
-    std::string line;
-    for (const char c : text + "\n") {
-        if (c != '\n') {
-            line += c;
-            continue;
-        }
-        line.erase(line.find_last_not_of(' ') + 1);
-        out += line + "\n";
-        line.clear();
-    }
-    out.erase(out.find_last_not_of('\n') + 1);
-    return out;
+    return screen.settled(program.finally);
 }
 
 TEST_P(Programs, LookAsTheyShould) {
     const Program& program = GetParam();
-    RunLoop loop;
-    TerminalOptions options;
-    options.cols = cols;
-    options.rows = rows;
-    HeadlessTerminal headless(loop, options, [](std::optional<int>) {});
-    headless.process.startProcess("/bin/bash", {"-c", command()});
-    const auto screen = [&] { return withoutBlanks(tool::dumpScreen(headless.terminal)); };
-    const auto pause = [&] { loop.run(60ms); };
-    for (const Step& step : program.steps) {
-        const std::string shown = settled(screen, pause, step.waitFor);
-        ASSERT_NE(shown.find(step.waitFor), std::string::npos) << shown;
-        headless.send(std::string_view(step.keys));
+    std::string ours;
+    {
+        EngineScreen engine(command());
+        ours = play(engine, program);
     }
-    const std::string ours = settled(screen, pause, program.finally);
     EXPECT_NE(ours.find(program.finally), std::string::npos) << ours;
-    headless.process.terminate();
-
-    if (!program.hasTmux || runShell("command -v tmux >/dev/null") != 0)
+    if (!TmuxScreen::isInstalled())
         return;
-    std::filesystem::remove(directory / ".text.txt.swp");
-    const std::string tmux = "tmux -L " + socket() + " -f /dev/null ";
-    std::ofstream(directory / "start.sh") << command() << "\n";
-    ASSERT_EQ(runShell("LC_ALL=C.UTF-8 " + tmux + "new-session -d -x 80 -y 24 'exec bash " +
-                  (directory / "start.sh").string() + "' \\; set -g status off"),
-        0);
-    runShell(tmux + "resize-window -x 80 -y 24");
-    const auto peerScreen = [&] { return withoutBlanks(output(tmux + "capture-pane -p")); };
-    const auto peerPause = [] { usleep(60000); };
-    for (const Step& step : program.steps) {
-        settled(peerScreen, peerPause, step.waitFor);
-        std::string hex = tmux + "send-keys -H";
-        for (const char* c = step.keys; *c != 0; ++c) {
-            char digits[8];
-            std::snprintf(digits, sizeof digits, " %02x", static_cast<unsigned char>(*c));
-            hex += digits;
-        }
-        runShell(hex);
-    }
-    EXPECT_EQ(ours, settled(peerScreen, peerPause, program.finally));
+    std::filesystem::remove(folder.path / ".text.txt.swp");
+    TmuxScreen peer(command(), folder.path);
+    EXPECT_NE(stable(ours, program), "");
+    EXPECT_EQ(stable(ours, program), stable(play(peer, program), program));
 }
 
 INSTANTIATE_TEST_SUITE_P(

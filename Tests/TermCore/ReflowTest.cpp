@@ -37,6 +37,8 @@ const Example examples[] = {
     {"more rows pull the history back", sized(10, 2), "1\r\n2\r\n3\r\n4", {{10, 4}}, "1|2|3|4|", 1, 3},
     {"more rows without history are blank", sized(10, 2), "1", {{10, 4}}, "1||||", 1, 0},
     {"a full ring loses its first lines", sized(8, 2, 1), "abcdefgh\r\nijklmnop\r\nx", {{4, 2}}, "ijkl|mnop|x|", 1, 1},
+    {"fewer rows of a full ring lose its first lines", sized(10, 4, 1), "1\r\n2\r\n3\r\n4\r\n5\r\n6", {{10, 2}},
+        "4|5|6|", 1, 1},
     {"blanks within a wrapped group stay", sized(4, 4), "abcdef\x1b[1;3H\x1b[K\x1b[3;1Hx", {{8, 4}}, "ab  ef|x|||", 1,
         1},
 };
@@ -50,6 +52,7 @@ TEST(Reflow, Examples) {
             terminal.resize(cols, height);
         EXPECT_EQ(rows(terminal), each.expected) << each.name;
         EXPECT_EQ(terminal.getCursorLocation(), (Position{each.cursorCol, each.cursorRow})) << each.name;
+        EXPECT_EQ(terminal.getTopVisibleRow(), terminal.buffer().yBase) << each.name;
     }
 }
 

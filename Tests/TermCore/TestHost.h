@@ -22,7 +22,14 @@ struct TestHost : TerminalDelegate {
     std::pair<Color, Color> getColors(Terminal& t) override { return {t.foregroundColor, t.backgroundColor}; }
     bool isProcessTrusted(Terminal&) override { return isTrusted; }
     std::optional<std::string> windowCommand(Terminal&, const WindowManipulationCommand& command) override {
-        note("window command " + std::to_string(command.index()));
+        std::string values;
+        if (const auto* place = std::get_if<window::MoveWindowTo>(&command))
+            values = " " + std::to_string(place->x) + " " + std::to_string(place->y);
+        if (const auto* size = std::get_if<window::ResizeWindowTo>(&command))
+            values = " " + std::to_string(size->width) + " " + std::to_string(size->height);
+        if (const auto* size = std::get_if<window::ResizeTo>(&command))
+            values = " " + std::to_string(size->cols) + " " + std::to_string(size->rows);
+        note("window command " + std::to_string(command.index()) + values);
         return windowReply;
     }
     void showCursor(Terminal&) override { note("show cursor"); }

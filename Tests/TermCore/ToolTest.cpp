@@ -9,13 +9,14 @@ namespace termcore::tool {
 namespace {
 
 TEST(Tool, ReadsItsCommandLine) {
-    const auto run =
-        Arguments::parse({"run", "--size", "100x30", "--dump", "json", "--timeout", "5", "--", "ls", "--dump", "-h"});
+    const auto run = Arguments::parse(
+        {"run", "--size", "100x30", "--dump", "json", "--timeout", "5", "--debug-io", "--", "ls", "--dump", "-h"});
     EXPECT_EQ(run.command, Arguments::Command::run);
     EXPECT_EQ(run.options.cols, 100);
     EXPECT_EQ(run.options.rows, 30);
     EXPECT_EQ(run.dump, Arguments::Dump::json);
     EXPECT_EQ(run.timeout, std::chrono::seconds(5));
+    EXPECT_TRUE(run.debugsIO);
     EXPECT_EQ(run.operands, (std::vector<std::string>{"ls", "--dump", "-h"}));
     const auto feed = Arguments::parse({"feed", "a", "b", "--repeat", "3", "--scrollback", "0"});
     EXPECT_EQ(feed.operands.size(), 2U);

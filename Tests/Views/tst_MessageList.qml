@@ -18,6 +18,27 @@ Item {
         columnWidth: 460
         messages: messages
     }
+    SignalSpy {
+        id: deletion
+
+        signalName: "deletionWanted"
+        target: list
+    }
+    SignalSpy {
+        id: retry
+
+        signalName: "retryWanted"
+        target: list
+    }
+    TextParts {
+        id: parts
+    }
+    TextParts {
+        id: whole
+    }
+    TextEdit {
+        id: pasted
+    }
 
     TestCase {
         name: "MessageList"
@@ -42,11 +63,13 @@ Item {
         function settled() {
             for (let i = 0; i < 4; ++i)
                 wait(0)
-            list.forceLayout()
+            list.column.forceLayout()
         }
 
         function init() {
             failOnWarning(/./)
+            Theme.reducedMotion = true
+            list.canRetry = false
             messages.clear()
             settled()
             for (let i = 0; i < 12; ++i) {
@@ -59,11 +82,11 @@ Item {
 
         // Where on the screen that row is.
         function place(row) {
-            return Math.round(list.itemAtIndex(row).y - list.contentY)
+            return Math.round(list.column.rowPosition(row) - list.column.position)
         }
 
         function visibleRow() {
-            return list.indexAt(list.width / 2, list.contentY + list.height / 2)
+            return Math.floor((list.column.firstVisibleRow + list.column.lastVisibleRow) / 2)
         }
 
         function test_openedAtTheEndAndHeldThereWhileRowsGrow() {
@@ -86,7 +109,7 @@ Item {
         }
 
         function test_readerIsLeftAlone(data) {
-            list.scrollTo(list.contentY - data.up)
+            list.column.scrollBy(-data.up)
             settled()
             verify(!list.following)
             const row = visibleRow()
@@ -133,23 +156,338 @@ Item {
             compare(place(question), top)
             grow(40) // more than a screen: now the end is what is read
             compare(Math.round(list.distanceToEnd), 0)
-            verify(list.itemAtIndex(messages.count - 1).height > list.height)
+            verify(list.column.itemAt(messages.count - 1).height > list.height)
         }
 
         function test_unfoldingTheReasoningDoesNotMoveIt() {
             const row = messages.count - 1
-            list.scrollTo(list.itemAtIndex(row).y - 50)
+            list.column.scrollTo(list.column.rowPosition(row) - 50)
             settled()
             const before = place(row)
-            const folded = list.itemAtIndex(row).height
-            const pill = findChild(list.itemAtIndex(row), "thinkingPill")
+            const folded = list.column.itemAt(row).height
+            const pill = findChild(list.column.itemAt(row), "thinkingPill")
             mouseClick(pill)
-            tryVerify(() => list.itemAtIndex(row).height > folded)
+            tryVerify(() => list.column.itemAt(row).height > folded)
             compare(place(row), before)
             pill.forceActiveFocus(Qt.TabFocusReason)
             keyClick(Qt.Key_Space)
-            tryVerify(() => list.itemAtIndex(row).height === folded)
+            tryVerify(() => list.column.itemAt(row).height === folded)
             compare(place(row), before)
+        }
+
+        function focusLast() {
+            list.focusRow(messages.count - 1)
+            settled()
+            const row = list.column.itemAt(messages.count - 1)
+            verify(row.activeFocus)
+            return row
+        }
+
+        function clipboard() {
+            pasted.clear()
+            pasted.paste()
+            return pasted.text
+        }
+
+        // The items of the open menu that can be chosen.
+        function offered() {
+            const menu = findChild(list, "messageMenu") ?? findChild(root.Window.contentItem, "messageMenu")
+            const texts = []
+            for (let i = 0; i < menu.count; ++i) {
+                if (menu.itemAt(i).visible)
+                    texts.push(menu.itemAt(i).text)
+            }
+            return texts
+        }
+
+        function test_menuByKeyboard_data() {
+            return [
+                { tag: "Menu", key: Qt.Key_Menu, modifiers: Qt.NoModifier },
+                { tag: "Shift+F10", key: Qt.Key_F10, modifiers: Qt.ShiftModifier },
+            ]
+        }
+
+        function test_menuByKeyboard(data) {
+            list.canRetry = true
+            focusLast()
+            keyClick(data.key, data.modifiers)
+            const menu = findChild(list, "messageMenu")
+            tryVerify(() => menu.opened)
+            compare(offered(), ["Копировать", "Повторить", "Удалить"])
+            keyClick(Qt.Key_Escape)
+            tryVerify(() => !menu.visible)
+            verify(list.column.itemAt(messages.count - 1).activeFocus, "the keyboard is back on the row")
+
+            list.focusRow(messages.count - 3)
+            keyClick(data.key, data.modifiers)
+            tryVerify(() => menu.opened)
+            compare(offered(), ["Копировать", "Удалить"])
+            menu.close()
+        }
+
+        function test_menuActs() {
+            list.canRetry = true
+            const last = messages.count - 1
+            const menu = () => findChild(list, "messageMenu")
+            const choose = name => {
+                mouseClick(list.column.itemAt(last), 200, 10, Qt.RightButton)
+                tryVerify(() => menu().opened)
+                findChild(menu().contentItem, name).clicked()
+                tryVerify(() => !menu().visible)
+            }
+            deletion.clear()
+            retry.clear()
+            choose("copyItem")
+            compare(clipboard(), messages.get(last).text)
+            choose("retryItem")
+            compare(retry.count, 1)
+            choose("deleteItem")
+            compare(deletion.count, 1)
+            compare(deletion.signalArguments[0][0], messages.get(last).messageId)
+        }
+
+        function test_keyboardGoesToTheNextMessageAfterADeletion() {
+            list.deletionWanted.connect(remove)
+            list.focusRow(4)
+            settled()
+            const next = messages.get(5).messageId
+            keyClick(Qt.Key_Menu)
+            const menu = findChild(list, "messageMenu")
+            tryVerify(() => menu.opened)
+            keyClick(Qt.Key_Up) // round to the last, which deletes
+            if (menu.itemAt(menu.currentIndex).objectName !== "deleteItem")
+                menu.currentIndex = menu.count - 1
+            keyClick(Qt.Key_Return)
+            tryVerify(() => list.column.focusedRow === 4)
+            compare(list.column.itemAt(4).messageId, next)
+            list.deletionWanted.disconnect(remove)
+        }
+
+        function remove(messageId) {
+            for (let i = 0; i < messages.count; ++i) {
+                if (messages.get(i).messageId === messageId)
+                    messages.remove(i)
+            }
+        }
+
+        function test_selectionSurvivesStreamingAndIsCopied() {
+            const row = focusLast()
+            const answer = findChild(row, "textPart")
+            answer.select(5, 25)
+            const selected = answer.selectedText
+            grow(5)
+            compare(answer.selectedText, selected)
+            answer.select(3, answer.length)
+            const toTheEnd = answer.selectedText
+            grow(2)
+            compare(answer.selectedText, toTheEnd)
+            answer.forceActiveFocus()
+            keySequence("Ctrl+C")
+            compare(clipboard().length, toTheEnd.length)
+
+            keyClick(Qt.Key_Menu)
+            const menu = findChild(list, "messageMenu")
+            tryVerify(() => menu.opened)
+            compare(offered(), ["Копировать", "Копировать выделенное", "Удалить"])
+            compare(answer.selectedText, toTheEnd, "the menu leaves the selection alone")
+            keyClick(Qt.Key_Escape)
+            tryVerify(() => !menu.visible)
+        }
+
+        function test_caretSelectsByKeyboard() {
+            const row = focusLast()
+            keySequence("Ctrl+C")
+            compare(clipboard(), messages.get(messages.count - 1).text)
+            keyClick(Qt.Key_Return)
+            const answer = findChild(row, "textPart")
+            verify(answer.activeFocus)
+            verify(answer.cursorVisible)
+            keyClick(Qt.Key_Right)
+            keyClick(Qt.Key_Right, Qt.ShiftModifier)
+            keyClick(Qt.Key_Right, Qt.ShiftModifier)
+            compare(answer.selectedText, paragraph.slice(1, 3))
+            keyClick(Qt.Key_Down, Qt.ShiftModifier)
+            keySequence("Ctrl+C")
+            compare(clipboard(), answer.selectedText)
+            keyClick(Qt.Key_Escape)
+            verify(row.activeFocus)
+            verify(!answer.cursorVisible)
+            keySequence("Ctrl+A")
+            compare(answer.selectedText.length, answer.length)
+        }
+
+        function test_mouseSelectsAndArrowsStillScroll() {
+            const row = list.column.itemAt(messages.count - 1)
+            const answer = findChild(row, "textPart")
+            mouseDrag(answer, 5, answer.height - 30, 150, 0, Qt.LeftButton, Qt.NoModifier, 50)
+            verify(answer.selectedText.length > 5, answer.selectedText)
+            verify(answer.activeFocus)
+            const before = list.column.position
+            keyClick(Qt.Key_PageUp)
+            verify(list.column.position < before)
+        }
+
+        function test_keysGoThroughAllMessages() {
+            focusLast()
+            keyClick(Qt.Key_Home)
+            settled()
+            compare(list.column.position, 0)
+            compare(list.column.focusedRow, 0)
+            let presses = 0
+            let last = 0
+            while (list.column.focusedRow < messages.count - 1 && ++presses < 500) {
+                keyClick(Qt.Key_Down)
+                settled()
+                const row = list.column.focusedRow
+                verify(row === last || row === last + 1, row + " after " + last)
+                const top = place(row)
+                verify(top < list.height && top + list.column.heightAt(row) > 0, "row " + row + " is in view at " + top)
+                last = row
+            }
+            compare(last, messages.count - 1)
+            keyClick(Qt.Key_PageUp)
+            keyClick(Qt.Key_PageUp)
+            settled()
+            verify(list.column.focusedRow >= list.column.firstVisibleRow)
+            verify(list.column.focusedRow <= list.column.lastVisibleRow)
+            keyClick(Qt.Key_End)
+            settled()
+            compare(Math.round(list.distanceToEnd), 0)
+            compare(list.column.focusedRow, messages.count - 1)
+        }
+
+        function test_textSizeKeepsWhatIsRead() {
+            messages.setProperty(9, "text", paragraph.repeat(60))
+            list.column.positionAtRow(9)
+            settled()
+            list.column.scrollBy(300)
+            settled()
+            const answer = findChild(list.column.itemAt(9), "textPart")
+            const top = () => answer.mapFromItem(list, 0, list.column.topPadding).y
+            const read = answer.positionAt(0, top())
+            const below = top() - answer.positionToRectangle(read).y
+            for (const size of [20, 11, 13]) {
+                Theme.textSize = size
+                settled()
+                fuzzyCompare(top() - answer.positionToRectangle(read).y, below, 1, "size " + size)
+            }
+        }
+
+        function test_selectionGoesOverTheBordersOfParts() {
+            const last = messages.count - 1
+            messages.setProperty(last, "text", (paragraph.repeat(4) + "\n").repeat(40))
+            settled()
+            const text = messages.get(last).text
+            const answer = findChild(list.column.itemAt(last), "answerText")
+            // The border between the last two parts, in view.
+            const lower = answer.itemAt(answer.model.count - 1)
+            list.column.scrollBy(-200)
+            settled()
+            list.column.scrollTo(list.column.rowPosition(last) + lower.mapToItem(list.column.itemAt(last), 0, 0).y - 200)
+            settled()
+            const y = lower.mapToItem(list, 0, 0).y
+            mousePress(list, 60, y - 50)
+            for (let at = y - 50; at <= y + 50; at += 10)
+                mouseMove(list, 160, at, 0, Qt.LeftButton)
+            settled()
+            mouseRelease(list, 160, y + 50)
+            settled()
+            const selected = answer.selectedText()
+            verify(selected.indexOf("\n") > 0, selected)
+            verify(text.indexOf(selected) >= 0, "as it stands in the text: " + selected)
+            const shown = answer.itemAt(answer.model.count - 2).selectedText + "\n" + lower.selectedText
+            compare(shown.replace(/\u2029/g, "\n"), selected)
+            keySequence("Ctrl+C")
+            compare(clipboard(), selected)
+
+            list.focusRow(last)
+            keySequence("Ctrl+A")
+            keySequence("Ctrl+C")
+            compare(clipboard(), text)
+            list.focusRow(last - 1)
+            compare(answer.selectedText(), "")
+        }
+
+        // 256 KB, and as much again that comes while it is read.
+        function test_answerOfAnyLengthCostsWhatIsSeen() {
+            const last = messages.count - 1
+            const many = (paragraph.repeat(4) + "\n").repeat(550)
+            messages.setProperty(last, "text", many)
+            settled()
+            const answer = findChild(list.column.itemAt(last), "answerText")
+            verify(answer.height > 20000, answer.height)
+            compare(Math.round(list.distanceToEnd), 0)
+            verify(answer.liveParts() <= 4, answer.liveParts() + " parts")
+
+            for (let i = 0; i < 60; ++i) {
+                const part = answer.itemAt(answer.partAt(list.column.position + list.height / 2
+                    - list.column.rowPosition(last)))
+                const before = part.mapToItem(list, 0, 0).y
+                list.column.scrollBy(-300)
+                list.column.forceLayout()
+                verify(Math.abs(part.mapToItem(list, 0, 0).y - before - 300) <= 1, "screen " + i)
+                verify(answer.liveParts() <= 4, answer.liveParts() + " parts")
+            }
+            list.showEnd()
+            settled()
+            list.column.scrollBy(-700)
+            settled()
+            const part = answer.itemAt(answer.model.count - 1)
+            const before = part.mapToItem(list, 0, 0).y
+            messages.setProperty(last, "text", many + many)
+            settled()
+            compare(part.mapToItem(list, 0, 0).y, before)
+            verify(!list.following)
+        }
+
+        function test_partsAreTheText() {
+            const texts = ["", "слово", "\n".repeat(9000), (paragraph.repeat(3) + "\n\n").repeat(90), "б".repeat(40000),
+                "слово ".repeat(9000), "😀".repeat(20000)]
+            for (const text of texts) {
+                parts.text = ""
+                for (let to = 0; to < text.length; to += 977)
+                    parts.text = text.slice(0, to)
+                parts.text = text
+                let joined = ""
+                for (let i = 0; i < parts.count; ++i) {
+                    const part = parts.data(parts.index(i, 0), partRole)
+                    verify(part.length <= 16001, part.length)
+                    joined += part
+                    const border = text[joined.length]
+                    if (i + 1 < parts.count && (border === "\n" || border === " "))
+                        joined += border
+                }
+                verify(joined === text, text.slice(0, 20))
+                compare(parts.count > 1, text.length > 4000)
+                whole.text = text // grown or set at once, the same
+                compare(whole.count, parts.count)
+            }
+        }
+
+        readonly property int partRole: Qt.UserRole + 1
+
+        function test_screenReaderHearsWhoSpeaks() {
+            compare(list.column.itemAt(messages.count - 1).Accessible.name.indexOf("Ответ: Сортировка"), 0)
+            verify(list.column.itemAt(messages.count - 1).Accessible.name.length < 300)
+        }
+
+        function test_actionsUnderAnAnswer() {
+            list.canRetry = true
+            const row = list.column.itemAt(messages.count - 1)
+            const actions = findChild(row, "answerActions")
+            verify(!actions.enabled, "not while it is written")
+            const height = row.height
+            messages.setProperty(messages.count - 1, "isStreaming", false)
+            settled()
+            verify(actions.enabled)
+            compare(row.height, height)
+            retry.clear()
+            mouseClick(findChild(row, "retryButton"))
+            compare(retry.count, 1)
+            findChild(row, "copyButton").forceActiveFocus(Qt.TabFocusReason)
+            compare(list.column.focusedRow, messages.count - 1)
+            keyClick(Qt.Key_Space)
+            compare(clipboard(), messages.get(messages.count - 1).text)
         }
     }
 }

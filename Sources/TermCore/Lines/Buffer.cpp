@@ -13,6 +13,7 @@ Buffer::Buffer(int cols, int rows, int tabStopWidth, std::optional<int> scrollba
     , regionBottom(rows - 1)
     , columnCount(cols)
     , rowCount(rows)
+    , keepsHistory(scrollback.has_value())
     , history(scrollback) {
     lines.setMaxLength(getCorrectBufferLength(rows));
     setupTabStops(-1, tabStopWidth);
@@ -211,6 +212,7 @@ void Buffer::recalculateLinesWithImagesCount() {
 
 Buffer Buffer::snapshot() const {
     Buffer copy(columnCount, rowCount, 8, history);
+    copy.keepsHistory = keepsHistory;
     copy.lines = lines.clone();
     copy.xDisp = xDisp;
     copy.xBase = xBase;

@@ -73,7 +73,8 @@ public:
 
     int cols() const { return columnCount; }
     int rows() const { return rowCount; }
-    bool hasScrollback() const { return history.has_value(); }
+    /// True when it was made with a history, whatever its size is now.
+    bool hasScrollback() const { return keepsHistory; }
     std::optional<int> scrollback() const { return history; }
     bool isReflowEnabled() const { return hasScrollback(); }
     bool hasAnyImages() const { return linesWithImagesCount > 0; }
@@ -88,7 +89,7 @@ public:
     Cell getChar(int col, int row) const { return getCharAbsolute(col, row + yBase); }
     Cell getCharAbsolute(int col, int row) const;
     /// The line of a screen row, for writing.
-    BufferLine& screenLine(int row) {
+    [[gnu::always_inline]] BufferLine& screenLine(int row) {
         return lines.edit(static_cast<std::size_t>(yBase) + static_cast<std::size_t>(row));
     }
     std::size_t screenIndex(int row) const { return static_cast<std::size_t>(yBase) + static_cast<std::size_t>(row); }
@@ -166,6 +167,7 @@ private:
     int regionBottom = 0;
     int columnCount = 0;
     int rowCount = 0;
+    bool keepsHistory = false;
     std::optional<int> history;
 };
 

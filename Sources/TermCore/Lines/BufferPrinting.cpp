@@ -167,8 +167,8 @@ std::size_t Buffer::insertUtf8Run(std::span<const std::uint8_t> run, std::uint32
             } else if (scalar >= 0xC2 && scalar < 0xE0 && left >= 2 && isContinuation(1)) {
                 scalar = (scalar & 0x1F) << 6 | bits(1);
                 length = 2;
-            } else if (scalar >= 0xF1 && scalar < 0xF4 && left >= 4 && isContinuation(1) && isContinuation(2) &&
-                isContinuation(3)) {
+            } else if (scalar >= 0xF0 && scalar < 0xF4 && left >= 4 && isContinuation(1) && isContinuation(2) &&
+                isContinuation(3) && (scalar != 0xF0 || at[1] >= 0x90)) {
                 scalar = (scalar & 7) << 18 | bits(1) << 12 | bits(2) << 6 | bits(3);
                 length = 4;
             } else {

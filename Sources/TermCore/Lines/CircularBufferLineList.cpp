@@ -29,7 +29,10 @@ void CircularBufferLineList::dropSpareLines() {
 
 CircularBufferLineList::CircularBufferLineList(CircularBufferLineList&& other) noexcept
     : slots(std::move(other.slots))
+    , slotCount(std::exchange(other.slotCount, 0))
     , startIndex(std::exchange(other.startIndex, 0))
+    , turn(std::exchange(other.turn, {}))
+    , lastMoved(std::exchange(other.lastMoved, {}))
     , length(std::exchange(other.length, 0))
     , limit(other.limit)
     , lineCols(other.lineCols)
@@ -38,7 +41,10 @@ CircularBufferLineList::CircularBufferLineList(CircularBufferLineList&& other) n
 
 CircularBufferLineList& CircularBufferLineList::operator=(CircularBufferLineList&& other) noexcept {
     std::swap(slots, other.slots);
+    std::swap(slotCount, other.slotCount);
     std::swap(startIndex, other.startIndex);
+    std::swap(turn, other.turn);
+    std::swap(lastMoved, other.lastMoved);
     std::swap(length, other.length);
     std::swap(limit, other.limit);
     std::swap(lineCols, other.lineCols);
@@ -80,6 +86,8 @@ std::span<const Cell> CircularBufferLineList::read(std::size_t index, std::vecto
 }
 
 Cell CircularBufferLineList::cellAt(std::size_t index, std::size_t col) const {
+    if (const Slot& slot = slotAt(index); slot.kind == Kind::line)
+        return col < static_cast<std::size_t>(slot.line()->count()) ? slot.line()->cells()[col] : Cell{};
     std::vector<Cell> scratch;
     const auto cells = read(index, scratch);
     return col < cells.size() ? cells[col] : Cell{};
@@ -140,38 +148,13 @@ BufferLine& CircularBufferLineList::thaw(Slot& slot) {
     return *slot.line();
 }
 
-/// A few bytes in the default look, what most lines of a fast scrolling program are, lie in the slot itself.
-bool CircularBufferLineList::packShort(const BufferLine& line, std::size_t used, Slot& result) {
-    const Cell* cells = line.cells().data();
-    std::uint64_t bytes = 0;
-    std::uint32_t styles = 0;
-    for (std::size_t i = used; i-- > 0;) {
-        bytes = bytes << 8 | cells[i].text;
-        styles |= cells[i].style;
-    }
-    if (styles != 0)
-        return false;
-    if (bytes != 0) {
-        const auto count = static_cast<std::uint16_t>((71U - static_cast<unsigned>(std::countl_zero(bytes))) / 8);
-        std::memcpy(&result.data, &bytes, sizeof bytes);
-        result.cellCount = result.packedCells = count;
-        result.kind = Kind::inlineBytes;
-    }
-    return true;
-}
-
-BufferLine* CircularBufferLineList::pack(Slot& slot) {
+BufferLine* CircularBufferLineList::packIntoArena(Slot& slot) {
     BufferLine* line = slot.line();
     const auto used = static_cast<std::size_t>(line->usedCells());
     if (line->images || PackedLine::largestSize(used) > LineArena::largestRequest)
         return nullptr;
     Slot result;
-    result.flags = static_cast<std::uint8_t>(
-        (line->isWrapped ? wrappedFlag : 0) | (static_cast<unsigned>(line->renderMode) << renderModeShift));
-    if (used <= PackedLine::shortLine && line->holdsBytesOnly() && packShort(*line, used, result)) {
-        slot = result;
-        return line;
-    }
+    result.flags = flagsOf(*line);
     if (used > 0) {
         PackedLine packed;
         std::byte* room = arena->reserve(PackedLine::largestSize(used));
@@ -200,25 +183,25 @@ void CircularBufferLineList::freeze(std::size_t index) {
 
 void CircularBufferLineList::scrollScreen(std::size_t top, Cell fill, bool wrapped) {
     Slot& leaving = slotAt(top);
-    BufferLine* line = leaving.kind == Kind::line ? pack(leaving) : nullptr;
+    BufferLine* const line = leaving.kind == Kind::line ? pack(leaving) : nullptr;
+    Slot* coming = nullptr;
     if (length == limit) {
-        release(slots[startIndex]);
-        if (++startIndex == slots.size())
-            startIndex = 0;
+        coming = &slotAt(0);
+        advanceStart();
+        release(*coming);
     } else {
-        if (length == slots.size())
-            rebuild(std::min(limit, std::max<std::size_t>(64, slots.size() * 2)));
-        ++length;
+        if (length == slotCount)
+            grow();
+        coming = &slotAt(length++);
     }
-    Slot& coming = slotAt(length - 1);
-    if (line == nullptr || line->count() != lineCols) {
-        if (line != nullptr)
-            keepSpare(line);
-        makeBlank(coming, fill, wrapped);
+    if (line != nullptr && line->count() == lineCols) {
+        reuse(*line, fill, wrapped);
+        *coming = {line, 0, 0, 0, Kind::line, 0};
         return;
     }
-    reuse(*line, fill, wrapped);
-    coming = {line, 0, 0, 0, Kind::line, 0};
+    if (line != nullptr)
+        keepSpare(line);
+    makeBlank(*coming, fill, wrapped);
 }
 
 void CircularBufferLineList::resizeLine(std::size_t index, int newCols) {
@@ -230,11 +213,22 @@ void CircularBufferLineList::resizeLine(std::size_t index, int newCols) {
 }
 
 void CircularBufferLineList::rebuild(std::size_t capacity) {
-    std::vector<Slot> larger(capacity);
+    auto larger = std::make_unique<Slot[]>(capacity);
     for (std::size_t i = 0; i < length; ++i)
         larger[i] = slotAt(i);
-    slots = std::move(larger);
+    useSlots(std::move(larger), capacity);
+}
+
+void CircularBufferLineList::grow() {
+    rebuild(std::min(limit, std::max<std::size_t>(64, slotCount * 2)));
+}
+
+/// The lines begin with the first of these slots.
+void CircularBufferLineList::useSlots(std::unique_ptr<Slot[]> newSlots, std::size_t count) {
+    slots = std::move(newSlots);
+    slotCount = count;
     startIndex = 0;
+    turn = lastMoved = {};
 }
 
 void CircularBufferLineList::push(std::unique_ptr<BufferLine> line) {
@@ -250,8 +244,8 @@ void CircularBufferLineList::pushBlank(Cell fill, bool wrapped) {
         recycle(fill, wrapped);
         return;
     }
-    if (length == slots.size())
-        rebuild(std::min(limit, std::max<std::size_t>(64, slots.size() * 2)));
+    if (length == slotCount)
+        grow();
     ++length;
     makeBlank(slotAt(length - 1), fill, wrapped); // slots behind the end hold nothing of their own
 }
@@ -265,17 +259,15 @@ void CircularBufferLineList::pop() {
 
 void CircularBufferLineList::recycle(Cell fill, bool wrapped) {
     assert(isFull() && "can only recycle when the buffer is full");
-    Slot& first = slots[startIndex];
-    if (++startIndex == slots.size())
-        startIndex = 0;
-    release(first);
-    makeBlank(first, fill, wrapped);
+    Slot& first = slotAt(0);
+    advanceStart();
+    renew(first, fill, wrapped);
 }
 
 void CircularBufferLineList::setMaxLength(std::size_t newLimit) {
     setCount(std::min(length, newLimit));
     limit = newLimit;
-    rebuild(std::min(newLimit, std::max<std::size_t>(length, slots.size())));
+    rebuild(std::min(newLimit, std::max<std::size_t>(length, slotCount)));
 }
 
 void CircularBufferLineList::setCount(std::size_t newCount) {
@@ -288,9 +280,8 @@ void CircularBufferLineList::setCount(std::size_t newCount) {
 
 void CircularBufferLineList::trimStart(std::size_t lines) {
     for (std::size_t i = std::min(lines, length); i > 0; --i) {
-        release(slots[startIndex]);
-        if (++startIndex == slots.size())
-            startIndex = 0;
+        release(slotAt(0));
+        advanceStart();
         --length;
     }
 }
@@ -346,10 +337,38 @@ void CircularBufferLineList::splice(
     }
 }
 
+bool CircularBufferLineList::turns(std::size_t top, std::size_t bottom) {
+    const Turn asked{ringSlot(top), bottom - top + 1, 0};
+    const auto isSame = [&](const Turn& other) { return other.first == asked.first && other.height == asked.height; };
+    if (isSame(turn))
+        return true;
+    settle();
+    if (!isSame(lastMoved)) {
+        lastMoved = asked;
+        return false;
+    }
+    if (asked.first + asked.height > slotCount) {
+        // The ring's seam runs through the region: it has to lie elsewhere.
+        std::rotate(slots.get(), slots.get() + startIndex, slots.get() + slotCount);
+        startIndex = 0;
+    }
+    turn = {ringSlot(top), asked.height, 0};
+    return true;
+}
+
+void CircularBufferLineList::settle() {
+    Slot* const region = slots.get() + turn.first;
+    std::rotate(region, region + turn.by, region + turn.height);
+    turn = {};
+}
+
 void CircularBufferLineList::rotateUp(std::size_t top, std::size_t bottom, std::size_t by, Cell fill, bool wrapped) {
     by = std::min(by, bottom - top + 1);
-    if (by == 1 && rotateUpOnce(top, bottom, fill, wrapped))
+    if (turns(top, bottom)) {
+        for (; by > 0; --by)
+            rotateUpOnce(top, bottom, fill, wrapped);
         return;
+    }
     for (std::size_t i = top; i < top + by; ++i)
         release(slotAt(i));
     moveSlots(top + by, top, bottom - top + 1 - by);
@@ -359,6 +378,13 @@ void CircularBufferLineList::rotateUp(std::size_t top, std::size_t bottom, std::
 
 void CircularBufferLineList::rotateDown(std::size_t top, std::size_t bottom, std::size_t by, Cell fill) {
     by = std::min(by, bottom - top + 1);
+    if (turns(top, bottom)) {
+        for (; by > 0; --by) {
+            turn.by = (turn.by == 0 ? turn.height : turn.by) - 1;
+            renew(slots[turn.first + turn.by], fill, false);
+        }
+        return;
+    }
     for (std::size_t i = bottom + 1 - by; i <= bottom; ++i)
         release(slotAt(i));
     moveSlots(top, top + by, bottom - top + 1 - by);
@@ -366,14 +392,14 @@ void CircularBufferLineList::rotateDown(std::size_t top, std::size_t bottom, std
         makeBlank(slotAt(i), fill, false);
 }
 
-/// Moves slots within the ring; what they held before where they are moved from is left behind.
+/// Moves slots within the ring, where nothing turns; what they held before where they are moved from is left behind.
 void CircularBufferLineList::moveSlots(std::size_t from, std::size_t to, std::size_t moved) {
     if (moved == 0)
         return;
-    const std::size_t low = physical(std::min(from, to));
-    if (low + (std::max(from, to) - std::min(from, to)) + moved <= slots.size()) {
-        Slot* base = slots.data();
-        std::memmove(static_cast<void*>(base + physical(to)), base + physical(from), moved * sizeof(Slot));
+    const std::size_t low = ringSlot(std::min(from, to));
+    if (low + (std::max(from, to) - std::min(from, to)) + moved <= slotCount) {
+        Slot* base = slots.get();
+        std::memmove(static_cast<void*>(base + ringSlot(to)), base + ringSlot(from), moved * sizeof(Slot));
     } else if (from > to) {
         for (std::size_t i = 0; i < moved; ++i)
             slotAt(to + i) = slotAt(from + i);
@@ -385,7 +411,8 @@ void CircularBufferLineList::moveSlots(std::size_t from, std::size_t to, std::si
 
 void CircularBufferLineList::rearrange(
     std::span<const std::ptrdiff_t> order, std::vector<std::unique_ptr<BufferLine>> added) {
-    std::vector<Slot> newSlots(std::max(order.size(), std::min(limit, slots.size())));
+    const std::size_t capacity = std::max(order.size(), std::min(limit, slotCount));
+    auto newSlots = std::make_unique<Slot[]>(capacity);
     std::size_t at = 0;
     std::size_t nextAdded = 0;
     for (const std::ptrdiff_t index : order) {
@@ -397,8 +424,7 @@ void CircularBufferLineList::rearrange(
     }
     for (std::size_t i = 0; i < length; ++i)
         release(slotAt(i));
-    slots = std::move(newSlots);
-    startIndex = 0;
+    useSlots(std::move(newSlots), capacity);
     length = order.size();
     for (std::size_t i = 0; i < length; ++i) {
         if (slots[i].kind == Kind::line && nextAdded > 0)
@@ -419,7 +445,7 @@ std::size_t CircularBufferLineList::linesWithImages() const {
 }
 
 std::size_t CircularBufferLineList::memory() const {
-    std::size_t bytes = slots.size() * sizeof(Slot) + arena->allocatedBytes();
+    std::size_t bytes = slotCount * sizeof(Slot) + arena->allocatedBytes();
     for (std::size_t i = 0; i < length; ++i) {
         const Slot& slot = slotAt(i);
         if (slot.kind == Kind::line)

@@ -4,9 +4,9 @@
 #include "Lines/LineArena.h"
 #include "Lines/PackedLine.h"
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <memory>
 #include <span>
 #include <vector>
@@ -73,19 +73,17 @@ public:
     /// Removes `deleteCount` lines at `start` and puts `blankLines` lines in the look of `fill` there.
     void splice(
         std::size_t start, std::size_t deleteCount, std::size_t blankLines, Cell fill = {}, bool wrapped = false);
-    /// Moves the lines `top` to `bottom` up or down by `by`; blank lines come in at the other end.
+    /// Moves the lines `top` to `bottom` up or down by `by`; blank lines come in at the other end. A region that is moved
+    /// again and again is not moved at all from the second time on: its slots become a ring of their own, which turns.
     void rotateUp(std::size_t top, std::size_t bottom, std::size_t by, Cell fill, bool wrapped = false);
-    /// `rotateUp` by one in the common case: the line that goes comes in again at the other end. False in any other.
-    bool rotateUpOnce(std::size_t top, std::size_t bottom, Cell fill, bool wrapped) {
-        const std::size_t height = bottom - top + 1;
-        Slot* const region = &slotAt(top);
-        const Slot first = *region;
-        if (region + height > slots.data() + slots.size() || first.kind != Kind::line ||
-            first.line()->count() != lineCols)
+    /// `rotateUp` by one in the common case, a region that turns already. False in any other.
+    [[gnu::always_inline]] bool rotateUpOnce(std::size_t top, std::size_t bottom, Cell fill, bool wrapped) {
+        if (ringSlot(top) != turn.first || bottom - top + 1 != turn.height)
             return false;
-        std::memmove(static_cast<void*>(region), region + 1, (height - 1) * sizeof(Slot));
-        region[height - 1] = first;
-        reuse(*first.line(), fill, wrapped);
+        Slot& slot = slots[turn.first + turn.by];
+        if (++turn.by == turn.height)
+            turn.by = 0;
+        renew(slot, fill, wrapped);
         return true;
     }
     void rotateDown(std::size_t top, std::size_t bottom, std::size_t by, Cell fill);
@@ -127,12 +125,30 @@ private:
     static constexpr unsigned renderModeShift = 1;
     static constexpr std::size_t spareLimit = 256;
 
-    std::size_t physical(std::size_t index) const {
+    /// A stretch of slots that has turned: row `i` of it lies in the slot `i + by` of it, around its end.
+    struct Turn {
+        std::size_t first = 0;
+        std::size_t height = 0; // 0 while nothing turns
+        std::size_t by = 0;
+    };
+
+    std::size_t ringSlot(std::size_t index) const {
         const std::size_t at = startIndex + index;
-        return at >= slots.size() ? at - slots.size() : at;
+        return at >= slotCount ? at - slotCount : at;
     }
-    Slot& slotAt(std::size_t index) { return slots[physical(index)]; }
-    const Slot& slotAt(std::size_t index) const { return slots[physical(index)]; }
+    std::size_t physical(std::size_t index) const {
+        const std::size_t at = ringSlot(index);
+        const std::size_t row = at - turn.first;
+        if (row >= turn.height)
+            return at;
+        return row + turn.by >= turn.height ? at + turn.by - turn.height : at + turn.by;
+    }
+    [[gnu::always_inline]] Slot& slotAt(std::size_t index) { return slots[physical(index)]; }
+    [[gnu::always_inline]] const Slot& slotAt(std::size_t index) const { return slots[physical(index)]; }
+    void advanceStart() {
+        if (++startIndex == slotCount)
+            startIndex = 0;
+    }
 
     BufferLine& thaw(Slot& slot);
     std::unique_ptr<BufferLine> takeLine();
@@ -162,14 +178,58 @@ private:
         if ((fill.text | fill.style) != 0)
             thaw(slot).fill(fill);
     }
+    /// Leaves a blank line in the slot, in the cells of the one that was there.
+    void renew(Slot& slot, Cell fill, bool wrapped) {
+        if (slot.kind == Kind::line && slot.line()->count() == lineCols) {
+            reuse(*slot.line(), fill, wrapped);
+            return;
+        }
+        release(slot);
+        makeBlank(slot, fill, wrapped);
+    }
+    /// True when the region turns, which it begins to when it is asked for twice in a row.
+    bool turns(std::size_t top, std::size_t bottom);
+    /// Puts what has turned in its order.
+    void settle();
     /// Packs the line of the slot and gives the line back for reuse; null when it has to stay.
-    BufferLine* pack(Slot& slot);
-    bool packShort(const BufferLine& line, std::size_t used, Slot& result);
+    BufferLine* pack(Slot& slot) {
+        BufferLine* const line = slot.line();
+        const auto used = static_cast<std::size_t>(line->usedCells());
+        if (used <= PackedLine::shortLine && line->holdsBytesOnly() && !line->images && packShort(*line, used, slot))
+            return line;
+        return packIntoArena(slot);
+    }
+    BufferLine* packIntoArena(Slot& slot);
+    static std::uint8_t flagsOf(const BufferLine& line) {
+        return static_cast<std::uint8_t>(
+            (line.isWrapped ? wrappedFlag : 0U) | (static_cast<unsigned>(line.renderMode) << renderModeShift));
+    }
+    /// A few bytes in the default look, what most lines of a fast scrolling program are, lie in the slot itself.
+    static bool packShort(const BufferLine& line, std::size_t used, Slot& slot) {
+        const Cell* cells = line.cells().data();
+        std::uint64_t bytes = 0;
+        std::uint32_t styles = 0;
+        for (std::size_t i = used; i-- > 0;) {
+            bytes = bytes << 8 | cells[i].text;
+            styles |= cells[i].style;
+        }
+        if (styles != 0)
+            return false;
+        const auto count = static_cast<std::uint16_t>((71U - static_cast<unsigned>(std::countl_zero(bytes | 1))) / 8);
+        slot = bytes == 0 ? Slot{nullptr, 0, 0, 0, Kind::blank, flagsOf(line)}
+                          : Slot{std::bit_cast<void*>(bytes), count, count, 0, Kind::inlineBytes, flagsOf(line)};
+        return true;
+    }
     void rebuild(std::size_t capacity);
+    void grow();
+    void useSlots(std::unique_ptr<Slot[]> newSlots, std::size_t count);
     void moveSlots(std::size_t from, std::size_t to, std::size_t moved);
 
-    std::vector<Slot> slots; // grows to `limit` as lines come
+    std::unique_ptr<Slot[]> slots; // grows to `limit` as lines come
+    std::size_t slotCount = 0;
     std::size_t startIndex = 0;
+    Turn turn;
+    Turn lastMoved; // the region that may turn next
     std::size_t length = 0;
     std::size_t limit = 0;
     int lineCols = 0;

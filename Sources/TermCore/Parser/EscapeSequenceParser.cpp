@@ -53,11 +53,19 @@ void EscapeSequenceParser::parse(std::span<const std::uint8_t> data) {
         if (currentState == ParserState::ground) {
             // In the ground state every byte above 0x1F is text; C1 controls are what UTF-8 is made of.
             if (*at > 0x1F) {
-                const Bytes textEnd = bytescan::findControl(at, end);
-                target.handlePrint({at, textEnd});
+                const auto [textEnd, isAscii] = bytescan::findText(at, end);
+                if (isAscii)
+                    target.handleAscii({at, textEnd});
+                else
+                    target.handlePrint({at, textEnd});
                 at = textEnd;
                 if (at == end)
                     break;
+            }
+            if (*at == '\r' && end - at >= 2 && at[1] == '\n') {
+                target.handleLineEnd();
+                at += 2;
+                continue;
             }
             if (*at == esc) {
                 if (const Bytes after = tryControlSequence(at, end)) {
@@ -86,33 +94,36 @@ EscapeSequenceParser::Bytes EscapeSequenceParser::tryControlSequence(Bytes escap
     constexpr int mostDigits = 17; // stays below the limit
     if (end - escape < 3 || escape[1] != '[')
         return nullptr;
-    resetParameters();
-    if (!collect.empty())
-        collect.clear();
     Bytes at = escape + 2;
     // The first parameter is there even when it is empty, and a ':' can't stand at the start.
     if (*at == ':')
         return nullptr;
+    std::int64_t* const values = parameters.data();
+    char* const marks = separators.data();
+    std::size_t count = 0;
     while (true) {
-        std::int64_t value = 0;
+        std::uint64_t value = 0;
         const Bytes digits = at;
-        while (at < end && *at >= '0' && *at <= '9') {
-            if (at - digits == mostDigits)
-                return nullptr;
-            value = value * 10 + (*at++ - '0');
+        for (; at < end; ++at) {
+            const unsigned digit = *at - unsigned{'0'};
+            if (digit > 9)
+                break;
+            value = value * 10 + digit;
         }
-        if (at == end)
+        if (at == end || at - digits > mostDigits)
             return nullptr;
-        parameters[parameterCount - 1] = value;
+        values[count++] = static_cast<std::int64_t>(value);
         if (*at != ';' && *at != ':')
             break;
-        if (parameterCount == initialParameterRoom)
+        if (count == initialParameterRoom)
             return nullptr;
-        separators[parameterCount - 1] = static_cast<char>(*at++);
-        parameters[parameterCount++] = 0;
+        marks[count - 1] = static_cast<char>(*at++);
     }
     if (*at < 0x40 || *at > 0x7E)
         return nullptr;
+    parameterCount = count;
+    if (!collect.empty())
+        collect.clear();
     if (target.hasUnfinishedCharacter)
         target.printStateReset();
     dispatchCsi(*at);

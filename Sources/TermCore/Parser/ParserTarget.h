@@ -16,6 +16,13 @@ public:
     virtual ~ParserTarget() = default;
     /// Text: bytes above 0x1F, not yet decoded.
     virtual void handlePrint(std::span<const std::uint8_t> data) = 0;
+    /// The same of printable ASCII alone.
+    virtual void handleAscii(std::span<const std::uint8_t> data) { handlePrint(data); }
+    /// CR and LF, as most lines end.
+    virtual void handleLineEnd() {
+        dispatchExecute('\r');
+        dispatchExecute('\n');
+    }
     /// The sequence state was cleared: an unfinished character is given up. Only called when there is one.
     virtual void printStateReset() = 0;
     bool hasUnfinishedCharacter = false;

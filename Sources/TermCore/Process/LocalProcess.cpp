@@ -30,7 +30,7 @@ void LocalProcess::startProcess(const std::string& executable, const std::vector
     if (!child)
         return;
     pid = child->pid;
-    worker = std::make_shared<ProcessWorker>(*this, *child, queue, loggingDir);
+    worker = std::make_shared<ProcessWorker>(*this, *child, queue, loggingDir, debugIO);
     worker->start();
 }
 
@@ -38,7 +38,8 @@ void LocalProcess::send(std::span<const std::uint8_t> data) {
     if (!running())
         return;
     ++writes;
-    worker->send(data);
+    debugIO->queued(writes, data.size());
+    worker->send(data, writes);
 }
 
 void LocalProcess::terminate() {

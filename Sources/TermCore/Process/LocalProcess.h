@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Process/DebugIO.h"
 #include "Process/DispatchQueue.h"
 #include "Process/LocalProcessDelegate.h"
 
@@ -54,12 +55,16 @@ public:
     void updateWindowSize();
     /// Writes each chunk that is read to a numbered file in this directory.
     void setHostLogging(const std::optional<std::string>& directory);
+    /// Prints a line on standard error for each read and write, with sizes alone.
+    void setDebugIO(bool on) { debugIO->setOn(on); }
     void setDelegate(LocalProcessDelegate* newDelegate) { delegate = newDelegate; }
 
     bool running() const { return worker != nullptr; }
     pid_t shellPid() const { return pid; }
     int childfd() const;
     int sendCount() const { return writes; }
+    /// Bytes read while `setDebugIO` was on.
+    std::size_t totalRead() const { return debugIO->totalRead(); }
 
 private:
     friend class ProcessWorker;
@@ -71,6 +76,7 @@ private:
     pid_t pid = 0;
     int writes = 0;
     std::optional<std::string> loggingDir;
+    std::shared_ptr<DebugIO> debugIO = std::make_shared<DebugIO>(); // the worker's too
 };
 
 }

@@ -17,11 +17,12 @@
 namespace termcore {
 
 ProcessWorker::ProcessWorker(LocalProcess& process, PseudoTerminalHelpers::Child newChild, DispatchQueue& dispatchQueue,
-    std::optional<std::string> logDirectory)
+    std::optional<std::string> logDirectory, std::shared_ptr<DebugIO> diagnostics)
     : owner(&process)
     , child(newChild)
     , queue(dispatchQueue)
     , usesMainQueue(dispatchQueue.isMainQueue())
+    , debugIO(std::move(diagnostics))
     , pidDescriptor(static_cast<int>(syscall(SYS_pidfd_open, newChild.pid, 0)))
     , wakeDescriptor(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
     , buffer(LocalProcess::readSize)
@@ -38,10 +39,12 @@ void ProcessWorker::start() {
     std::thread([self = shared_from_this()] { self->run(); }).detach();
 }
 
-void ProcessWorker::send(std::span<const std::uint8_t> data) {
+void ProcessWorker::send(std::span<const std::uint8_t> data, int number) {
     {
         const std::lock_guard guard(lock);
         outgoing.insert(outgoing.end(), data.begin(), data.end());
+        if (!data.empty())
+            sends.push_back({number, data.size()});
     }
     wake();
 }
@@ -127,6 +130,7 @@ bool ProcessWorker::readOnce() {
     const ssize_t count = read(child.masterDescriptor, buffer.data(), buffer.size());
     if (count > 0) {
         const std::span chunk(buffer.data(), static_cast<std::size_t>(count));
+        debugIO->read(chunk.size());
         logChunk(chunk);
         deliver({chunk.begin(), chunk.end()});
         return true;
@@ -140,10 +144,26 @@ bool ProcessWorker::readOnce() {
 void ProcessWorker::writePending() {
     const std::lock_guard guard(lock);
     const ssize_t count = write(child.masterDescriptor, outgoing.data(), outgoing.size());
-    if (count > 0)
+    if (count > 0) {
         outgoing.erase(outgoing.begin(), outgoing.begin() + count);
-    else if (count < 0 && errno != EAGAIN && errno != EINTR)
+        completeSends(static_cast<std::size_t>(count), 0);
+    } else if (count < 0 && errno != EAGAIN && errno != EINTR) {
+        completeSends(outgoing.size(), errno);
         outgoing.clear();
+    }
+}
+
+void ProcessWorker::completeSends(std::size_t written, int error) {
+    while (written > 0 && !sends.empty()) {
+        Sent& first = sends.front();
+        const std::size_t part = std::min(written, first.unwritten);
+        written -= part;
+        first.unwritten -= part;
+        if (first.unwritten > 0)
+            return;
+        debugIO->completed(first.number, error);
+        sends.pop_front();
+    }
 }
 
 void ProcessWorker::logChunk(std::span<const std::uint8_t> chunk) {
@@ -154,8 +174,11 @@ void ProcessWorker::logChunk(std::span<const std::uint8_t> chunk) {
     }
     if (!directory)
         return;
-    std::ofstream file(*directory + "/" + std::to_string(logFileCounter++) + "-terminal.log", std::ios::binary);
+    const std::string path = *directory + "/" + std::to_string(logFileCounter++) + "-terminal.log";
+    std::ofstream file(path, std::ios::binary);
     file.write(reinterpret_cast<const char*>(chunk.data()), static_cast<std::streamsize>(chunk.size()));
+    if (!file.flush())
+        DebugIO::logFailed(path);
 }
 
 void ProcessWorker::deliver(Chunk chunk) {

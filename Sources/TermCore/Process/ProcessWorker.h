@@ -5,7 +5,9 @@
 
 #include <atomic>
 #include <condition_variable>
+#include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -20,13 +22,14 @@ namespace termcore {
 class ProcessWorker : public std::enable_shared_from_this<ProcessWorker> {
 public:
     ProcessWorker(LocalProcess& process, PseudoTerminalHelpers::Child child, DispatchQueue& dispatchQueue,
-        std::optional<std::string> logDirectory);
+        std::optional<std::string> logDirectory, std::shared_ptr<DebugIO> diagnostics);
     ~ProcessWorker();
     ProcessWorker(const ProcessWorker&) = delete;
     ProcessWorker& operator=(const ProcessWorker&) = delete;
 
     void start();
-    void send(std::span<const std::uint8_t> data);
+    /// `number` names the bytes in diagnostics.
+    void send(std::span<const std::uint8_t> data, int number);
     /// Nothing is delivered from here on; the child is hung up, and with `askFirst` sent SIGTERM before.
     void abandon(bool askFirst);
     void setLogging(std::optional<std::string> directory);
@@ -34,6 +37,10 @@ public:
 
 private:
     using Chunk = std::vector<std::uint8_t>;
+    struct Sent {
+        int number = 0;
+        std::size_t unwritten = 0;
+    };
 
     void run();
     bool readOnce();
@@ -42,6 +49,7 @@ private:
     void drain();
     void deliverSlice(const Chunk& chunk);
     void reportExit(int status);
+    void completeSends(std::size_t written, int error);
     void hangUp();
     int reap();
     bool wantsToRead();
@@ -52,6 +60,7 @@ private:
     PseudoTerminalHelpers::Child child;
     DispatchQueue& queue;
     const bool usesMainQueue;
+    const std::shared_ptr<DebugIO> debugIO;
     int pidDescriptor = -1;
     int wakeDescriptor = -1;
     bool endOfFile = false;         // the thread's own
@@ -62,6 +71,7 @@ private:
     std::mutex lock; // guards what follows
     std::condition_variable taken;
     std::vector<std::uint8_t> outgoing;
+    std::deque<Sent> sends; // what `outgoing` is made of
     std::vector<Chunk> pendingChunks;
     std::size_t pendingChunkIndex = 0;
     bool pendingScheduled = false;

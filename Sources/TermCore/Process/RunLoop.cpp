@@ -20,16 +20,19 @@ void RunLoop::quit() {
 bool RunLoop::run(std::optional<std::chrono::milliseconds> timeout) {
     const auto deadline = std::chrono::steady_clock::now() + timeout.value_or(std::chrono::milliseconds(0));
     std::unique_lock guard(lock);
-    while (true) {
+    for (bool hasWorked = false;; hasWorked = true) {
         const auto isReady = [&] { return isQuitting || !queue.empty(); };
         if (!timeout)
             changed.wait(guard, isReady);
-        else if (!changed.wait_until(guard, deadline, isReady))
-            return false;
+        else
+            changed.wait_until(guard, deadline, isReady);
         if (isQuitting) {
             isQuitting = false;
             return true;
         }
+        // Work that keeps bringing more work must not outlast the time.
+        if (queue.empty() || (timeout && hasWorked && std::chrono::steady_clock::now() >= deadline))
+            return false;
         const auto work = std::move(queue.front());
         queue.pop_front();
         guard.unlock();

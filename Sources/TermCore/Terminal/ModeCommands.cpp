@@ -92,9 +92,19 @@ void resetCharsets(Terminal& terminal, bool on) {
 void changeColumnMode(Terminal& terminal, bool on) {
     if (!terminal.modes.allow80To132)
         return;
-    terminal.changeColumns(on ? 132 : 80);
-    if (terminal.delegate() != nullptr)
-        terminal.delegate()->sizeChanged(terminal);
+    const auto tellHost = [&] {
+        if (terminal.delegate() != nullptr)
+            terminal.delegate()->sizeChanged(terminal);
+    };
+    if (on) {
+        terminal.changeColumns(132);
+        tellHost();
+    } else {
+        // Going back, the host hears of the size before the screen starts over.
+        terminal.resize(80, terminal.rows());
+        tellHost();
+        terminal.changeColumns(80);
+    }
 }
 
 Attribute invertedAttribute() {

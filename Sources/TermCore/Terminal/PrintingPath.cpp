@@ -14,11 +14,7 @@ void PrintingPath::print(std::span<const std::uint8_t> slice) {
     const int firstRow = buffer.y();
     terminal.updateRange(firstRow);
     if (terminal.charsets.active == nullptr && !reading.hasPutback()) {
-        const std::uint32_t style = terminal.currentStyle();
-        const std::uint8_t* const end = slice.data() + slice.size();
-        if (bytescan::findNonPrintable(slice.data(), end) == end && buffer.insertWithinLine(slice, style))
-            return;
-        printRuns(slice, style);
+        printRuns(slice, terminal.currentStyle());
     } else {
         printGeneral(slice);
     }

@@ -44,8 +44,8 @@ std::optional<Rectangle> rectangleFromRequest(
     if (terminal.modes.originMode) {
         top += buffer.scrollTop();
         bottom += buffer.scrollTop();
-        left += buffer.marginLeft;
-        right += buffer.marginLeft;
+        left += buffer.leftLimit();
+        right += buffer.leftLimit();
     }
     if (top > bottom || left > right)
         return std::nullopt;
@@ -63,7 +63,7 @@ void copyRectangularArea(Terminal& terminal, const ControlSequence& sequence) {
     int toCol = std::max(sequence.number(6), 1) - 1;
     if (terminal.modes.originMode) {
         toRow += buffer.scrollTop();
-        toCol += buffer.marginLeft;
+        toCol += buffer.leftLimit();
     }
     if (toRow >= buffer.rows() || toCol >= buffer.cols())
         return;
@@ -127,7 +127,7 @@ void requestChecksum(Terminal& terminal, const ControlSequence& sequence) {
         }
     }
     char digits[16];
-    std::snprintf(digits, sizeof digits, "%04x", sum & 0xFFFF);
+    std::snprintf(digits, sizeof digits, "%04x", sum);
     terminal.sendResponse(std::string(terminal.cc.DCS()) + std::to_string(sequence.at(0)) + "!~" + digits +
         std::string(terminal.cc.ST()));
 }

@@ -45,7 +45,7 @@ std::string cursorReport(const Terminal& terminal) {
     int col = buffer.x() + 1;
     if (terminal.modes.originMode) {
         row -= buffer.scrollTop();
-        col -= buffer.marginLeft;
+        col -= buffer.leftLimit(); // margins count in margin mode only, as when the cursor is set
     }
     return std::to_string(std::max(row, 1)) + ";" + std::to_string(std::max(col, 1));
 }

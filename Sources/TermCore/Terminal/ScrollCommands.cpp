@@ -10,7 +10,7 @@ namespace termcore {
 namespace {
 
 /// Moves the cells between the margins from the rows below `top` up by `by`, and erases what comes free.
-void moveCellsUp(Terminal& terminal, int top, int bottom, int by) {
+[[gnu::noinline]] void moveCellsUp(Terminal& terminal, int top, int bottom, int by) {
     Buffer& buffer = terminal.buffer();
     const int left = buffer.marginLeft;
     const int width = buffer.marginRight - left + 1;
@@ -57,6 +57,39 @@ void shiftDown(Terminal& terminal, int top, int bottom, int by) {
     else
         buffer.lines.rotateDown(
             buffer.screenIndex(top), buffer.screenIndex(bottom), static_cast<std::size_t>(by), terminal.erasedCell());
+}
+
+/// A region that ends above the last line: lines come in below it.
+[[gnu::noinline]] void scrollAboveFooter(Terminal& terminal, bool isWrapped) {
+    Buffer& buffer = terminal.buffer();
+    if (buffer.hasScrollback())
+        buffer.lines.freeze(buffer.screenIndex(0));
+    buffer.lines.splice(buffer.screenIndex(buffer.scrollBottom() + 1), 0, 1, terminal.erasedCell(), isWrapped);
+}
+
+/// A region that begins at the top: its first line becomes the last one of the history.
+void scrollIntoHistory(Terminal& terminal, bool isWrapped) {
+    Buffer& buffer = terminal.buffer();
+    const bool wasFull = buffer.lines.isFull();
+    if (wasFull && buffer.hasImagesAt(0))
+        --buffer.linesWithImagesCount;
+    if (buffer.screenIndex(buffer.scrollBottom() + 1) != buffer.lines.count())
+        scrollAboveFooter(terminal, isWrapped);
+    else if (buffer.scrollback().value_or(0) > 0)
+        buffer.lines.scrollScreen(buffer.screenIndex(0), terminal.erasedCell(), isWrapped);
+    else if (wasFull)
+        buffer.lines.recycle(terminal.erasedCell(), isWrapped);
+    else
+        buffer.lines.pushBlank(terminal.erasedCell(), isWrapped);
+    if (!wasFull) {
+        ++buffer.yBase;
+        if (!terminal.userScrolling)
+            ++buffer.yDisp;
+    } else if (buffer.hasScrollback()) {
+        ++buffer.linesTop;
+        if (terminal.userScrolling)
+            buffer.yDisp = std::max(buffer.yDisp - 1, 0);
+    }
 }
 
 /// A cursor behind the last column, where a glyph left it, still stands on that column.
@@ -119,31 +152,7 @@ void Terminal::scroll(bool isWrapped) {
     if (target.marginMode && (target.marginLeft > 0 || target.marginRight < columnCount - 1)) {
         moveCellsUp(*this, top, bottom, 1);
     } else if (top == 0) {
-        const std::size_t bottomLine = target.screenIndex(bottom);
-        const bool wasFull = target.lines.isFull();
-        if (target.hasImagesAt(0) && wasFull)
-            --target.linesWithImagesCount;
-        if (bottomLine + 1 == target.lines.count()) {
-            if (target.hasScrollback() && target.scrollback() > 0)
-                target.lines.scrollScreen(target.screenIndex(0), erasedCell(), isWrapped);
-            else if (wasFull)
-                target.lines.recycle(erasedCell(), isWrapped);
-            else
-                target.lines.pushBlank(erasedCell(), isWrapped);
-        } else {
-            if (target.hasScrollback())
-                target.lines.freeze(target.screenIndex(0));
-            target.lines.splice(bottomLine + 1, 0, 1, erasedCell(), isWrapped);
-        }
-        if (!wasFull) {
-            ++target.yBase;
-            if (!userScrolling)
-                ++target.yDisp;
-        } else if (target.hasScrollback()) {
-            ++target.linesTop;
-            if (userScrolling)
-                target.yDisp = std::max(target.yDisp - 1, 0);
-        }
+        scrollIntoHistory(*this, isWrapped);
     } else {
         const std::size_t first = target.screenIndex(top);
         const std::size_t last = target.screenIndex(bottom);

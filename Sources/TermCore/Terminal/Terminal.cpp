@@ -4,6 +4,7 @@
 #include "Terminal/CursorCommands.h"
 #include "Terminal/OscCommands.h"
 #include "Terminal/RequestStatusString.h"
+#include "Terminal/ScrollCommands.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -155,6 +156,11 @@ void Terminal::dispatchExecute(std::uint8_t code) {
         handler(*this, noParameters);
     else
         log("Unknown EXECUTE code");
+}
+
+void Terminal::handleLineEnd() {
+    commands::carriageReturn(*this, noParameters);
+    commands::lineFeed(*this, noParameters);
 }
 
 void Terminal::dispatchEsc(std::string_view collect, std::uint8_t final) {

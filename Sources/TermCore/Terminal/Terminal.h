@@ -214,6 +214,15 @@ private:
         printing.print(data);
         hasUnfinishedCharacter = printing.hasPutback();
     }
+    void handleAscii(std::span<const std::uint8_t> data) override {
+        // The commonest case stays within the line.
+        if (charsets.active == nullptr && !hasUnfinishedCharacter &&
+            activeBuffer->insertWithinLine(data, currentStyle()))
+            updateRange(activeBuffer->y());
+        else
+            handlePrint(data);
+    }
+    void handleLineEnd() override;
     void printStateReset() override {
         printing.resetPutback();
         hasUnfinishedCharacter = false;

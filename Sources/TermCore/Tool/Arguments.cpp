@@ -8,7 +8,7 @@ namespace termcore::tool {
 const char* const usage =
     "usage: termcore feed FILE... [--size CxR] [--scrollback N] [--repeat N] [--dump screen|scrollback|json]\n"
     "       termcore run [--size CxR] [--scrollback N] [--dump screen|scrollback|json] [--timeout SECONDS]\n"
-    "                    [--record FILE] -- COMMAND...\n"
+    "                    [--record FILE] [--debug-io] -- COMMAND...\n"
     "       termcore replay FILE [--dump screen|scrollback|json]\n"
     "\n"
     "feed    gives files to a terminal of 80x25 (or --size) and prints the rate, in MB/s, as its last line.\n"
@@ -18,7 +18,7 @@ const char* const usage =
     "replay  gives a recording of run --record to a terminal, chunk by chunk.\n"
     "\n"
     "--dump prints the end: the text on the screen, that with the history before it, or the screen as JSON with\n"
-    "attributes and cursor.\n";
+    "attributes and cursor. --debug-io tells of each read and write on standard error.\n";
 
 namespace {
 
@@ -72,6 +72,10 @@ Arguments Arguments::parse(const std::vector<std::string>& words) {
         }
         if (!word.starts_with("--")) {
             result.operands.push_back(word);
+            continue;
+        }
+        if (word == "--debug-io") {
+            result.debugsIO = true;
             continue;
         }
         if (i + 1 == words.size())

@@ -20,6 +20,7 @@ struct Arguments {
     int repeat = 1;
     std::optional<std::chrono::milliseconds> timeout;
     std::optional<std::string> recordTo;
+    bool debugsIO = false;             ///< a line for each read and write of `run`
     std::vector<std::string> operands; ///< files, or the command and its arguments
 
     /// Throws `UsageError`.

@@ -115,9 +115,9 @@ void forwardInput(RunLoop& loop, HeadlessTerminal& headless) {
 
 int run(const Arguments& arguments) {
     // Both live as long as the program: the input thread refers to them.
-    auto& loop = *new RunLoop;
+    static auto& loop = *new RunLoop;
     std::optional<int> status;
-    auto& headless = *new HeadlessTerminal(loop, arguments.options, [&](std::optional<int> code) {
+    static auto& headless = *new HeadlessTerminal(loop, arguments.options, [&](std::optional<int> code) {
         status = code;
         loop.quit();
     });
@@ -126,6 +126,7 @@ int run(const Arguments& arguments) {
         recorder.emplace(*arguments.recordTo, headless.terminal.cols(), headless.terminal.rows());
         headless.onData = [&](std::span<const std::uint8_t> data) { recorder->add(data); };
     }
+    headless.process.setDebugIO(arguments.debugsIO);
     const std::vector<std::string> rest(arguments.operands.begin() + 1, arguments.operands.end());
     headless.process.startProcess(
         findExecutable(arguments.operands[0]), rest, childEnvironment(), arguments.operands[0]);

@@ -298,6 +298,8 @@ Task<void> ChatViewModel::verifyMessages(qint64 chatId) {
         const auto known = isOpen ? MessageComposition::lastQuestion(m_messages.messages()) : std::nullopt;
         const bool isComplete = !messages.empty() && MessageComposition::isAnswer(messages.back()) &&
             (!known || MessageComposition::lastQuestion(messages) == known);
+        if (m_stream.isUnderWay(chatId))
+            m_stream.noteMissingHistory(chatId); // at its end, then
         if (!isComplete || m_stream.isUnderWay(chatId))
             co_return;
         if (isOpen)

@@ -1,67 +1,116 @@
 import QtQuick
 
-Column {
+// An answer: its reasoning, its text, and what can be done with it.
+Item {
     id: answer
 
     required property string text
     required property string thinking
     required property bool isStreaming
     required property bool thinkingOpen
+    required property bool actionsShown
+    required property bool canRetry
 
     signal thinkingToggled
+    signal copyWanted(string text)
+    signal retryWanted
+    signal caretMoved(real y, real height)
 
-    spacing: Theme.gap3
+    function selectedText(): string {
+        return body.selectedText() || reasoning.selectedText()
+    }
+
+    function deselect(): void {
+        body.deselect()
+        reasoning.deselect()
+    }
+
+    function selectAll(): void {
+        body.selectAll()
+    }
+
+    function takeCaret(): void {
+        body.takeCaret()
+    }
+
+    implicitHeight: actions.y + actions.height
 
     ThinkingBlock {
+        id: reasoning
+
         isThinking: answer.isStreaming && answer.text.length === 0
         open: answer.thinkingOpen
         text: answer.thinking
         visible: text.length > 0
         width: parent.width
 
+        onCopyWanted: text => answer.copyWanted(text)
         onToggled: answer.thinkingToggled()
     }
-    Item {
-        height: Math.max(body.height, waiting.visible ? waiting.height : 0)
-        visible: answer.text.length > 0 || waiting.visible
-        width: parent.width
+    LongText {
+        id: body
 
-        SelectableText {
-            id: body
+        isGrowing: answer.isStreaming
+        objectName: "answerText"
+        text: answer.text
+        visible: answer.text.length > 0
+        width: parent.width - Theme.gap4
+        y: reasoning.visible ? reasoning.height + Theme.gap3 : 0
 
-            objectName: "answerText"
+        onCaretMoved: (y, height) => answer.caretMoved(body.y + y, height)
+        onCopyWanted: text => answer.copyWanted(text)
+    }
+    Row {
+        id: waiting
 
-            // Where the text ends; named so that growth and a new width are noticed.
-            readonly property rect end: {
-                answer.text
-                contentHeight
-                width
-                return positionToRectangle(length)
-            }
+        spacing: Theme.gap2
+        visible: answer.isStreaming && answer.text.length === 0
+        y: body.y
 
-            content: answer.text
-            visible: answer.text.length > 0
-            width: parent.width - Theme.gap4
-
-            StreamingDot {
-                visible: answer.isStreaming
-                x: body.end.x + Theme.gap1
-                y: body.end.y + (body.end.height - height) / 2
-            }
+        StreamingDot {
+            anchors.verticalCenter: parent.verticalCenter
         }
-        Row {
-            id: waiting
+        Label {
+            color: Theme.t3
+            text: answer.thinking.length > 0 ? "Думаю…" : "Готовлю ответ…"
+        }
+    }
+    // Its place is kept, so that nothing moves when it comes.
+    Row {
+        id: actions
 
-            spacing: Theme.gap2
-            visible: answer.isStreaming && answer.text.length === 0
+        readonly property bool shown: answer.actionsShown && !answer.isStreaming
 
-            StreamingDot {
-                anchors.verticalCenter: parent.verticalCenter
-            }
-            Label {
-                color: Theme.t3
-                text: answer.thinking.length > 0 ? "Думаю…" : "Готовлю ответ…"
-            }
+        enabled: shown
+        height: Theme.actionHeight
+        objectName: "answerActions"
+        opacity: shown ? 1 : 0
+        spacing: Theme.gap1
+        x: -Theme.gap1 - Theme.hairline // symbols in line with the text
+        y: body.y + (body.visible ? body.height : waiting.height) + Theme.gap1
+
+        Behavior on opacity { NumberAnimation { duration: Theme.quick } }
+
+        IconButton {
+            objectName: "copyButton"
+            color: Theme.t3
+            implicitHeight: Theme.actionHeight
+            implicitWidth: Theme.actionHeight
+            symbol: "doc.on.doc"
+            text: "Копировать"
+
+            onClicked: answer.copyWanted(answer.text)
+        }
+        IconButton {
+            objectName: "retryButton"
+            color: Theme.t3
+            implicitHeight: Theme.actionHeight
+            implicitWidth: Theme.actionHeight
+            symbol: "arrow.clockwise"
+            text: "Повторить"
+            visible: answer.canRetry
+
+            onClicked: answer.retryWanted()
         }
     }
 }

@@ -61,9 +61,13 @@ FocusScope {
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.top: header.bottom
+        canRetry: !view.chat.isGenerating
         columnWidth: view.columnWidth
         messages: view.chat.messages
         visible: !view.fresh
+
+        onDeletionWanted: messageId => view.chat.deleteMessage(messageId)
+        onRetryWanted: view.retry()
     }
     Rectangle {
         anchors.bottom: list.bottom
@@ -74,12 +78,6 @@ FocusScope {
         height: Theme.gap4
         visible: list.visible
         width: parent.width - Theme.gap4 // not over the scroll bar
-    }
-    FocusRing {
-        anchors.fill: list
-        anchors.margins: Theme.haloWidth
-        // The keyboard is on the list itself, not on a text that was clicked in it.
-        shown: list.visible && list.currentItem !== null && list.currentItem.activeFocus
     }
     ConversationPlaceholder {
         anchors.centerIn: list
@@ -112,7 +110,7 @@ FocusScope {
 
         Behavior on opacity { NumberAnimation { duration: Theme.quick } }
 
-        onClicked: list.showEnd()
+        onClicked: list.jumpToEnd()
     }
     NoticeArea {
         id: notices

@@ -1,156 +1,215 @@
 import QtQuick
 import QtQuick.Templates as T
+import Korvi.Views // the types written in C++
 
-// The messages, oldest first. `following` says whether the end of the list is held in view while it grows: reading back
-// lets go of it, coming back to the end takes it up again. After a send the new turn is given a whole screen, so that the
-// question stands at the top and the answer grows under it without anything moving.
-ListView {
+// The messages, oldest first. The end of the list is held in view while it grows; reading back lets go of it, coming
+// back to the end takes it up again. After a send the new turn is given a whole screen, so that the question stands at
+// the top and the answer grows under it without anything moving.
+Flickable {
     id: list
 
     required property var messages // a list model with the roles messageId, isUser, text, thinking, isStreaming
     required property real columnWidth
+    property bool canRetry: false // the last question can be asked again
 
-    property bool following: true
-    property int turnRow: -1 // the row of the question that holds the screen
     property var openThinking: ({}) // the reasoning that the reader unfolded, by message
+    property int currentRow: -1 // where the keyboard was last
 
-    readonly property bool turnIsHeld: turnRow >= 0
-    readonly property real distanceToEnd: contentHeight + originY - contentY - height
-    readonly property bool farFromEnd: distanceToEnd > Theme.px(80)
+    readonly property alias count: column.count
+    readonly property alias column: column
+    readonly property alias distanceToEnd: column.distanceToEnd
+    readonly property alias farFromEnd: column.farFromEnd
+    readonly property alias following: column.following
+    readonly property bool turnIsHeld: column.turnRow >= 0
+    readonly property real step: Theme.px(40) // of an arrow key
 
+    // The one row that the Tab key stops at.
+    readonly property int tabRow: currentRow >= column.firstVisibleRow && currentRow <= column.lastVisibleRow
+        ? currentRow : column.lastVisibleRow
+
+    signal deletionWanted(real messageId)
+    signal retryWanted
+
+    // A chat that was opened comes up at its end at once.
     function showEnd(): void {
-        turnRow = -1
-        turnSpace.height = 0
-        following = true
-        goToEnd()
+        column.showEnd(VirtualColumn.AtOnce)
+    }
+
+    function jumpToEnd(): void {
+        column.showEnd(VirtualColumn.Animated, false)
     }
 
     function showLastTurn(): void {
-        if (count < 2)
-            return
-        turnRow = count - 2
-        following = true
-        measureTurn()
-        goToEnd()
-    }
-
-    // Lets the content change its height under the reader's hand without being carried away.
-    function letGo(): void {
-        following = false
-    }
-
-    function goToEnd(): void {
-        if (count > 0) {
-            forceLayout()
-            positionViewAtEnd()
-        }
-    }
-
-    // Once per turn of the event loop, when the rows have their new heights.
-    function settleSoon(): void {
-        Qt.callLater(settle) // qmllint disable
-    }
-
-    function settle(): void {
-        if (!following)
-            return
-        measureTurn()
-        if (distanceToEnd !== 0)
-            goToEnd()
-    }
-
-    function measureTurn(): void {
-        if (turnRow < 0 || turnRow >= count)
-            return
-        forceLayout()
-        const first = itemAtIndex(turnRow)
-        const last = itemAtIndex(count - 1)
-        if (first && last)
-            turnSpace.height = Math.max(0, height - headerItem.height - endSpace - (last.y + last.height - first.y))
-    }
-
-    function scrollTo(y: real): void {
-        contentY = Math.max(originY, Math.min(y, originY + contentHeight - height))
-        following = distanceToEnd < 2
+        column.showTurn(count - 2, VirtualColumn.Animated)
     }
 
     function scrollByKey(key: int): bool {
+        const page = height * 0.9
         switch (key) {
         case Qt.Key_PageUp:
-            scrollTo(contentY - height * 0.9)
+            column.scrollBy(-page)
             return true
         case Qt.Key_PageDown:
-            scrollTo(contentY + height * 0.9)
+            column.scrollBy(page)
             return true
         }
         return false
     }
 
-    readonly property real endSpace: Theme.gap3
+    function focusRow(row: int): void {
+        if (row < 0 || row >= count)
+            return
+        if (!column.itemAt(row)) {
+            column.positionAtRow(row)
+            column.forceLayout()
+        }
+        column.itemAt(row)?.forceActiveFocus(Qt.TabFocusReason)
+    }
+
+    // A row that is higher than the view is read through before the next one is reached.
+    function moveBy(direction: int): void {
+        const row = column.focusedRow
+        const top = column.rowPosition(row) - column.position
+        const rest = direction > 0 ? top + column.heightAt(row) - (height - column.bottomPadding) : column.topPadding - top
+        if (rest > 0) {
+            column.scrollBy(direction * Math.min(rest, step))
+        } else if (row + direction >= 0 && row + direction < count) {
+            focusRow(row + direction)
+            const next = column.heightAt(row + direction)
+            const seen = Math.min(next, step)
+            column.reveal(row + direction, direction > 0 ? 0 : next - seen, next > height / 2 ? seen : next)
+        }
+    }
+
+    function copy(text: string): void {
+        clipboard.text = text
+        clipboard.selectAll()
+        clipboard.copy()
+        clipboard.clear()
+    }
 
     Accessible.name: "Сообщения"
     Accessible.role: Accessible.List
-    T.ScrollBar.vertical: ThinScrollBar {
-        onPressedChanged: if (!pressed) list.following = list.distanceToEnd < 2
-    }
-    activeFocusOnTab: true
+    T.ScrollBar.vertical: ThinScrollBar {}
     boundsBehavior: Flickable.StopAtBounds
-    cacheBuffer: 800
     clip: true
-    model: messages
+    contentWidth: width
+    flickableDirection: Flickable.VerticalFlick
     objectName: "messageList"
-    spacing: Theme.gap5
 
-    // qmllint disable unqualified
-    delegate: MessageRow {
-        columnWidth: list.columnWidth
-        thinkingOpen: list.openThinking[messageId] ?? false
-        width: list.width
-
-        onHeightChanged: list.settleSoon()
-        onThinkingToggled: {
-            list.letGo()
-            const open = Object.assign({}, list.openThinking)
-            open[messageId] = !thinkingOpen
-            list.openThinking = open
-        }
-    }
-    footer: Item {
-        height: turnSpace.height + list.endSpace
-        width: 1
-    }
-    // qmllint enable unqualified
-    header: Item {
-        height: Theme.gap4
-        width: 1
-    }
-
-    Keys.onDownPressed: scrollTo(contentY + Theme.px(40))
-    Keys.onUpPressed: scrollTo(contentY - Theme.px(40))
+    Keys.onDownPressed: moveBy(1)
+    Keys.onUpPressed: moveBy(-1)
     Keys.onPressed: event => {
-        if (event.key === Qt.Key_Home)
-            scrollTo(originY)
-        else if (event.key === Qt.Key_End)
-            showEnd()
-        else
+        if (event.key === Qt.Key_Home) {
+            column.scrollTo(0)
+            focusRow(0)
+        } else if (event.key === Qt.Key_End) {
+            column.showEnd(VirtualColumn.AtOnce)
+            focusRow(count - 1)
+        } else if (scrollByKey(event.key)) {
+            // The keyboard stays in what is seen.
+            column.forceLayout()
+            if (column.focusedRow < column.firstVisibleRow || column.focusedRow > column.lastVisibleRow)
+                focusRow(event.key === Qt.Key_PageDown ? column.firstVisibleRow : column.lastVisibleRow)
+        } else {
             return
+        }
         event.accepted = true
     }
-    onContentHeightChanged: settleSoon()
-    onCountChanged: {
-        if (count === 0)
-            showEnd() // an empty list has nothing that could be read back
-        else if (count <= turnRow)
-            turnRow = -1
-        settleSoon()
+
+    VirtualColumn {
+        id: column
+
+        bottomPadding: Theme.gap1
+        farDistance: Theme.px(80)
+        flickable: list
+        jumpDuration: Theme.jump
+        model: list.messages
+        spacing: Theme.gap3
+        topPadding: Theme.gap4
+        width: list.width
+
+        // qmllint disable unqualified
+        delegate: MessageRow {
+            id: message
+
+            canRetry: list.canRetry && index >= list.count - 2
+            columnWidth: list.columnWidth
+            holdsFocus: index === column.focusedRow
+            isLast: index === list.count - 1
+            tabStop: index === list.tabRow
+            thinkingOpen: list.openThinking[messageId] ?? false
+
+            onCaretMoved: (y, height) => column.reveal(index, y, height)
+            onCopyWanted: text => list.copy(text)
+            onMenuWanted: (x, y) => {
+                menu.active = true
+                menu.focused = holdsFocus ? list.Window.activeFocusItem : null
+                menu.row = index
+                menu.item.openFor(message, x, y)
+            }
+            onRetryWanted: list.retryWanted()
+            onThinkingToggled: {
+                column.letGo()
+                const open = Object.assign({}, list.openThinking)
+                open[messageId] = !thinkingOpen
+                list.openThinking = open
+            }
+        }
+        // qmllint enable unqualified
+        estimate: MessageHeights {
+            answerWidth: list.columnWidth - Theme.gap4
+            readonly property string sample: "Обычный русский текст, по которому меряют ширину."
+
+            aroundAnswer: Theme.gap1 + Theme.actionHeight
+            aroundQuestion: Theme.gap2 * 2 + Theme.gap2
+            characterWidth: metrics.advanceWidth(sample) / sample.length
+            lineHeight: Theme.leading(Theme.fontBody)
+            questionWidth: list.columnWidth * 0.8 - Theme.gap4 * 2
+            thinkingHeight: Theme.px(30) + Theme.gap3
+        }
+
+        onFocusedRowChanged: {
+            if (focusedRow < 0)
+                return
+            if (focusedRow !== list.currentRow)
+                itemAt(list.currentRow)?.deselect() // one selection in the list
+            list.currentRow = focusedRow
+        }
+        onFocusedRowRemoved: row => list.focusRow(Math.min(row, count - 1))
     }
-    onHeightChanged: settleSoon()
-    onMovementEnded: following = distanceToEnd < 2
-    onMovementStarted: following = false
+    FontMetrics {
+        id: metrics
 
-    QtObject {
-        id: turnSpace
+        font.family: Theme.family
+        font.pixelSize: Theme.fontBody
+    }
+    // The way to the clipboard that Qt Quick has.
+    TextEdit {
+        id: clipboard
 
-        property real height: 0
+        Accessible.ignored: true
+        visible: false
+    }
+    Loader {
+        id: menu
+
+        property Item focused: null // what the menu took the keyboard from
+        property int row: -1
+
+        active: false
+
+        // qmllint disable unqualified
+        sourceComponent: MessageMenu {
+            onClosed: menu.focused?.forceActiveFocus(Qt.PopupFocusReason)
+            onCopyWanted: text => list.copy(text)
+            onDeletionWanted: messageId => {
+                list.deletionWanted(messageId)
+                if (menu.focused)
+                    Qt.callLater(() => list.focusRow(Math.min(menu.row, list.count - 1)))
+            }
+            onRetryWanted: list.retryWanted()
+        }
+        // qmllint enable unqualified
     }
 }

@@ -1,9 +1,11 @@
 import QtQuick
 
-// One message in the reading column: a bubble for the user's, plain text for an answer.
+// One message in the reading column: a bubble for the user's, plain text for an answer. Enter puts a caret into its
+// text, Escape takes it out again.
 Item {
     id: row
 
+    required property int index
     required property real messageId
     required property bool isUser
     required property string text
@@ -11,11 +13,69 @@ Item {
     required property bool isStreaming
     required property real columnWidth
     required property bool thinkingOpen
+    required property bool holdsFocus // the keyboard is on it or in it
+    required property bool tabStop
+    required property bool isLast
+    required property bool canRetry
+
+    readonly property bool highlighted: hover.hovered || holdsFocus
 
     signal thinkingToggled
+    signal retryWanted
+    signal copyWanted(string text)
+    signal menuWanted(real x, real y)
+    signal caretMoved(real y, real height)
 
+    function wholeText(): string {
+        return text
+    }
+
+    function selectedText(): string {
+        return content.item.selectedText() // qmllint disable
+    }
+
+    function deselect(): void {
+        content.item.deselect() // qmllint disable
+    }
+
+    Accessible.name: (isUser ? "Вы: " : "Ответ: ") + text.slice(0, 200)
+    Accessible.role: Accessible.ListItem
+    activeFocusOnTab: tabStop || activeFocus // it may not be taken from the row that has the focus
     implicitHeight: Math.ceil(content.height) // rows begin on whole pixels
 
+    Keys.onEscapePressed: event => {
+        event.accepted = holdsFocus && !activeFocus
+        if (event.accepted)
+            forceActiveFocus(Qt.TabFocusReason)
+    }
+    Keys.onPressed: event => {
+        if (event.key === Qt.Key_Menu || event.key === Qt.Key_F10 && event.modifiers & Qt.ShiftModifier)
+            menuWanted((width - columnWidth) / 2, Math.min(height, Theme.rowHeight))
+        else if (event.matches(StandardKey.Copy))
+            copyWanted(selectedText() || wholeText())
+        else if (activeFocus && event.matches(StandardKey.SelectAll))
+            content.item.selectAll()
+        else if (activeFocus && (event.key === Qt.Key_Return || event.key === Qt.Key_Enter))
+            content.item.takeCaret()
+        else
+            return
+        event.accepted = true
+    }
+
+    HoverHandler {
+        id: hover
+    }
+    TapHandler {
+        acceptedButtons: Qt.RightButton
+        gesturePolicy: TapHandler.ReleaseWithinBounds
+
+        onTapped: point => row.menuWanted(point.position.x, point.position.y)
+    }
+    FocusRing {
+        anchors.fill: content
+        anchors.margins: -Theme.gap2
+        shown: row.activeFocus
+    }
     Loader {
         id: content
 
@@ -29,6 +89,9 @@ Item {
         // qmllint disable unqualified
         UserBubble {
             text: row.text
+
+            onCaretMoved: (y, height) => row.caretMoved(y, height)
+            onCopyWanted: text => row.copyWanted(text)
         }
         // qmllint enable unqualified
     }
@@ -37,11 +100,16 @@ Item {
 
         // qmllint disable unqualified
         AnswerView {
+            actionsShown: row.highlighted || row.isLast
+            canRetry: row.canRetry
             isStreaming: row.isStreaming
             text: row.text
             thinking: row.thinking
             thinkingOpen: row.thinkingOpen
 
+            onCaretMoved: (y, height) => row.caretMoved(y, height)
+            onCopyWanted: text => row.copyWanted(text)
+            onRetryWanted: row.retryWanted()
             onThinkingToggled: row.thinkingToggled()
         }
         // qmllint enable unqualified

@@ -10,6 +10,15 @@ Column {
     required property bool isThinking
 
     signal toggled
+    signal copyWanted(string text)
+
+    function deselect(): void {
+        unfolded.item?.text.deselect()
+    }
+
+    function selectedText(): string {
+        return unfolded.item?.text.selectedText() ?? ""
+    }
 
     spacing: Theme.gap2
 
@@ -53,12 +62,16 @@ Column {
         onClicked: block.toggled()
     }
     Loader {
+        id: unfolded
+
         active: block.open
         visible: active
         width: parent.width
 
         // qmllint disable unqualified
         sourceComponent: Item {
+            readonly property alias text: reasoning
+
             implicitHeight: reasoning.height
 
             Rectangle {
@@ -68,13 +81,15 @@ Column {
                 width: 2
                 x: Theme.gap2
             }
-            SelectableText {
+            LongText {
                 id: reasoning
 
                 color: Theme.t2
-                content: block.text
+                text: block.text
                 width: parent.width - x
                 x: Theme.gap5
+
+                onCopyWanted: text => block.copyWanted(text)
             }
         }
         // qmllint enable unqualified

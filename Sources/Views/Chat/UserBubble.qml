@@ -7,16 +7,49 @@ Item {
 
     readonly property real widest: Math.round(width * 0.8) - Theme.gap4 * 2 + Theme.gap1
 
-    implicitHeight: bubble.height
+    readonly property bool isLong: text.length > 4000 // something that was pasted
+    readonly property Item shown: isLong ? longBody : body
+
+    signal caretMoved(real y, real height)
+    signal copyWanted(string text)
+
+    function selectedText(): string {
+        return isLong ? longBody.selectedText() : body.selectedText
+    }
+
+    function deselect(): void {
+        if (isLong)
+            longBody.deselect()
+        else
+            body.deselect()
+    }
+
+    function selectAll(): void {
+        if (isLong) {
+            longBody.selectAll()
+        } else {
+            body.takeFocus()
+            body.selectAll()
+        }
+    }
+
+    function takeCaret(): void {
+        if (isLong)
+            longBody.takeCaret()
+        else
+            body.takeCaret()
+    }
+
+    implicitHeight: bubble.height + Theme.gap2
 
     Rectangle {
         id: bubble
 
         anchors.right: parent.right
         color: Theme.sunk
-        height: body.height + Theme.gap2 * 2
+        height: message.shown.height + Theme.gap2 * 2
         radius: Theme.radiusBubble
-        width: body.width + (Theme.gap4 - 2) * 2
+        width: message.shown.width + (Theme.gap4 - 2) * 2
 
         // The corner that points at the speaker.
         Rectangle {
@@ -30,12 +63,26 @@ Item {
         SelectableText {
             id: body
 
+            content: message.isLong ? "" : message.text
             objectName: "userText"
-
-            content: message.text
+            visible: !message.isLong
             width: Math.min(Math.ceil(implicitWidth), message.widest)
             x: Theme.gap4 - 2
             y: Theme.gap2 + Math.round(lineDistance / 2)
+
+            onCaretMoved: (y, height) => message.caretMoved(body.y + y, height)
+        }
+        LongText {
+            id: longBody
+
+            text: message.isLong ? message.text : ""
+            visible: message.isLong
+            width: message.widest
+            x: body.x
+            y: body.y
+
+            onCaretMoved: (y, height) => message.caretMoved(longBody.y + y, height)
+            onCopyWanted: text => message.copyWanted(text)
         }
     }
 }

@@ -22,9 +22,11 @@ void GrowingText::setText(const QString& text) {
     const auto shown = m_text.size();
     m_text = text;
     if (grew && m_document) {
+        emit aboutToGrow();
         QTextCursor cursor(m_document->textDocument());
         cursor.movePosition(QTextCursor::End);
         cursor.insertText(m_text.sliced(shown));
+        emit grown();
     } else {
         replaceAll();
     }

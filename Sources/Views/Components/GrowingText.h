@@ -26,6 +26,8 @@ public:
 signals:
     void documentChanged();
     void textChanged();
+    void aboutToGrow(); // nothing but an addition at the end
+    void grown();
 
 private:
     void replaceAll();

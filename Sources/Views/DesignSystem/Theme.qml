@@ -41,6 +41,7 @@ ThemeColors {
     readonly property int fieldHeight: px(40)
     readonly property int buttonHeight: px(36)
     readonly property int roundButton: px(32)
+    readonly property int actionHeight: px(26)
     readonly property int icon: px(16)
     readonly property int hairline: 1
     readonly property int haloWidth: 3
@@ -61,6 +62,7 @@ ThemeColors {
     readonly property int quick: reducedMotion ? 0 : 120
     readonly property int calm: reducedMotion ? 0 : 180
     readonly property int splashFade: reducedMotion ? 0 : 300
+    readonly property int jump: reducedMotion ? 0 : 250 // to another place of a list
     readonly property int pulse: 900
     readonly property int toolTipDelay: 600
 

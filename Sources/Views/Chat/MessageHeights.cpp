@@ -1,0 +1,39 @@
+#include "MessageHeights.h"
+
+#include <QAbstractItemModel>
+
+#include <algorithm>
+#include <cmath>
+
+namespace Korvi {
+
+namespace {
+
+constexpr double raggedEdge = 0.96; // how much of a line is filled before a word moves to the next one
+
+}
+
+double MessageHeights::heightOf(const QAbstractItemModel& model, int row) const {
+    const QHash<int, QByteArray> names = model.roleNames();
+    const auto value = [&](const QByteArray& role) { return model.data(model.index(row, 0), names.key(role, -1)); };
+    const QString text = value(m_textRole).toString();
+    if (value("isUser").toBool())
+        return m_aroundQuestion + lines(text, m_questionWidth) * m_lineHeight;
+    const double reasoning = value("thinking").toString().isEmpty() ? 0 : m_thinkingHeight;
+    return m_aroundAnswer + reasoning + lines(text, m_answerWidth) * m_lineHeight;
+}
+
+double MessageHeights::lines(QStringView text, double width) const {
+    const double inLine = std::max(1.0, width * raggedEdge / std::max(1.0, m_characterWidth));
+    double count = 0;
+    for (qsizetype from = 0; from <= text.size();) {
+        qsizetype to = text.indexOf(u'\n', from);
+        if (to < 0)
+            to = text.size();
+        count += std::max(1.0, std::ceil(static_cast<double>(to - from) / inLine));
+        from = to + 1;
+    }
+    return count;
+}
+
+}

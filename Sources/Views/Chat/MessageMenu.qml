@@ -1,0 +1,68 @@
+import QtQuick
+
+// What can be done with one message.
+PopupMenu {
+    id: menu
+
+    property real messageId: -1
+    property string text
+    property string selectedText
+    property bool canRetry: false
+
+    signal copyWanted(string text)
+    signal deletionWanted(real messageId)
+    signal retryWanted
+
+    // Beside that place in the row. What is done concerns the message as it is now.
+    function openFor(row: MessageRow, x: real, y: real): void {
+        const place = row.mapToItem(parent, x, y)
+        messageId = row.messageId
+        text = row.wholeText()
+        selectedText = row.selectedText()
+        canRetry = row.canRetry
+        popup(place.x, place.y, selectedText.length > 0 ? copySelection : copyAll)
+    }
+
+    objectName: "messageMenu"
+
+    onClosed: {
+        text = ""
+        selectedText = ""
+    }
+
+    PopupMenuItem {
+        id: copyAll
+
+        objectName: "copyItem"
+        symbol: "doc.on.doc"
+        text: "Копировать"
+
+        onTriggered: menu.copyWanted(menu.text)
+    }
+    PopupMenuItem {
+        id: copySelection
+
+        height: visible ? implicitHeight : 0
+        objectName: "copySelectionItem"
+        text: "Копировать выделенное"
+        visible: menu.selectedText.length > 0
+
+        onTriggered: menu.copyWanted(menu.selectedText)
+    }
+    PopupMenuItem {
+        height: visible ? implicitHeight : 0
+        objectName: "retryItem"
+        symbol: "arrow.clockwise"
+        text: "Повторить"
+        visible: menu.canRetry
+
+        onTriggered: menu.retryWanted()
+    }
+    PopupMenuItem {
+        objectName: "deleteItem"
+        symbol: "trash"
+        text: "Удалить"
+
+        onTriggered: menu.deletionWanted(menu.messageId)
+    }
+}

@@ -1,0 +1,198 @@
+#include "PartColumn.h"
+
+#include "VirtualColumn.h"
+
+#include <QQuickWindow>
+#include <QScopedValueRollback>
+
+#include <cmath>
+#include <limits>
+
+namespace Korvi {
+
+namespace {
+
+constexpr double plainEstimate = 64; // pixels, where nobody estimates
+
+}
+
+PartColumn::PartColumn(QQuickItem* parent)
+    : QQuickItem(parent)
+    , m_items(*this, [this] { changed(); }) {}
+
+PartColumn::~PartColumn() {
+    if (m_column)
+        m_column->forgetParts(this);
+}
+
+void PartColumn::setModel(QAbstractItemModel* model) {
+    if (model == m_model)
+        return;
+    if (m_model)
+        m_model->disconnect(this);
+    m_model = model;
+    m_items.setModel(model);
+    if (m_model) {
+        using Model = QAbstractItemModel;
+        connect(m_model, &Model::rowsInserted, this,
+            [this](const QModelIndex&, int first, int last) { partsInserted(first, last); });
+        connect(m_model, &Model::dataChanged, this,
+            [this](const QModelIndex& first, const QModelIndex& last, const QList<int>& roles) {
+                partsChanged(first.row(), last.row(), roles);
+            });
+        connect(m_model, &Model::rowsRemoved, this, &PartColumn::resetParts);
+        connect(m_model, &Model::rowsMoved, this, &PartColumn::resetParts);
+        connect(m_model, &Model::layoutChanged, this, &PartColumn::resetParts);
+        connect(m_model, &Model::modelReset, this, &PartColumn::resetParts);
+    }
+    resetParts();
+    emit modelChanged();
+}
+
+void PartColumn::setDelegate(QQmlComponent* delegate) {
+    if (delegate == m_delegate)
+        return;
+    m_delegate = delegate;
+    m_items.setDelegate(delegate);
+    changed();
+    emit delegateChanged();
+}
+
+void PartColumn::setEstimate(RowEstimate* estimate) {
+    if (estimate == m_estimate)
+        return;
+    if (m_estimate)
+        m_estimate->disconnect(this);
+    m_estimate = estimate;
+    if (m_estimate) {
+        connect(m_estimate, &RowEstimate::changed, this, [this] {
+            m_estimatesOld = true;
+            changed();
+        });
+    }
+    m_estimatesOld = true;
+    changed();
+    emit estimateChanged();
+}
+
+void PartColumn::resetParts() {
+    m_items.releaseAll();
+    m_heights.reset(estimates(0, m_model ? m_model->rowCount() : 0));
+    changed();
+}
+
+void PartColumn::partsInserted(int first, int last) {
+    m_items.noteInsertion(first, last - first + 1);
+    m_heights.insert(first, estimates(first, last - first + 1));
+    changed();
+}
+
+void PartColumn::partsChanged(int first, int last, const QList<int>& roles) {
+    m_items.noteChange(first, last, roles);
+    for (int part = first; part <= last; ++part) {
+        if (!m_items.find(part))
+            m_heights.set(part, estimates(part, 1).front());
+    }
+    changed();
+}
+
+std::vector<double> PartColumn::estimates(int first, int count) const {
+    std::vector<double> guesses(static_cast<std::size_t>(count), plainEstimate);
+    if (m_estimate) {
+        for (int i = 0; i < count; ++i)
+            guesses[static_cast<std::size_t>(i)] = std::round(m_estimate->heightOf(*m_model, first + i));
+    }
+    return guesses;
+}
+
+void PartColumn::see(double from, double to, double reach) {
+    if (!isComponentComplete() || width() <= 0 || !m_items.canCreate())
+        return;
+    if (m_estimatesOld) {
+        m_estimatesOld = false;
+        m_heights.reset(estimates(0, m_heights.count()));
+    }
+    for (const auto& [part, item] : m_items.live())
+        measure(part);
+    if (from < m_heights.total() && to > 0) {
+        for (int part = m_heights.rowAt(from); part < m_heights.count() && m_heights.before(part) < to; ++part) {
+            if (part < 0)
+                continue;
+            m_items.obtain(part);
+            measure(part);
+        }
+    }
+    std::vector<int> far;
+    for (const auto& [part, item] : m_items.live()) {
+        const double top = m_heights.before(part);
+        if ((top > to + reach || top + m_heights.at(part) < from - reach) && !holdsFocus(part))
+            far.push_back(part);
+    }
+    for (const int part : far)
+        m_items.release(part);
+    place();
+}
+
+bool PartColumn::measure(int part) {
+    const QQuickItem* item = m_items.find(part);
+    if (!item || item->height() == m_heights.at(part))
+        return false;
+    m_heights.set(part, item->height());
+    return true;
+}
+
+void PartColumn::place() {
+    for (const auto& [part, item] : m_items.live())
+        item->setY(m_heights.before(part));
+    setImplicitHeight(m_heights.total());
+}
+
+bool PartColumn::holdsFocus(int part) const {
+    return window() && m_items.rowOf(window()->activeFocusItem()) == part;
+}
+
+// What is in view is for the column to say, once per frame.
+void PartColumn::changed() {
+    if (m_column) {
+        setImplicitHeight(m_heights.total());
+        m_column->polish();
+    } else if (!m_showingAll) {
+        const QScopedValueRollback guard(m_showingAll, true);
+        see(0, std::numeric_limits<double>::max(), 0);
+    }
+}
+
+void PartColumn::findColumn() {
+    VirtualColumn* column = nullptr;
+    for (QQuickItem* around = parentItem(); around && !column; around = around->parentItem())
+        column = qobject_cast<VirtualColumn*>(around);
+    if (column == m_column)
+        return;
+    if (m_column)
+        m_column->forgetParts(this);
+    m_column = column;
+    if (m_column)
+        m_column->rememberParts(this);
+}
+
+void PartColumn::componentComplete() {
+    QQuickItem::componentComplete();
+    findColumn();
+    changed();
+}
+
+void PartColumn::itemChange(ItemChange change, const ItemChangeData& data) {
+    if (change == ItemParentHasChanged || (change == ItemSceneChange && data.window))
+        findColumn();
+    QQuickItem::itemChange(change, data);
+}
+
+void PartColumn::geometryChange(const QRectF& now, const QRectF& before) {
+    QQuickItem::geometryChange(now, before);
+    if (now.width() != before.width()) {
+        m_items.setWidth(now.width());
+        changed();
+    }
+}
+
+}
