@@ -105,11 +105,25 @@ FocusScope {
             ask({})
             keyClick(Qt.Key_Left)
             other.forceActiveFocus()
-            tryVerify(() => findChild(question.item.contentItem, "rejectButton").activeFocus) // where it was
+            verify(findChild(question.item.contentItem, "rejectButton").activeFocus) // where it was
             keyClick(Qt.Key_Return)
             compare(root.heard, ["rejected"])
             tryVerify(() => question.item === null)
             verify(other.activeFocus)
+        }
+
+        function test_aSheetThatFollowsAnotherHasTheKeyboardAtOnce() {
+            ask({})
+            keyClick(Qt.Key_Return)
+            form.open({ title: "Переименовать чат", label: "Название", acceptText: "Сохранить" })
+            keyClick("a") // while the first one leaves
+            tryVerify(() => question.item === null)
+            keyClick("b")
+            compare(behind.text, "")
+            keyClick(Qt.Key_Return)
+            compare(root.heard, ["accepted", "ab"])
+            tryVerify(() => form.item === null)
+            verify(behind.activeFocus)
         }
 
         function test_aSheetThatCannotBeDismissed() {

@@ -28,11 +28,6 @@ T.Dialog {
             focusInside.forceActiveFocus(Qt.TabFocusReason)
     }
 
-    function giveBack(): void {
-        if (focusBefore)
-            focusBefore.forceActiveFocus(Qt.PopupFocusReason)
-    }
-
     function isWithin(item: Item, ancestor: Item): bool {
         let above = item
         while (above && above !== ancestor)
@@ -51,7 +46,7 @@ T.Dialog {
                 sheet.focusInside = item
             } else if (!sheet.isWithin(item, sheet.parent)) {
                 sheet.focusBefore = item
-                Qt.callLater(sheet.keepFocus)
+                sheet.keepFocus()
             }
         }
 
@@ -86,20 +81,16 @@ T.Dialog {
         focusInside = firstFocus
         closing = false
     }
-    // At once as well: the next key is for what is below, and so is the keyboard for a sheet that follows this one.
-    onAboutToHide: {
-        closing = true
-        giveBack()
-    }
+    onAboutToHide: closing = true
     // At once, not after the animation: the first key belongs to the sheet.
     onVisibleChanged: {
         if (visible)
             keepFocus()
     }
     onClosed: {
-        const item = parent.Window.window.activeFocusItem
-        if (!item || item === parent.Window.window.contentItem)
-            giveBack()
+        // Another sheet that is open by now takes the keyboard from it, and returns it in its turn.
+        if (focusBefore)
+            focusBefore.forceActiveFocus(Qt.PopupFocusReason)
         focusBefore = null
     }
 }

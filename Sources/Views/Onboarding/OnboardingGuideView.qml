@@ -80,7 +80,7 @@ Sheet {
                 onWantedChanged: show()
             }
         }
-        ScrollArea {
+        ScrollPane {
             id: words
 
             anchors.bottom: foot.top

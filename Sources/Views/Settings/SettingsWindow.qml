@@ -58,7 +58,7 @@ Window {
 
         onCurrentIndexChanged: window.showSection()
     }
-    ScrollArea {
+    ScrollPane {
         id: scroller
 
         anchors.bottom: parent.bottom

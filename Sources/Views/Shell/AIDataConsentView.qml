@@ -67,7 +67,7 @@ Sheet {
                 wrapMode: Text.Wrap
             }
         }
-        ScrollArea {
+        ScrollPane {
             id: rows
 
             anchors.bottom: foot.top
