@@ -2,10 +2,9 @@
 
 #include "SingleInstance.h"
 
-#include <QCoreApplication>
 #include <QDesktopServices>
+#include <QGuiApplication>
 #include <QStandardPaths>
-#include <QWindow>
 
 namespace Korvi {
 
@@ -26,7 +25,7 @@ QString dataPath(const QString& file) {
 
 }
 
-KorviApp::KorviApp(QObject* parent)
+KorviApp::KorviApp(std::unique_ptr<PathMonitor> paths, QObject* parent)
     : QObject(parent)
     , m_info(Info::fromFile(infoPath()))
     , m_defaults(dataPath(u"korvi/defaults.sqlite"_s))
@@ -39,79 +38,54 @@ KorviApp::KorviApp(QObject* parent)
     , m_social({m_browser, m_random}, SocialAuthConfiguration::fromInfo(m_info), m_client.baseURL())
     , m_chatService({m_client, m_sockets, m_scheduler, m_random})
     , m_cache(m_defaults, m_clock)
-    , m_auth({m_client, m_authentication, m_users, m_social, m_scheduler, [this] { forgetConversations(); }})
-    , m_chat({m_chatService, m_users, m_cache, m_defaults, m_scheduler, m_clock, m_random, m_notifications}) {
-    connect(&m_auth, &AuthViewModel::isAuthenticatedChanged, this, &KorviApp::userChanged);
+    , m_auth({m_client, m_authentication, m_users, m_social, m_scheduler, [this] { m_home.forgetConversations(); }})
+    , m_chat({m_chatService, m_users, m_cache, m_defaults, m_scheduler, m_clock, m_random, m_notifications})
+    , m_paths(paths ? std::move(paths) : std::make_unique<RoutePathMonitor>(QUrl(m_client.baseURL())))
+    , m_network(*m_paths, m_notifications)
+    , m_consent(m_defaults)
+    , m_onboarding(m_defaults, [this] { return m_auth.isAuthenticated(); })
+    , m_home({m_auth, m_chat, m_chatService, m_notifications, m_deepLinks, m_onboarding})
+    , m_reviews(m_defaults, m_info, m_clock, m_scheduler)
+    , m_activation(m_auth, m_reviews, m_clock)
+    , m_theme(m_defaults)
+    , m_caches({
+          {CacheManager::Kind::data, [this] { return m_cache.diskCacheSize(); }, [this] { m_cache.clearAll(); }},
+      })
+    , m_about(m_info)
+    , m_scenes({m_auth, m_chat, m_home, m_consent, m_onboarding, m_theme, m_caches, m_about}) {
     connect(&m_notifications, &NotificationCenter::didReceiveUnauthorizedError, this, &KorviApp::tokenDied);
-    connect(&m_appearance, &DesktopAppearance::changed, this, &KorviApp::applyAppearance);
-    m_browser.onReturned = [this] { raiseWindow(); };
+    connect(&m_notifications, &NotificationCenter::didCompleteAIResponse, this, [this] {
+        m_reviews.recordMessage();
+        m_reviews.requestReviewIfAppropriate();
+    });
+    connect(&m_appearance, &DesktopAppearance::changed, this,
+        [this] { m_theme.setDesktop(m_appearance.scheme(), m_appearance.reducedMotion()); });
+    connect(qApp, &QGuiApplication::applicationStateChanged, this, [this](Qt::ApplicationState state) {
+        if (state == Qt::ApplicationActive)
+            m_activation.becameActive();
+    });
+    m_browser.onReturned = [this] { m_scenes.raiseMain(); };
+    m_defaults.onProblemChanged = [this] { m_scenes.setNotice(m_defaults.problem()); };
 }
 
 bool KorviApp::start() {
-    m_engine.setInitialProperties({
-        {u"auth"_s, QVariant::fromValue(&m_auth)},
-        {u"chat"_s, QVariant::fromValue(&m_chat)},
-        {u"notice"_s, m_defaults.problem()},
-    });
-    // An import by name, unlike an address of a file, also registers the module's C++ types.
-    m_engine.loadData("import Korvi.Views\nMainWindow {}");
-    if (m_engine.rootObjects().isEmpty())
+    if (!m_scenes.openMain(m_defaults.problem()))
         return false;
-    applyAppearance();
-    m_defaults.onProblemChanged = [this] {
-        m_engine.rootObjects().value(0)->setProperty("notice", m_defaults.problem());
-    };
     m_auth.start();
+    m_network.start();
     return true;
 }
 
 void KorviApp::follow(const SingleInstance& instance) {
-    connect(&instance, &SingleInstance::activated, this, &KorviApp::raiseWindow);
+    connect(&instance, &SingleInstance::activated, &m_scenes, &Scenes::raiseMain);
     connect(&instance, &SingleInstance::urlOpened, this, [this](const QUrl& url) { m_browser.take(url); });
-}
-
-void KorviApp::raiseWindow() {
-    auto* shown = qobject_cast<QWindow*>(window());
-    if (!shown)
-        return;
-    shown->setWindowStates(shown->windowStates() & ~Qt::WindowMinimized);
-    shown->show();
-    shown->raise();
-    shown->requestActivate();
-}
-
-void KorviApp::userChanged() {
-    m_scope.cancel();
-    m_chatService.disconnect();
-    if (!m_auth.isAuthenticated())
-        return;
-    // What was typed before the token died is still there for the same user, and for nobody else.
-    if (m_auth.user()->id != m_userId) {
-        forgetConversations();
-        m_userId = m_auth.user()->id;
-        m_chat.restore(m_userId);
-    }
-    m_scope.start([this] { return m_chat.loadData(); });
-}
-
-void KorviApp::forgetConversations() {
-    m_userId.clear();
-    m_chatService.disconnect();
-    m_chatService.discardPending();
-    m_chat.reset();
 }
 
 // The service knows the token no longer: the sign-in form says so.
 void KorviApp::tokenDied() {
+    m_chat.sessionEnded();
     if (m_auth.isAuthenticated())
         m_scope.start([this] { return m_auth.checkAuth(true); });
-}
-
-void KorviApp::applyAppearance() {
-    for (QObject* window : m_engine.rootObjects()) {
-        window->setProperty("scheme", m_appearance.scheme());
-        window->setProperty("reducedMotion", m_appearance.reducedMotion());
-    }
 }
 
 }

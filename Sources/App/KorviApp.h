@@ -11,13 +11,23 @@
 #include "Linux/QtHttpTransport.h"
 #include "Linux/QtScheduler.h"
 #include "Linux/QtWebSocketTransport.h"
+#include "Linux/RoutePathMonitor.h"
 #include "Linux/SecretServiceKeychain.h"
 #include "Linux/SystemClock.h"
 #include "NotificationCenter.h"
+#include "Scenes.h"
+#include "Shell/AIDataConsent.h"
+#include "Shell/AboutViewModel.h"
 #include "Shell/AuthViewModel.h"
+#include "Shell/CacheManager.h"
+#include "Shell/DeepLinkHandler.h"
+#include "Shell/HomeViewModel.h"
+#include "Shell/NetworkMonitor.h"
+#include "Shell/Onboarding.h"
+#include "Shell/ReviewManager.h"
+#include "Shell/SceneActivation.h"
+#include "Shell/ThemeManager.h"
 #include "SignIn/SocialAuthService.h"
-
-#include <QQmlApplicationEngine>
 
 namespace Korvi {
 
@@ -29,7 +39,8 @@ class KorviApp : public QObject {
     Q_OBJECT
 
 public:
-    explicit KorviApp(QObject* parent = nullptr);
+    // `paths` stands in for the machine's network; null for the real one.
+    explicit KorviApp(std::unique_ptr<PathMonitor> paths = nullptr, QObject* parent = nullptr);
 
     // Shows the window and starts the first check of the stored token. False when the window cannot be made.
     bool start();
@@ -40,14 +51,12 @@ public:
     // For tests that drive the real application.
     AuthViewModel& auth() { return m_auth; }
     ChatViewModel& chat() { return m_chat; }
-    QObject* window() const { return m_engine.rootObjects().value(0); }
+    HomeViewModel& home() { return m_home; }
+    DeepLinkHandler& deepLinks() { return m_deepLinks; }
+    const Scenes& scenes() const { return m_scenes; }
 
 private:
-    void raiseWindow();
-    void userChanged();
-    void forgetConversations();
     void tokenDied();
-    void applyAppearance();
 
     Info m_info;
     SystemClock m_clock;
@@ -69,9 +78,19 @@ private:
     DataCacheManager m_cache;
     AuthViewModel m_auth;
     ChatViewModel m_chat;
+    std::unique_ptr<PathMonitor> m_paths;
+    NetworkMonitor m_network;
+    DeepLinkHandler m_deepLinks;
+    AIDataConsent m_consent;
+    Onboarding m_onboarding;
+    HomeViewModel m_home;
+    ReviewManager m_reviews;
+    SceneActivation m_activation;
+    ThemeManager m_theme;
+    CacheManager m_caches;
+    AboutViewModel m_about;
     DesktopAppearance m_appearance;
-    QQmlApplicationEngine m_engine;
-    QString m_userId;  // whose conversations the view models hold; empty for nobody's
+    Scenes m_scenes;
     TaskScope m_scope; // last: its tasks end before anything they use
 };
 

@@ -24,6 +24,9 @@ signals:
     void projectChatDeleted(qint64 chatId);
     // Another organization, or none, is the current one: what was loaded belongs to the former.
     void organizationDidChange();
+    // The machine has a network again, or none any more.
+    void networkDidBecomeAvailable();
+    void networkDidBecomeUnavailable();
 };
 
 }

@@ -3,6 +3,7 @@
 #include "WaitFor.h"
 
 #include <QFile>
+#include <QGuiApplication>
 #include <QJsonDocument>
 #include <QTest>
 #include <QtQuickTest>
@@ -11,17 +12,24 @@ namespace Korvi::Test {
 
 using namespace Qt::Literals;
 
-Person::Person(quint16 port, QJsonObject info) {
+Person::Person(quint16 port, QJsonObject info, Acquaintance acquaintance) {
     qputenv("XDG_DATA_HOME", m_home.path().toUtf8());
     info.insert("KorviAPIBaseURL"_L1, u"http://127.0.0.1:%1/api/v1"_s.arg(port));
     QFile file(m_home.filePath(u"Info.json"_s));
     file.open(QIODevice::WriteOnly);
     file.write(QJsonDocument(info).toJson());
     qputenv("KORVI_INFO", file.fileName().toUtf8());
+    if (acquaintance == Acquaintance::isOld) {
+        Defaults defaults(m_home.filePath(u"korvi/defaults.sqlite"_s));
+        for (const QString& key : {u"aiDataConsentGiven"_s, u"hasSeenAppOnboarding"_s, u"hasSeenAgentOnboarding"_s})
+            defaults.setBoolean(key, true);
+    }
 }
 
 void Person::startClient() {
-    m_app = std::make_unique<KorviApp>();
+    auto paths = std::make_unique<FakePaths>();
+    m_paths = paths.get();
+    m_app = std::make_unique<KorviApp>(std::move(paths));
     if (!m_app->start())
         throw std::runtime_error("the window could not be made");
     waitFor([this] { return m_app->auth().isInitialCheckComplete() && window()->isExposed(); });
@@ -29,11 +37,15 @@ void Person::startClient() {
     waitFor([this] { return window()->isActive(); });
 }
 
+void Person::setNetwork(bool isThere) {
+    m_paths->change({.isSatisfied = isThere, .interfaces = {NetworkPath::Interface::wifi}});
+}
+
 void Person::quitClient() {
     m_app.reset();
 }
 
-bool Person::signIn(const QString& email, const std::function<QString()>& code) {
+bool Person::signIn(const QString& email, const std::function<QString()>& code, const QString& goal) {
     if (!waitFor([this] { return see(u"emailField"_s) && see(u"emailField"_s)->hasActiveFocus(); }))
         return false;
     // Over the address that may still stand there.
@@ -47,7 +59,7 @@ bool Person::signIn(const QString& email, const std::function<QString()>& code) 
         }))
         return false;
     type(digits);
-    return waitFor([this] { return see(u"composer"_s) && see(u"composer"_s)->hasActiveFocus(); });
+    return waitFor([&] { return focus() == goal; });
 }
 
 void Person::type(const QString& text) {
@@ -55,8 +67,27 @@ void Person::type(const QString& text) {
         QTest::sendKeyEvent(QTest::Click, window(), Qt::Key_unknown, QString(character), Qt::NoModifier);
 }
 
-void Person::press(Qt::Key key) {
-    QTest::keyClick(window(), key);
+void Person::press(Qt::Key key, Qt::KeyboardModifiers modifiers) {
+    QTest::keyClick(window(), key, modifiers);
+}
+
+void Person::pressCharacter(QChar character, Qt::KeyboardModifiers modifiers) {
+    const auto key = static_cast<Qt::Key>(character.toUpper().unicode());
+    QTest::sendKeyEvent(QTest::Click, window(), key, QString(character), modifiers);
+}
+
+bool Person::tabTo(const QString& objectName) {
+    for (int presses = 0; presses < 40; ++presses) {
+        if (focus() == objectName)
+            return true;
+        press(Qt::Key_Tab);
+    }
+    return false;
+}
+
+QString Person::focus() const {
+    const QQuickItem* item = window()->activeFocusItem();
+    return item ? item->objectName() : QString();
 }
 
 void Person::click(const QString& objectName) {
@@ -80,7 +111,8 @@ void Person::ask(const QString& question) {
 }
 
 QQuickWindow* Person::window() const {
-    return qobject_cast<QQuickWindow*>(m_app->window());
+    QWindow* front = QGuiApplication::focusWindow();
+    return qobject_cast<QQuickWindow*>(front ? front : m_app->scenes().mainWindow());
 }
 
 namespace {

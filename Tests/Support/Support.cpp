@@ -1,6 +1,7 @@
 // Compiles each header by itself, so that none leans on what another happens to include.
 #include "FakeHttp.h"
 #include "FakeKeychain.h"
+#include "FakePaths.h"
 #include "FakeRandom.h"
 #include "FakeSocket.h"
 #include "FakeWebAuthentication.h"

@@ -1,7 +1,6 @@
 import QtQuick
 import QtTest
 import Korvi.Views
-import "qrc:/qt-project.org/imports/Korvi/Views/RelativeTime.js" as RelativeTime
 
 Item {
     id: root
@@ -69,24 +68,6 @@ Item {
             layout.width = 900 // nothing stays covered when the window grows
             verify(content.enabled)
             tryVerify(() => drawerX() === 0)
-        }
-
-        function test_ageOfAChat_data() {
-            return [
-                { then: "2026-03-10T11:59:30", text: "сейчас" },
-                { then: "2026-03-10T12:00:30", text: "сейчас" }, // the service's clock is ahead
-                { then: "2026-03-10T11:55:00", text: "5 мин" },
-                { then: "2026-03-10T09:30:00", text: "2 ч" },
-                { then: "2026-03-09T23:50:00", text: "вчера" },
-                { then: "2026-03-07T08:00:00", text: "3 дн." },
-                { then: "2026-03-03T08:00:00", text: "3 мар" },
-                { then: "2025-12-31T08:00:00", text: "31 дек 2025" },
-                { then: "нет", text: "" },
-            ].map(row => Object.assign({ tag: row.then }, row))
-        }
-
-        function test_ageOfAChat(data) {
-            compare(RelativeTime.describe(data.then, new Date("2026-03-10T12:00:00")), data.text)
         }
     }
 }

@@ -164,6 +164,7 @@ void AnswerStream::reset() {
     m_flushTimer.cancel();
     m_reconnectTimer.cancel();
     m_silenceTimer.cancel();
+    m_guardTimer.cancel();
     m_shown.setStreaming(false);
     emit generatingChatsChanged({});
     emit changed();
@@ -300,6 +301,8 @@ void AnswerStream::connected() {
     flush();
     doubt();
     m_guard.connected(now);
+    if (m_guard.isWatching())
+        m_guardTimer = m_dependencies.scheduler.after(silenceTimeout, [this] { m_guard.relax(); });
     for (Generation& generation : m_generations.all()) {
         generation.sawReconnect = generation.sawReconnect || generation.hasLeft;
         // The word to stop may have been lost with the line.
@@ -470,8 +473,11 @@ std::optional<AnswerStream::Ending> AnswerStream::end() {
     if (generation && generation->chatId < 0)
         generation = nullptr;
     if (m_guard.ownsEnd(generation && generation->isHeard && generation->textHead.isEmpty())) {
-        if (generation && m_isSilent)
+        // Two answers may begin alike: then it was the one that is waited for, and its chat has it.
+        if (generation) {
+            generation->sawReconnect = true;
             listenForSilence();
+        }
         return std::nullopt;
     }
     return generation ? std::optional(finish(generation)) : std::nullopt;

@@ -65,6 +65,8 @@ public:
     void restore();
     // Chats whose answers ended shortly before that, once.
     std::vector<qint64> takeRestoredEnds() { return std::exchange(m_restoredEnds, {}); }
+    // Another session of the same user: nothing is repeated to it.
+    void forgetEnds() { m_guard.clear(); }
     void forgetJournal() { m_journal.clear(); }
     void reset(); // another user, or none
 
@@ -123,6 +125,7 @@ private:
     Timer m_flushTimer;                // active while pieces keep coming
     Timer m_reconnectTimer;
     Timer m_silenceTimer;
+    Timer m_guardTimer;
     TaskScope m_scope; // last: its tasks end before anything they use
 };
 

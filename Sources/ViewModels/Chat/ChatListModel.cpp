@@ -47,6 +47,11 @@ const Chat* ChatListModel::find(qint64 id) const {
     return it == m_chats.end() ? nullptr : &*it;
 }
 
+bool ChatListModel::isFavorite(qint64 chatId) const {
+    const Chat* chat = find(chatId);
+    return chat && chat->isFavorite.value_or(false);
+}
+
 void ChatListModel::setChats(std::vector<Chat> chats) {
     std::stable_sort(chats.begin(), chats.end(), comesBefore);
     if (chats == m_chats)

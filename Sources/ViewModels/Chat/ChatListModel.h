@@ -35,6 +35,7 @@ public:
 
     const std::vector<Chat>& chats() const { return m_chats; }
     const Chat* find(qint64 id) const; // null when there is none
+    Q_INVOKABLE bool isFavorite(qint64 chatId) const;
     void setChats(std::vector<Chat> chats);
     // A chat that is already there is replaced, not doubled.
     void upsert(Chat chat);

@@ -73,6 +73,8 @@ public:
 
     // Shows what is cached of that user, before any request; what was cached of another one is forgotten.
     void restore(const QString& userId);
+    // The same user signs in anew.
+    void sessionEnded() { m_stream.forgetEnds(); }
     // The user, the chat list, then the socket.
     Task<void> loadData();
     Task<void> prefetchRelatedData();

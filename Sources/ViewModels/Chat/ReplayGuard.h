@@ -29,6 +29,8 @@ public:
 
     void ended(Ended answer);
     void connected(const QDateTime& now);
+    // Nothing has come for a while: what comes from now on is not a replay.
+    void relax() { m_isWatching = m_isWatching && m_isInReplay; }
     void watch(); // frames of an answer that has ended may still come
     void clear();
 

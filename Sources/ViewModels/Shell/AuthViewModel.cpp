@@ -303,6 +303,10 @@ QString AuthViewModel::displayName() const {
     return m_user ? m_user->displayName() : QString();
 }
 
+QString AuthViewModel::userEmail() const {
+    return m_user ? m_user->email.value_or(QString()) : QString();
+}
+
 QString AuthViewModel::initials() const {
     QString result;
     const QStringList words = displayName().split(u' ', Qt::SkipEmptyParts);

@@ -34,6 +34,7 @@ class AuthViewModel : public QObject {
     // Of the signed-in user; empty without one.
     Q_PROPERTY(QString displayName READ displayName NOTIFY userChanged)
     Q_PROPERTY(QString initials READ initials NOTIFY userChanged)
+    Q_PROPERTY(QString userEmail READ userEmail NOTIFY userChanged)
     Q_PROPERTY(Korvi::ResendCountdown* countdown READ countdown CONSTANT)
     // Names of the providers one can sign in with, as the user reads them, and of those that this build knows.
     Q_PROPERTY(QStringList providers READ providers CONSTANT)
@@ -101,6 +102,7 @@ public:
     QString email() const { return m_email; }
     QString displayName() const;
     QString initials() const;
+    QString userEmail() const;
     ResendCountdown* countdown() { return &m_countdown; }
     QStringList providers() const;
     QStringList configuredProviders() const;

@@ -1,21 +1,29 @@
 import QtQuick
 import QtQuick.Templates as T
 import Korvi.Views // the types written in C++
+import "InputMode.js" as InputMode
 
-// Where a message is written. Return sends, Shift+Return breaks the line; grows to eight lines, then scrolls.
+// Where a message is written. Return sends, Shift+Return breaks the line; grows to eight lines, then scrolls. Up in an
+// empty field asks for the last question; Down or Esc takes it away again as long as it stands as it came.
 FocusScope {
     id: composer
 
     required property string text // as the model has it; what is typed goes out through edited()
     required property bool canSend
     required property bool generating
+    property string mode: "none" // of InputMode.js
+    property bool editingImage: false // an image waits to be edited by the next message
     property real maximumHeight: Infinity
 
     readonly property int inset: Theme.gap4
     readonly property real lineHeight: Theme.leading(edit.font.pixelSize)
-    readonly property real barHeight: Theme.roundButton
+    readonly property real barHeight: bar.height
+    property string recalled // what came back by the Up key
 
     signal edited(text: string)
+    signal recallRequested
+    signal modeChosen(mode: string)
+    signal editingImageCancelled
     signal send
     signal stop
 
@@ -27,6 +35,21 @@ FocusScope {
     function submit(): void {
         if (canSend && !generating)
             send()
+    }
+
+    // The answer to recallRequested.
+    function recall(question: string): void {
+        recalled = question
+        edited(question)
+        edit.cursorPosition = edit.length
+    }
+
+    function takeBack(): bool {
+        if (recalled.length === 0 || edit.text !== recalled)
+            return false
+        recalled = ""
+        edited("")
+        return true
     }
 
     implicitHeight: Math.min(maximumHeight, Theme.gap4 + Math.min(edit.contentHeight, lineHeight * 8) + Theme.gap3
@@ -110,6 +133,16 @@ FocusScope {
                 event.accepted = true
                 composer.submit()
             }
+            Keys.onDownPressed: event => {
+                const lastLine = cursorRectangle.y + cursorRectangle.height * 1.5 >= contentHeight
+                event.accepted = lastLine && composer.takeBack()
+            }
+            Keys.onEscapePressed: event => event.accepted = composer.takeBack()
+            Keys.onUpPressed: event => {
+                event.accepted = length === 0
+                if (event.accepted)
+                    composer.recallRequested()
+            }
             // Tab leaves the composer, as it leaves any field.
             Keys.onTabPressed: nextItemInFocusChain(true).forceActiveFocus(Qt.TabFocusReason)
             Keys.onBacktabPressed: nextItemInFocusChain(false).forceActiveFocus(Qt.BacktabFocusReason)
@@ -120,49 +153,34 @@ FocusScope {
             color: Theme.t3
             elide: Text.ElideRight
             height: metrics.height
-            text: "Спросите что угодно"
+            objectName: "composerPlaceholder"
+            text: InputMode.placeholder(composer.mode, composer.editingImage)
             visible: edit.length === 0 && edit.preeditText.length === 0
             width: edit.width
             x: Theme.hairline
         }
     }
-    Label {
+    ComposerBar {
+        id: bar
+
         anchors.bottom: parent.bottom
         anchors.bottomMargin: Theme.gap3
         anchors.left: parent.left
-        anchors.leftMargin: composer.inset
-        color: Theme.t3
-        font.pixelSize: Theme.fontSmall
-        height: composer.barHeight
-        opacity: edit.lineCount > 1 || edit.length > 40 ? 1 : 0
-        text: "Shift+Enter — новая строка"
-        visible: composer.width > Theme.px(420)
-
-        Behavior on opacity { NumberAnimation { duration: Theme.calm } }
-    }
-    RoundButton {
-        anchors.bottom: parent.bottom
-        anchors.margins: Theme.gap3
+        anchors.leftMargin: Theme.gap2
         anchors.right: parent.right
-        enabled: composer.canSend
-        objectName: "sendButton"
-        prominent: true
-        symbol: "arrow.up"
-        text: "Отправить"
-        visible: !composer.generating
+        anchors.rightMargin: Theme.gap3
+        canSend: composer.canSend
+        editingImage: composer.editingImage
+        generating: composer.generating
+        hintShown: edit.lineCount > 1 || edit.length > 40
+        mode: composer.mode
 
-        onClicked: composer.submit()
-    }
-    RoundButton {
-        anchors.bottom: parent.bottom
-        anchors.margins: Theme.gap3
-        anchors.right: parent.right
-        objectName: "stopButton"
-        prominent: true
-        symbol: "stop"
-        text: "Остановить ответ"
-        visible: composer.generating
-
-        onClicked: composer.stop()
+        onEditingImageCancelled: composer.editingImageCancelled()
+        onModeChosen: mode => {
+            composer.modeChosen(mode)
+            edit.forceActiveFocus()
+        }
+        onSend: composer.submit()
+        onStop: composer.stop()
     }
 }

@@ -14,8 +14,14 @@ FocusScope {
     readonly property real chatId: chat.activeChatId // qmllint disable
     readonly property bool fresh: chatId < 0 && chat.messages.count === 0
     property real shownChatId: -1
+    property string mode: "none" // of InputMode.js
 
     signal sidebarRequested
+    signal menuRequested(item: Item, x: real, y: real) // of the open chat
+
+    function chooseModel(): void {
+        chat.showingModelSelector = true
+    }
 
     function focusComposer(): void {
         composer.takeFocus()
@@ -38,8 +44,10 @@ FocusScope {
 
     onChatIdChanged: {
         // A new chat that gets its number while its first answer comes is the same conversation.
-        if (!(shownChatId < 0 && chat.isGenerating && list.turnIsHeld))
+        if (!(shownChatId < 0 && chat.isGenerating && list.turnIsHeld)) {
             list.showEnd()
+            mode = "none"
+        }
         shownChatId = chatId
     }
 
@@ -88,12 +96,22 @@ FocusScope {
     ConversationHeader {
         id: header
 
+        choosingModel: view.chat.showingModelSelector
         lined: list.visible && !list.atYBeginning
+        modelName: view.chat.chatModelName
+        models: view.chat.models
         sidebarFolded: view.sidebarFolded
         status: view.chat.connectionStatus
-        title: view.chat.activeChatName.length > 0 ? view.chat.activeChatName : "Новый чат"
+        title: view.chat.activeChatName
         width: parent.width
 
+        onMenuRequested: (item, x, y) => view.menuRequested(item, x, y)
+        onModelChosen: modelId => {
+            view.chat.chooseModel(modelId)
+            view.focusComposer()
+        }
+        onModelsClosed: view.chat.showingModelSelector = false
+        onModelsRequested: view.chat.showingModelSelector = !view.chat.showingModelSelector
         onReconnect: view.chat.reconnect()
         onSidebarRequested: view.sidebarRequested()
     }
@@ -148,9 +166,11 @@ FocusScope {
 
         anchors.horizontalCenter: parent.horizontalCenter
         canSend: view.chat.canSend
+        editingImage: view.chat.pendingEditImageUrl.length > 0
         focus: true
         generating: view.chat.isGenerating
         maximumHeight: Math.max(Theme.px(120), view.height / 2)
+        mode: view.mode
         text: view.chat.currentInput
         width: view.columnWidth
         y: Math.round(middle + (foot - middle) * lowered)
@@ -158,6 +178,9 @@ FocusScope {
         Behavior on lowered { NumberAnimation { duration: Theme.calm; easing.type: Easing.OutCubic } }
 
         onEdited: text => view.chat.currentInput = text
+        onEditingImageCancelled: view.chat.clearPendingEditImage()
+        onModeChosen: mode => view.mode = mode
+        onRecallRequested: composer.recall(view.chat.lastQuestion())
         onSend: view.send()
         onStop: view.chat.stopGeneration()
     }

@@ -13,6 +13,8 @@ PopupMenu {
     signal deletionWanted(real messageId)
     signal retryWanted
 
+    firstIndex: -1 // a selection lives only while nothing else takes the focus
+
     // Beside that place in the row. What is done concerns the message as it is now.
     function openFor(row: MessageRow, x: real, y: real): void {
         const place = row.mapToItem(parent, x, y)

@@ -7,6 +7,7 @@ BaseButton {
 
     property alias symbol: icon.name
     property color color: Theme.t2
+    property real symbolSize: Theme.icon
 
     hint: text
     implicitHeight: Theme.rowHeight
@@ -22,7 +23,7 @@ BaseButton {
 
             anchors.centerIn: parent
             color: control.color
-            size: Theme.icon
+            size: control.symbolSize
         }
     }
 }

@@ -4,8 +4,15 @@ import QtQuick.Templates as T
 T.Menu {
     id: menu
 
+    property int firstIndex: 0 // of the row that has the keyboard when the menu opens; -1: none, the focus stays out
+
+    readonly property FocusReturn focusReturn: FocusReturn {
+        popup: menu
+    }
+
+    closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutsideParent // the button that opened it closes it
     implicitHeight: implicitContentHeight + topPadding + bottomPadding
-    implicitWidth: Theme.px(220)
+    implicitWidth: Theme.px(Theme.menuWidth)
     margins: Theme.gap2
     padding: Theme.gap1
 
@@ -25,6 +32,9 @@ T.Menu {
         interactive: false
         model: menu.contentModel
     }
+    // At once, not after the animation: the first key belongs to the menu.
+    onVisibleChanged: if (visible && firstIndex >= 0) currentIndex = firstIndex
+
     enter: Transition {
         NumberAnimation { duration: Theme.quick; from: 0; property: "opacity"; to: 1 }
     }

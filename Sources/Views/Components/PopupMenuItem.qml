@@ -6,6 +6,10 @@ T.MenuItem {
     id: item
 
     property alias symbol: icon.name
+    property string hint // the key that does the same
+    property bool destructive: false
+
+    readonly property color tint: destructive ? Theme.err : Theme.t1
 
     Accessible.name: text
     font.family: Theme.family
@@ -13,24 +17,37 @@ T.MenuItem {
     implicitHeight: Theme.rowHeight
     implicitWidth: Theme.px(200)
     leftPadding: Theme.gap2
+    rightPadding: Theme.gap2
 
     background: Rectangle {
-        color: item.highlighted || item.hovered ? Theme.sunk : "transparent"
+        color: item.highlighted || item.hovered ? item.destructive ? Theme.errbg : Theme.pick : "transparent"
         radius: Theme.radiusRow
     }
-    contentItem: Row {
-        spacing: Theme.gap2
-
+    contentItem: Item {
         Symbol {
             id: icon
 
             anchors.verticalCenter: parent.verticalCenter
-            color: Theme.t2
+            color: item.destructive ? item.tint : Theme.t2
             size: Theme.icon
         }
         Label {
+            anchors.left: icon.right
+            anchors.leftMargin: Theme.gap2
+            anchors.right: hintLabel.left
             anchors.verticalCenter: parent.verticalCenter
+            color: item.tint
+            elide: Text.ElideRight
             text: item.text
+        }
+        Label {
+            id: hintLabel
+
+            anchors.right: parent.right
+            anchors.verticalCenter: parent.verticalCenter
+            color: Theme.t3
+            font.pixelSize: Theme.fontSmall
+            text: item.hint
         }
     }
 }

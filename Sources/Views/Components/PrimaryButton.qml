@@ -5,6 +5,7 @@ BaseButton {
     id: control
 
     property bool busy: false
+    property bool destructive: false
 
     enabled: !busy
     horizontalPadding: Theme.gap4
@@ -12,7 +13,9 @@ BaseButton {
     radius: Theme.radiusField
 
     background: Rectangle {
-        color: control.down || control.hovered ? Theme.accHover : Theme.acc
+        readonly property bool lit: control.down || control.hovered
+
+        color: control.destructive ? (lit ? Theme.errHover : Theme.err) : lit ? Theme.accHover : Theme.acc
         opacity: control.enabled || control.busy ? 1 : 0.5
         radius: control.radius
     }

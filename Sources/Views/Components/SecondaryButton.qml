@@ -16,7 +16,8 @@ BaseButton {
     }
     contentItem: Item {
         implicitHeight: label.implicitHeight
-        implicitWidth: row.implicitWidth
+        // Of what it would like to show, not of what there is room for.
+        implicitWidth: label.implicitWidth + (control.busy ? spinner.implicitWidth + row.spacing : 0)
 
         Row {
             id: row
@@ -25,6 +26,8 @@ BaseButton {
             spacing: Theme.gap2
 
             Spinner {
+                id: spinner
+
                 anchors.verticalCenter: parent.verticalCenter
                 running: control.busy
             }

@@ -8,6 +8,7 @@ FocusScope {
 
     required property AuthViewModel auth
     required property ChatViewModel chat
+    required property HomeViewModel home
 
     readonly property string screen: !auth.isInitialCheckComplete ? ""
         : auth.isAuthenticated ? "HomeView.qml"
@@ -30,6 +31,19 @@ FocusScope {
 
         anchors.fill: parent
         focus: true
+    }
+    Connections {
+        // Of the main screen.
+        function onSettingsRequested() {
+            root.home.openSettings()
+        }
+        // Of the one without a network.
+        function onRetry() {
+            root.home.retryConnection()
+        }
+
+        ignoreUnknownSignals: true
+        target: screenLoader.item
     }
     Loader {
         active: !root.auth.isInitialCheckComplete || opacity > 0

@@ -7,10 +7,43 @@ FocusScope {
     required property AuthViewModel auth
     required property ChatViewModel chat
 
+    readonly property string module: "qrc:/qt-project.org/imports/Korvi/Views/"
+
+    // What the window's shortcuts do, by their names in the table.
+    readonly property var actions: ({
+        newChat: startChat,
+        quickSwitch: () => quickSwitch.open({ chats: chat.chats, activeChatId: chat.activeChatId }),
+        search: () => {
+            layout.reveal()
+            sidebar.focusSearch()
+        },
+        focusComposer: focusComposer,
+        chooseModel: () => conversation.chooseModel(),
+        settings: openSettings,
+        shortcuts: () => shortcutSheet.open({}),
+    })
+
+    signal settingsRequested
+
     function startChat(): void {
-        layout.close()
+        sidebar.clearSearch()
         chat.createChat()
+        focusComposer()
+    }
+
+    function openChat(chatId: real): void {
+        chat.selectChat(chatId)
+        focusComposer()
+    }
+
+    function focusComposer(): void {
+        layout.close()
         conversation.focusComposer()
+    }
+
+    function openSettings(): void {
+        layout.close()
+        settingsRequested()
     }
 
     focus: true
@@ -24,18 +57,8 @@ FocusScope {
             event.accepted = false
     }
 
-    Shortcut {
-        sequence: "Ctrl+N"
-
-        onActivated: home.startChat()
-    }
-    Shortcut {
-        sequence: "Ctrl+L"
-
-        onActivated: {
-            layout.close()
-            conversation.focusComposer()
-        }
+    ShortcutSet {
+        onActivated: id => home.actions[id]()
     }
     SidebarLayout {
         id: layout
@@ -44,20 +67,28 @@ FocusScope {
         focus: true
 
         sidebar: Sidebar {
+            id: sidebar
+
             activeChatId: home.chat.activeChatId // qmllint disable
             anchors.fill: parent
             chats: home.chat.chats
             displayName: home.auth.displayName
             focus: true
             initials: home.auth.initials
+            menuChatId: chatActions.menuChatId
+            // The chats come before the line is up.
+            loading: home.chat.connectionStatus === "Connecting..."
+            online: loading || home.chat.isConnected
 
-            onChatChosen: chatId => {
-                layout.close()
-                home.chat.selectChat(chatId)
-                conversation.focusComposer()
-            }
-            onLogout: home.auth.logout()
+            onChatChosen: chatId => home.openChat(chatId)
+            onDeleteRequested: (chatId, name) => chatActions.askDeletion(chatId, name)
+            onLogout: logoutDialog.ask()
+            onMenuRequested: (chatId, name, isFavorite, item, x, y) =>
+                chatActions.openMenu(chatId, name, isFavorite, item, x, y)
             onNewChat: home.startChat()
+            onRenameRequested: (chatId, name) => chatActions.askName(chatId, name)
+            onSettingsRequested: home.openSettings()
+            onShortcutsRequested: home.actions.shortcuts()
         }
 
         ConversationView {
@@ -68,7 +99,49 @@ FocusScope {
             focus: true
             sidebarFolded: layout.folded
 
+            onMenuRequested: (item, x, y) => chatActions.openMenu(home.chat.activeChatId, home.chat.activeChatName,
+                home.chat.chats.isFavorite(home.chat.activeChatId), item, x, y)
             onSidebarRequested: layout.toggle()
         }
+    }
+    ChatActions {
+        id: chatActions
+
+        onDeleted: chatId => home.chat.deleteChat(chatId)
+        onFavoriteToggled: chatId => home.chat.toggleFavorite(chatId)
+        onRenamed: (chatId, name) => home.chat.renameChat(chatId, name)
+    }
+    OnDemand {
+        id: quickSwitch
+
+        source: home.module + "QuickSwitch.qml"
+    }
+    Connections {
+        function onChosen(chatId) {
+            home.openChat(chatId)
+        }
+
+        target: quickSwitch.item
+    }
+    OnDemand {
+        id: shortcutSheet
+
+        source: home.module + "ShortcutSheet.qml"
+    }
+    OnDemand {
+        id: logoutDialog
+
+        function ask(): void {
+            open({ title: "Выйти из аккаунта?", message: "Вы уверены, что хотите выйти?", acceptText: "Выйти" })
+        }
+
+        source: home.module + "ConfirmDialog.qml"
+    }
+    Connections {
+        function onAccepted() {
+            home.auth.logout()
+        }
+
+        target: logoutDialog.item
     }
 }

@@ -6,24 +6,24 @@ Window {
 
     required property AuthViewModel auth
     required property ChatViewModel chat
+    required property HomeViewModel home
+    required property AIDataConsent consent
+    required property Onboarding onboarding
+    required property ThemeManager theme
 
-    // What the desktop or the user asked for.
-    property string scheme: "system"
-    property real textSize: 13
-    property bool reducedMotion: false
     property string notice // what is wrong with the place where settings are kept; empty when all is well
 
     color: Theme.bg
     height: 800
     minimumHeight: 480
     minimumWidth: 420
-    title: "Korvi"
+    title: chat.activeChatName.length > 0 ? "%1 — Korvi".arg(chat.activeChatName) : "Korvi"
     visible: true
     width: 1200
 
-    Binding { property: "scheme"; target: Theme; value: window.scheme }
-    Binding { property: "textSize"; target: Theme; value: window.textSize }
-    Binding { property: "reducedMotion"; target: Theme; value: window.reducedMotion }
+    Binding { property: "scheme"; target: Theme; value: window.theme.scheme }
+    Binding { property: "textSize"; target: Theme; value: window.theme.chatFontSize }
+    Binding { property: "reducedMotion"; target: Theme; value: window.theme.reducedMotion }
 
     Loader {
         id: noticeBar
@@ -52,11 +52,22 @@ Window {
         target: noticeBar.item
     }
     ContentView {
+        id: content
+
         anchors.bottom: parent.bottom
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.top: noticeBar.bottom
         auth: window.auth
         chat: window.chat
+        home: window.home
+    }
+    FirstRunSheets {
+        chat: window.chat
+        consent: window.consent
+        onboarding: window.onboarding
+
+        // The screen below may be another one by now.
+        onClosed: content.forceActiveFocus()
     }
 }

@@ -7,6 +7,8 @@ FormPage {
 
     required property AuthViewModel auth
 
+    signal retry
+
     focus: true
 
     Rectangle {
@@ -51,6 +53,6 @@ FormPage {
         text: "Повторить"
         width: Theme.px(160)
 
-        onClicked: view.auth.retryConnection()
+        onClicked: view.retry()
     }
 }

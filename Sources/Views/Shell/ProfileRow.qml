@@ -1,91 +1,112 @@
 import QtQuick
-import Korvi.Views // the types written in C++
 
-BaseButton {
+// Who is signed in, with what concerns them in a menu, and the settings.
+Item {
     id: row
 
     required property string displayName
     required property string initials
 
+    signal settingsRequested
+    signal shortcutsRequested
     signal logout
 
-    Accessible.name: "Профиль: %1".arg(displayName)
-    Accessible.role: Accessible.ButtonMenu
     implicitHeight: Theme.px(48)
-    leftPadding: Theme.gap2
-    objectName: "profileButton"
-    rightPadding: Theme.gap4
-    text: displayName
 
-    background: Rectangle {
-        color: row.down || row.hovered ? Theme.hover : "transparent"
-        radius: row.radius
+    BaseButton {
+        id: profile
+
+        Accessible.name: "Профиль: %1".arg(row.displayName)
+        Accessible.role: Accessible.ButtonMenu
+        anchors.bottom: parent.bottom
+        anchors.left: parent.left
+        anchors.right: gear.left
+        anchors.top: parent.top
+        leftPadding: Theme.gap2
+        objectName: "profileButton"
+        rightPadding: Theme.gap2
+        text: row.displayName
+
+        background: Rectangle {
+            color: profile.down || profile.hovered || menu.item ? Theme.hover : "transparent"
+            radius: profile.radius
+        }
+        contentItem: Item {
+            Rectangle {
+                id: avatar
+
+                anchors.verticalCenter: parent.verticalCenter
+                color: Theme.accbg
+                height: width
+                radius: width / 2
+                width: Theme.px(28)
+
+                Label {
+                    Accessible.ignored: true
+                    anchors.centerIn: parent
+                    color: Theme.acc
+                    font.pixelSize: Theme.fontSmall
+                    font.weight: Font.DemiBold
+                    text: row.initials
+                }
+            }
+            Column {
+                anchors.left: avatar.right
+                anchors.leftMargin: Theme.gap2
+                anchors.right: parent.right
+                anchors.verticalCenter: parent.verticalCenter
+
+                Label {
+                    elide: Text.ElideRight
+                    font.weight: Font.Medium
+                    lineHeight: Theme.px(17)
+                    text: row.displayName
+                    width: parent.width
+                }
+                Label {
+                    color: Theme.t3
+                    elide: Text.ElideRight
+                    font.pixelSize: Theme.fontSmall
+                    lineHeight: Theme.px(14)
+                    text: "Персональный"
+                    width: parent.width
+                }
+            }
+        }
+
+        onClicked: menu.toggle({})
+
+        OnDemand {
+            id: menu
+
+            anchors.fill: parent
+            source: "qrc:/qt-project.org/imports/Korvi/Views/ProfileMenu.qml"
+        }
     }
-    contentItem: Item {
-        Rectangle {
-            id: avatar
-
-            anchors.verticalCenter: parent.verticalCenter
-            color: Theme.accbg
-            height: width
-            radius: width / 2
-            width: Theme.px(28)
-
-            Label {
-                anchors.centerIn: parent
-                color: Theme.acc
-                font.pixelSize: Theme.fontSmall
-                font.weight: Font.DemiBold
-                text: row.initials
-            }
+    Connections {
+        function onLogout() {
+            Qt.callLater(row.logout) // qmllint disable
         }
-        Column {
-            anchors.left: avatar.right
-            anchors.leftMargin: Theme.gap2
-            anchors.right: gear.left
-            anchors.rightMargin: Theme.gap2
-            anchors.verticalCenter: parent.verticalCenter
-
-            Label {
-                elide: Text.ElideRight
-                font.weight: Font.Medium
-                lineHeight: Theme.px(17)
-                text: row.displayName
-                width: parent.width
-            }
-            Label {
-                color: Theme.t3
-                elide: Text.ElideRight
-                font.pixelSize: Theme.fontSmall
-                lineHeight: Theme.px(14)
-                text: "Персональный"
-                width: parent.width
-            }
+        function onSettingsRequested() {
+            row.settingsRequested()
         }
-        Symbol {
-            id: gear
-
-            anchors.right: parent.right
-            anchors.verticalCenter: parent.verticalCenter
-            color: Theme.t2
-            name: "gear"
-            size: Theme.icon
+        function onShortcutsRequested() {
+            Qt.callLater(row.shortcutsRequested) // qmllint disable
         }
+
+        target: menu.item
     }
+    IconButton {
+        id: gear
 
-    onClicked: menu.open()
+        anchors.right: parent.right
+        anchors.rightMargin: Theme.gap1
+        anchors.verticalCenter: parent.verticalCenter
+        hint: "Настройки (Ctrl+,)"
+        objectName: "settingsButton"
+        symbol: "gear"
+        text: "Настройки"
 
-    PopupMenu {
-        id: menu
-
-        y: -implicitHeight - Theme.gap1
-
-        PopupMenuItem {
-            objectName: "logoutItem"
-            symbol: "rectangle.portrait.and.arrow.right"
-            text: "Выйти"
-
-            onTriggered: row.logout()
-        }
+        onClicked: row.settingsRequested()
     }
 }

@@ -7,10 +7,27 @@ FocusScope {
     required property real activeChatId
     required property string displayName
     required property string initials
+    property bool loading: false // chats are on their way
+    property bool online: true
+    property alias menuChatId: list.menuChatId
 
     signal newChat
     signal chatChosen(chatId: real)
+    signal renameRequested(chatId: real, name: string)
+    signal deleteRequested(chatId: real, name: string)
+    signal menuRequested(chatId: real, name: string, isFavorite: bool, item: Item, x: real, y: real)
+    signal settingsRequested
+    signal shortcutsRequested
     signal logout
+
+    function focusSearch(): void {
+        search.forceActiveFocus(Qt.ShortcutFocusReason)
+        search.selectAll()
+    }
+
+    function clearSearch(): void {
+        search.clear()
+    }
 
     Accessible.name: "Чаты"
     Accessible.role: Accessible.Pane
@@ -46,6 +63,7 @@ FocusScope {
     SidebarRow {
         id: newChatRow
 
+        KeyNavigation.down: search
         anchors.top: brand.bottom
         focus: true
         hint: "Ctrl+N"
@@ -57,15 +75,52 @@ FocusScope {
 
         onClicked: sidebar.newChat()
     }
+    SearchField {
+        id: search
+
+        KeyNavigation.up: newChatRow
+        anchors.top: newChatRow.bottom
+        clearText: "Очистить поиск"
+        objectName: "chatSearch"
+        placeholderText: "Поиск по чатам"
+        width: parent.width - Theme.gap2 * 2
+        x: Theme.gap2
+
+        Keys.onDownPressed: {
+            if (list.rows > 0) {
+                list.currentIndex = 0
+                list.forceActiveFocus(Qt.TabFocusReason)
+            }
+        }
+        Keys.onEnterPressed: if (length > 0) list.open(0)
+        Keys.onReturnPressed: if (length > 0) list.open(0)
+    }
     ChatList {
+        id: list
+
         activeChatId: sidebar.activeChatId
         anchors.bottom: profile.top
         anchors.bottomMargin: Theme.gap2
-        anchors.top: newChatRow.bottom
+        anchors.top: search.bottom
         chats: sidebar.chats
+        query: search.text
         width: parent.width
 
         onChosen: chatId => sidebar.chatChosen(chatId)
+        onDeleteRequested: (chatId, name) => sidebar.deleteRequested(chatId, name)
+        onLeftUpwards: search.forceActiveFocus(Qt.TabFocusReason)
+        onMenuRequested: (chatId, name, isFavorite, item, x, y) =>
+            sidebar.menuRequested(chatId, name, isFavorite, item, x, y)
+        onRenameRequested: (chatId, name) => sidebar.renameRequested(chatId, name)
+        onTyped: text => {
+            search.forceActiveFocus(Qt.TabFocusReason)
+            search.insert(search.length, text)
+        }
+    }
+    ChatListNotice {
+        anchors.fill: list
+        kind: list.rows > 0 ? "" : search.length > 0 ? "nothingFound" : !sidebar.online ? "offline"
+            : sidebar.loading ? "loading" : "empty"
     }
     Rectangle {
         anchors.bottom: profile.top
@@ -86,5 +141,7 @@ FocusScope {
         x: Theme.gap2
 
         onLogout: sidebar.logout()
+        onSettingsRequested: sidebar.settingsRequested()
+        onShortcutsRequested: sidebar.shortcutsRequested()
     }
 }

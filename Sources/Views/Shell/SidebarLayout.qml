@@ -17,13 +17,19 @@ FocusScope {
         contentSlot.forceActiveFocus()
     }
 
+    // Brings the sidebar on the screen.
+    function reveal(): void {
+        if (!folded)
+            return
+        open = true
+        sidebarSlot.forceActiveFocus()
+    }
+
     function toggle(): void {
-        if (open) {
+        if (open)
             close()
-        } else if (folded) {
-            open = true
-            sidebarSlot.forceActiveFocus()
-        }
+        else
+            reveal()
     }
 
     onFoldedChanged: open = false

@@ -7,6 +7,7 @@ BaseButton {
     property string symbol
     property string detail // small, at the right end
     property bool selected: false
+    property bool bare: false // only the symbol
 
     horizontalPadding: Theme.gap2
     implicitHeight: Theme.rowHeight
@@ -19,6 +20,7 @@ BaseButton {
         Symbol {
             id: icon
 
+            anchors.horizontalCenter: row.bare ? parent.horizontalCenter : undefined
             anchors.verticalCenter: parent.verticalCenter
             color: Theme.t2
             name: row.symbol
@@ -35,6 +37,7 @@ BaseButton {
             anchors.verticalCenter: parent.verticalCenter
             elide: Text.ElideRight
             text: row.text
+            visible: !row.bare
         }
         Label {
             id: detailLabel

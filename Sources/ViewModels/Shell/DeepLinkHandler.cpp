@@ -1,0 +1,1 @@
+#include "Shell/DeepLinkHandler.h"
