@@ -162,8 +162,10 @@ void AnswerEngine::perform(const SessionRow& session, const CreateFrame& frame) 
     draft.name = titleFor(frame.content);
     draft.mode = frame.mode;
     draft.projectId = frame.projectId;
-    const ChatRow chat = store_.addChat(draft);
-    begin(session, chat, frame.content, true);
+    const auto answer = answerFor(session);
+    answer->createsChat = true;
+    const ChatRow chat = store_.beginChat(draft, *answer, frame.content);
+    start(answer, chat.mode);
     // At once: the client reads the list again when the answer has ended.
     titles_.begin(chat, frame.content);
 }
@@ -175,7 +177,10 @@ void AnswerEngine::perform(const SessionRow& session, const SendFrame& frame) {
     if (!hasRoomFor(session.userId))
         return perform(
             session, BadFrame{frame.chatId, "Слишком много ответов сразу. Дождитесь окончания одного из них."});
-    begin(session, *chat, frame.content, false);
+    const auto answer = answerFor(session);
+    answer->chatId = chat->id;
+    store_.beginAnswer(*answer, frame.content);
+    start(answer, chat->mode);
 }
 
 void AnswerEngine::perform(const SessionRow& session, const AbortFrame& frame) {
@@ -193,25 +198,24 @@ bool AnswerEngine::hasRoomFor(const std::string& userId) const {
     return running_.size() < limits::answersInAll && static_cast<std::size_t>(own) < limits::answersPerUser;
 }
 
-void AnswerEngine::begin(
-    const SessionRow& session, const ChatRow& chat, const nlohmann::json& question, bool createsChat) {
+std::shared_ptr<Answer> AnswerEngine::answerFor(const SessionRow& session) {
     auto answer = std::make_shared<Answer>();
-    answer->chatId = chat.id;
     answer->userId = session.userId;
     answer->sessionId = session.id;
-    answer->createsChat = createsChat;
-    store_.beginAnswer(*answer, question);
+    return answer;
+}
 
-    ProviderRequest request{chat.mode, {}};
-    for (auto& message : store_.history(chat.id))
+void AnswerEngine::start(const std::shared_ptr<Answer>& answer, const std::string& mode) {
+    ProviderRequest request{mode, {}};
+    for (auto& message : store_.history(answer->chatId))
         request.history.push_back({message.role == "user" ? "user" : "assistant", std::move(message.content)});
 
-    sessionFor(session.id, session.userId).outbox->add(answer);
+    sessionFor(answer->sessionId, answer->userId).outbox->add(answer);
     auto& running = running_[answer->messageId];
     running.answer = answer;
     running.stream = provider_.start(
         request, [this, id = answer->messageId](ProviderEvent event) { receive(id, std::move(event)); });
-    wake(session.id);
+    wake(answer->sessionId);
 }
 
 // The life of an answer

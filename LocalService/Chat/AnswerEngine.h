@@ -59,7 +59,8 @@ private:
     void perform(const SessionRow& session, const SendFrame& frame);
     void perform(const SessionRow& session, const AbortFrame& frame);
     void perform(const SessionRow& session, const BadFrame& frame);
-    void begin(const SessionRow& session, const ChatRow& chat, const nlohmann::json& question, bool createsChat);
+    static std::shared_ptr<Answer> answerFor(const SessionRow& session);
+    void start(const std::shared_ptr<Answer>& answer, const std::string& mode);
     bool hasRoomFor(const std::string& userId) const;
 
     void receive(long long messageId, ProviderEvent event);

@@ -29,7 +29,7 @@ using namespace Qt::Literals;
 const QStringList words{u"таблица"_s, u"код"_s, u"формула"_s, u"размышление"_s, u"длинный"_s, u"ошибка"_s,
     u"сортировка"_s, u"привет"_s, u"медленный"_s};
 constexpr qsizetype answersAtOnce = 2; // the service allows a user four, and each has two clients
-constexpr int settleMs = 500;
+constexpr int settleMs = 300;
 
 QJsonArray toJson(const std::vector<ChatMessage>& messages) {
     QJsonArray array;

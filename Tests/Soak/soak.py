@@ -428,8 +428,7 @@ async def soak(options, folder):
             client.tell('rest')
             await client.hear('resting', 60)
         await rest(service, clients, 240)
-        for client in clients:
-            client.before = await client.report(folder / f'{client.short}-before.json')
+        before = await asyncio.gather(*(c.report(folder / f'{c.short}-before.json') for c in clients))
         for client in clients:
             await client.end(signal.SIGKILL)
         await service.end(signal.SIGKILL)
@@ -439,14 +438,13 @@ async def soak(options, folder):
             await client.hear('signed-in', 60)
         await asyncio.sleep(3)
         await rest(service, clients, 240)
-        for client in clients:
-            client.after = await client.report(folder / f'{client.short}-after.json')
+        after = await asyncio.gather(*(c.report(folder / f'{c.short}-after.json') for c in clients))
 
         stored = stored_chats(service)
         judge_stored(verdict, clients, stored)
-        for client in clients:
-            judge_report(verdict, client, stored, 'at rest', client.before)
-            judge_report(verdict, client, stored, 'after a restart', client.after)
+        for client, at_rest, restarted in zip(clients, before, after):
+            judge_report(verdict, client, stored, 'at rest', at_rest)
+            judge_report(verdict, client, stored, 'after a restart', restarted)
         print_table(verdict, clients)
         for fault in verdict.faults[:60]:
             print('  ' + fault)
