@@ -276,6 +276,46 @@ TEST_F(ChatViewModelTest, AQuestionThatIsCachedAlreadyIsNotAskedAgainByTheNextCl
     EXPECT_EQ(cache.getCachedMessages(1)->size(), 4U);
 }
 
+TEST_F(ChatViewModelTest, ARefusedQuestionReturnsIntoTheComposer) {
+    ask(u"a"_s);
+    error(u"Слишком много ответов сразу."_s);
+    EXPECT_EQ(chat.currentInput(), u"a"_s);
+    EXPECT_TRUE(shown().isEmpty());
+    EXPECT_FALSE(chat.isGenerating());
+    EXPECT_EQ(chat.generationError(), u"Слишком много ответов сразу."_s);
+
+    chat.sendMessage();
+    created(1);
+    chunk(u"A"_s);
+    end();
+    const auto stored = [this](const QString& more) {
+        http.answer(u"/chats/1/messages"_s,
+            uR"({"data":[
+                {"id":1,"createdAt":"c","chatId":1,"role":"user","usageTokens":0,"content":[{"type":"text","text":"a"}]},
+                {"id":2,"createdAt":"c","chatId":1,"role":"ai","usageTokens":0,"content":[{"type":"text","text":"A"}]}%1]})"_s
+                .arg(more)
+                .toUtf8());
+    };
+    ask(u"b"_s);
+    error(u"Слишком много ответов сразу."_s, 1);
+    EXPECT_TRUE(chat.isGenerating()) << "it is not known yet what became of it";
+    stored({});
+    http.open(u"/chats/1/messages"_s).answer(R"({"data":[]})");
+    EXPECT_EQ(chat.currentInput(), u"b"_s);
+    EXPECT_FALSE(chat.isGenerating());
+    EXPECT_THAT(shown(), ElementsAre(u"user: a"_s, u"ai: A"_s));
+
+    // An answer that failed before its first word is something else: the service has the question.
+    stored(uR"(,
+        {"id":3,"createdAt":"c","chatId":1,"role":"user","usageTokens":0,"content":[{"type":"text","text":"b"}]},
+        {"id":4,"createdAt":"c","chatId":1,"role":"ai","usageTokens":0,"content":[]})"_s);
+    chat.sendMessage();
+    error(u"Модель недоступна."_s, 1);
+    EXPECT_EQ(chat.currentInput(), QString());
+    EXPECT_FALSE(chat.isGenerating());
+    EXPECT_THAT(shown(), ElementsAre(u"user: a"_s, u"ai: A"_s, u"user: b"_s, u"ai: "_s));
+}
+
 TEST_F(ChatViewModelTest, AnotherUserFindsNothing) {
     ask(u"a"_s);
     created(1);
