@@ -2,6 +2,7 @@
 
 #include "Chat/Frames.h"
 #include "Core/Limits.h"
+#include "Core/Log.h"
 #include "Core/Time.h"
 
 #include <algorithm>
@@ -310,14 +311,23 @@ std::string AnswerEngine::createFrame(const Answer& answer) {
     return chat ? frames::create(chat->toJson()) : std::string();
 }
 
+// That something has arrived need not be stored: after a restart it is sent once more. No reason to end a connection.
 void AnswerEngine::confirmed(const Answer& answer) {
-    if (answer.messageId != 0)
-        store_.storeConfirmation(answer);
+    try {
+        if (answer.messageId != 0)
+            store_.storeConfirmation(answer);
+    } catch (const StoreError& error) {
+        logLine(error.what());
+    }
 }
 
 void AnswerEngine::delivered(const Answer& answer) {
-    if (answer.messageId != 0)
-        store_.forgetPieces(answer);
+    try {
+        if (answer.messageId != 0)
+            store_.forgetPieces(answer);
+    } catch (const StoreError& error) {
+        logLine(error.what());
+    }
 }
 
 // What has been removed
