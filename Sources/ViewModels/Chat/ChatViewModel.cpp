@@ -9,6 +9,8 @@
 #include "Match.h"
 #include "NotificationCenter.h"
 
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QPointer>
 
 namespace Korvi {
@@ -22,6 +24,7 @@ namespace {
 constexpr auto slowHint = u"Это может занять время...";
 const auto ownerKey = u"conversationsOwner"_s; // whose lists are cached
 const auto draftKey = u"composerDraft"_s;
+const auto leftInputsKey = u"leftComposerInputs"_s;
 
 }
 
@@ -54,7 +57,8 @@ ChatViewModel::ChatViewModel(Dependencies dependencies, QObject* parent)
     });
     connect(&m_stream, &AnswerStream::waitingEnded, this, [this](qint64 chatId) {
         if (chatId > 0)
-            m_scope.start([this, chatId] { return loadMessages(chatId); });
+            m_scope.start(
+                [this, chatId] { return chatId == activeChatId() ? loadMessages(chatId) : verifyMessages(chatId); });
     });
     connect(&m_directory, &ChatDirectory::chatChanged, this, [this](const Chat& chat) {
         if (m_activeChat && m_activeChat->id == chat.id && *m_activeChat != chat)
@@ -80,12 +84,16 @@ void ChatViewModel::restore(const QString& userId) {
         m_dependencies.cache.clearAll();
         m_stream.forgetJournal();
         defaults.remove(draftKey);
+        defaults.remove(leftInputsKey);
         defaults.setString(ownerKey, userId);
     }
     m_directory.loadCached();
     m_stream.restore();
     if (m_currentInput.isEmpty())
         setCurrentInput(defaults.string(draftKey).value_or(QString()));
+    const QJsonObject left = QJsonDocument::fromJson(defaults.data(leftInputsKey).value_or(QByteArray())).object();
+    for (auto it = left.begin(); it != left.end(); ++it)
+        m_leftInputs.insert(it.key().toLongLong(), it.value().toString());
 }
 
 Task<void> ChatViewModel::loadData() {
@@ -176,6 +184,13 @@ void ChatViewModel::saveDraft() {
         m_dependencies.defaults.setString(draftKey, m_currentInput);
 }
 
+void ChatViewModel::saveLeftInputs() {
+    QJsonObject left;
+    for (auto it = m_leftInputs.begin(); it != m_leftInputs.end(); ++it)
+        left.insert(QString::number(it.key()), it.value());
+    m_dependencies.defaults.setData(leftInputsKey, QJsonDocument(left).toJson(QJsonDocument::Compact));
+}
+
 bool ChatViewModel::canSend() const {
     return m_pendingEditImageUrl || !m_currentInput.trimmed().isEmpty();
 }
@@ -211,8 +226,10 @@ QString ChatViewModel::lastQuestion() const {
 // Which conversation is open
 
 void ChatViewModel::createChat() {
-    if (m_activeChat && !m_currentInput.isEmpty())
+    if (m_activeChat && !m_currentInput.isEmpty()) {
         m_leftInputs.insert(m_activeChat->id, m_currentInput);
+        saveLeftInputs();
+    }
     openConversation(std::nullopt);
     setCurrentInput({});
     setPendingEditImage(std::nullopt);
@@ -234,8 +251,11 @@ void ChatViewModel::selectChat(qint64 chatId) {
     if (activeChatId() != chatId) {
         const QString mode = chat->mode;
         openConversation(*chat);
-        if (const QString left = m_leftInputs.take(chatId); m_currentInput.isEmpty())
-            setCurrentInput(left);
+        if (m_currentInput.isEmpty() && m_leftInputs.contains(chatId)) {
+            setCurrentInput(m_leftInputs.take(chatId));
+            saveDraft();
+            saveLeftInputs();
+        }
         if (ModelCatalogue::find(mode))
             selectModel(mode);
         else
@@ -281,7 +301,9 @@ Task<void> ChatViewModel::loadMessages(qint64 chatId) {
         qCWarning(lcChat).noquote() << "❌ [ChatViewModel] Error loading messages:" << error.what();
         co_return;
     }
-    if (activeChatId() != chatId || m_stream.isUnderWay(chatId)) {
+    if (activeChatId() != chatId)
+        co_return;
+    if (m_stream.isUnderWay(chatId)) {
         qCInfo(lcChat) << "⏳ [ChatViewModel] Skipping message refresh — streaming in progress";
         m_dependencies.cache.cacheMessages(messages, chatId);
         m_stream.noteMissingHistory(chatId);

@@ -171,6 +171,7 @@ private:
     void showError(const QString& message);
     void restartHintTimer();
     void saveDraft();
+    void saveLeftInputs();
 
     Dependencies m_dependencies;
     std::optional<User> m_user;
