@@ -95,7 +95,7 @@ T.Popup {
             implicitHeight: Math.max(Theme.tallRowHeight, implicitContentHeight + Theme.gap2 * 2)
             objectName: "model." + modelId
             text: name
-            width: list.width
+            width: list.width - (list.contentHeight > list.height ? Theme.gap2 : 0) // the bar stands beside the rows
 
             background: Rectangle {
                 color: row.ListView.isCurrentItem ? Theme.pick : row.hovered ? Theme.hover : "transparent"
