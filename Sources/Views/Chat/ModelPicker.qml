@@ -103,6 +103,7 @@ T.Popup {
             }
             contentItem: TitledRow {
                 checked: row.isSelected
+                lit: row.ListView.isCurrentItem
                 subtitle: row.description
                 symbol: row.iconName
                 title: row.name

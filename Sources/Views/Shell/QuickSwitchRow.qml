@@ -31,7 +31,7 @@ BaseButton {
 
             anchors.right: parent.right
             anchors.verticalCenter: parent.verticalCenter
-            color: Theme.t3
+            color: row.current ? Theme.t2 : Theme.t3
             font.pixelSize: Theme.fontSmall
             text: row.detail
         }
