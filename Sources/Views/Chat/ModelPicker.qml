@@ -98,7 +98,7 @@ T.Popup {
             width: list.width - (list.contentHeight > list.height ? Theme.gap2 : 0) // the bar stands beside the rows
 
             background: Rectangle {
-                color: row.ListView.isCurrentItem ? Theme.pick : row.hovered ? Theme.hover : "transparent"
+                color: row.ListView.isCurrentItem ? Theme.pick : "transparent"
                 radius: row.radius
             }
             contentItem: TitledRow {
@@ -124,6 +124,10 @@ T.Popup {
             verticalAlignment: Text.AlignBottom
         }
         // qmllint enable unqualified
+
+        PointerChoice {
+            list: list
+        }
 
         Keys.onEnterPressed: picker.choose(currentItem)
         Keys.onPressed: event => {

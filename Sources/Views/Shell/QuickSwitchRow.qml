@@ -14,7 +14,7 @@ BaseButton {
     implicitHeight: Theme.buttonHeight
 
     background: Rectangle {
-        color: row.current ? Theme.pick : row.hovered ? Theme.hover : "transparent"
+        color: row.current ? Theme.pick : "transparent"
         radius: row.radius
     }
     contentItem: Item {
