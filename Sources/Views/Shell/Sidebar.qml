@@ -63,10 +63,11 @@ FocusScope {
     SidebarRow {
         id: newChatRow
 
+        Accessible.description: "Ctrl+N"
         KeyNavigation.down: search
         anchors.top: brand.bottom
         focus: true
-        hint: "Ctrl+N"
+        detail: hovered || visualFocus ? "Ctrl+N" : ""
         objectName: "newChatButton"
         symbol: "bubble.plus"
         text: "Новый чат"
