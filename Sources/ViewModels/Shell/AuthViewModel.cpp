@@ -229,8 +229,10 @@ Task<void> AuthViewModel::refreshUserData() {
     if (!m_isAuthenticated)
         co_return;
     try {
-        std::optional<User> user = co_await m_dependencies.users.getSelf();
-        setUser(std::move(user));
+        User user = co_await m_dependencies.users.getSelf();
+        // Who has left meanwhile does not come back with it.
+        if (m_user && m_user->id == user.id)
+            setUser(std::move(user));
     } catch (const std::exception& error) {
         qCWarning(lcAuth).noquote() << "⚠️ [AuthViewModel] Failed to refresh user data:" << error.what();
     }
