@@ -68,7 +68,7 @@ FocusScope {
         focus: true
         hint: "Ctrl+N"
         objectName: "newChatButton"
-        symbol: "bubble.plus"
+        symbol: "plus.message"
         text: "Новый чат"
         width: parent.width - Theme.gap2 * 2
         x: Theme.gap2
