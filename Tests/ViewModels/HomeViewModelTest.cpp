@@ -111,6 +111,19 @@ TEST_F(HomeTest, AReturningNetworkLoadsAnewOnTheMainScreenOnly) {
     EXPECT_EQ(userRequests(), askedForTheUser + 1) << "the sign-in form waits for the user, not for the network";
 }
 
+TEST_F(HomeTest, AReturningNetworkBuildsTheSocketAnewWhileRestoredAnswersAreStillCompared) {
+    defaults.setString(u"conversationsOwner"_s, u"u1"_s);
+    defaults.setData(u"endedGenerations"_s,
+        R"([{"chatId":7,"textHead":"Ответ","thinkingTail":"","at":)" +
+            QByteArray::number(virtualTime.now().toMSecsSinceEpoch()) + "}]");
+    http.hold(u"/chats/7/messages"_s);
+    auth.start();
+    sockets.accept();
+    ASSERT_TRUE(http.hasOpen(u"/chats/7/messages"_s));
+    networkReturns();
+    EXPECT_EQ(sockets.count(), 2U);
+}
+
 TEST_F(HomeTest, AChatAskedForFromOutsideOpensAtOnceOrWithTheMainScreen) {
     deepLinks.setPendingChatId(7);
     EXPECT_EQ(deepLinks.pendingChatId(), 7);

@@ -94,7 +94,7 @@ Task<void> ChatViewModel::loadData() {
     connectToService();
     // What ended just before the last end of the client may not have been compared with what is stored.
     for (const qint64 chatId : m_stream.takeRestoredEnds())
-        co_await verifyMessages(chatId);
+        m_scope.start([this, chatId] { return verifyMessages(chatId); });
 }
 
 Task<void> ChatViewModel::fetchCurrentUser() {
