@@ -132,6 +132,8 @@ void ChatViewModel::organizationChanged() {
     setActiveChat(std::nullopt);
     setCurrentInput({});
     m_leftInputs.clear();
+    m_activeProjectId.reset();
+    m_activeProjectName.reset();
     m_dependencies.cache.clearAll();
     m_dependencies.chatService.disconnect();
     m_scope.start([this]() -> Task<void> {
@@ -268,6 +270,7 @@ void ChatViewModel::setActiveChat(std::optional<Chat> chat) {
 }
 
 Task<void> ChatViewModel::loadMessages(qint64 chatId) {
+    const QString organization = m_dependencies.cache.currentOrgSuffix();
     quint64 turn = 0;
     std::vector<ChatMessage> messages;
     try {
@@ -281,8 +284,11 @@ Task<void> ChatViewModel::loadMessages(qint64 chatId) {
         qCWarning(lcChat).noquote() << "❌ [ChatViewModel] Error loading messages:" << error.what();
         co_return;
     }
+    if (organization != m_dependencies.cache.currentOrgSuffix())
+        co_return;
     if (activeChatId() != chatId || m_stream.isUnderWay(chatId)) {
-        qCInfo(lcChat) << "⏳ [ChatViewModel] Skipping message refresh — streaming in progress";
+        if (activeChatId() == chatId)
+            qCInfo(lcChat) << "⏳ [ChatViewModel] Skipping message refresh — streaming in progress";
         m_dependencies.cache.cacheMessages(messages, chatId);
         m_stream.noteMissingHistory(chatId);
         co_return;
@@ -292,8 +298,11 @@ Task<void> ChatViewModel::loadMessages(qint64 chatId) {
 
 // Compares an answer that came over several lines with what is stored. A list that lacks the answer is too early.
 Task<void> ChatViewModel::verifyMessages(qint64 chatId) {
+    const QString organization = m_dependencies.cache.currentOrgSuffix();
     try {
         std::vector<ChatMessage> messages = co_await m_dependencies.chatService.getMessages(chatId);
+        if (organization != m_dependencies.cache.currentOrgSuffix())
+            co_return;
         const bool isOpen = activeChatId() == chatId;
         const auto known = isOpen ? MessageComposition::lastQuestion(m_messages.messages()) : std::nullopt;
         const bool isComplete = !messages.empty() && MessageComposition::isAnswer(messages.back()) &&
