@@ -241,7 +241,8 @@ void ChatViewModel::selectChat(qint64 chatId) {
         if (ModelCatalogue::find(mode))
             selectModel(mode);
         else
-            qCWarning(lcChat) << "⚠️ [ChatViewModel] Chat mode '" << mode << "' is not in the catalogue";
+            qCWarning(lcChat).noquote().nospace()
+                << "⚠️ [ChatViewModel] Chat mode '" << mode << "' is not in the catalogue";
     }
     m_scope.start([this, chatId] { return loadMessages(chatId); });
 }
