@@ -399,7 +399,6 @@ void ChatViewModel::send(const QString& text, const std::optional<QString>& edit
         .projectId = m_activeProjectId});
     if (chatId > 0 && m_loadedChatId != chatId)
         m_stream.noteMissingHistory(chatId);
-    restartHintTimer();
 }
 
 void ChatViewModel::stopGeneration() {
@@ -512,6 +511,9 @@ void ChatViewModel::answerStateChanged() {
     if (!m_isGenerating) {
         m_hintTimer.cancel();
         m_generationHint = QString();
+    } else if (!m_hintTimer.isActive() && m_generationHint.value().isEmpty()) {
+        m_hintTimer =
+            m_dependencies.scheduler.after(hintDelay, [this] { m_generationHint = QStringView(slowHint).toString(); });
     }
 }
 
@@ -525,13 +527,6 @@ void ChatViewModel::dismissError() {
 void ChatViewModel::showError(const QString& message) {
     m_generationError = message;
     m_bannerTimer = m_dependencies.scheduler.after(bannerTime, [this] { dismissError(); });
-}
-
-void ChatViewModel::restartHintTimer() {
-    m_hintTimer = m_dependencies.scheduler.after(hintDelay, [this] {
-        if (m_isGenerating)
-            m_generationHint = QStringView(slowHint).toString();
-    });
 }
 
 }

@@ -169,7 +169,6 @@ private:
     void answerStateChanged();
     void takeBackQuestion(const QString& text);
     void showError(const QString& message);
-    void restartHintTimer();
     void saveDraft();
 
     Dependencies m_dependencies;
