@@ -422,7 +422,7 @@ void ChatViewModel::retryLastMessage() {
     if (m_isGenerating)
         return;
     const auto again = MessageComposition::lastQuestion(m_messages.messages());
-    if (!again) {
+    if (!again || again->isEmpty()) {
         qCWarning(lcChat) << "❌ [ChatViewModel] retryLastMessage: no user message found";
         return;
     }
@@ -488,6 +488,7 @@ void ChatViewModel::failed(const SocketEvent::Error& error) {
     const Chat* chat = ending && !ending->wasOpen ? m_directory.find(ending->chatId) : nullptr;
     // The banner stands in the open conversation: of another one it says so.
     showError(chat ? u"«%1»: %2"_s.arg(chat->name, error.message) : error.message);
+    m_canRetryError = ending && ending->wasOpen && !m_isGenerating;
 }
 
 void ChatViewModel::streamEnded() {
@@ -522,10 +523,12 @@ void ChatViewModel::answerStateChanged() {
 void ChatViewModel::dismissError() {
     m_bannerTimer.cancel();
     m_generationError = QString();
+    m_canRetryError = false;
 }
 
 void ChatViewModel::showError(const QString& message) {
     m_generationError = message;
+    m_canRetryError = false;
     m_bannerTimer = m_dependencies.scheduler.after(bannerTime, [this] { dismissError(); });
 }
 
