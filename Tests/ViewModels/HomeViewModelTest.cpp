@@ -88,6 +88,8 @@ TEST_F(HomeTest, AReturningNetworkBringsTheUserBackWithoutANewSignIn) {
     EXPECT_TRUE(auth.isAuthenticated());
     EXPECT_TRUE(slow.isCancelled) << "its failure would throw the user out again";
     EXPECT_EQ(token(), "tok");
+    auth.logout();
+    EXPECT_FALSE(auth.hasNetworkError()) << "leaving leads to the sign-in form";
 }
 
 TEST_F(HomeTest, AReturningNetworkLoadsAnewOnTheMainScreenOnly) {

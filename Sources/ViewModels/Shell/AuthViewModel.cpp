@@ -247,6 +247,7 @@ void AuthViewModel::logout() {
     m_waitingProvider = QString();
     m_dependencies.disconnectChat();
     setUser(std::nullopt);
+    m_hasNetworkError = false; // of a check long ago: the way leads to the sign-in form
     m_isAuthenticated = false;
     m_errorMessage = QString();
     m_isEnterCodeStep = false;
