@@ -25,7 +25,7 @@ QString dataPath(const QString& file) {
 
 }
 
-KorviApp::KorviApp(QObject* parent)
+KorviApp::KorviApp(std::unique_ptr<PathMonitor> paths, QObject* parent)
     : QObject(parent)
     , m_info(Info::fromFile(infoPath()))
     , m_defaults(dataPath(u"korvi/defaults.sqlite"_s))
@@ -40,8 +40,8 @@ KorviApp::KorviApp(QObject* parent)
     , m_cache(m_defaults, m_clock)
     , m_auth({m_client, m_authentication, m_users, m_social, m_scheduler, [this] { m_home.forgetConversations(); }})
     , m_chat({m_chatService, m_users, m_cache, m_defaults, m_scheduler, m_clock, m_random, m_notifications})
-    , m_paths(QUrl(m_client.baseURL()))
-    , m_network(m_paths, m_notifications)
+    , m_paths(paths ? std::move(paths) : std::make_unique<RoutePathMonitor>(QUrl(m_client.baseURL())))
+    , m_network(*m_paths, m_notifications)
     , m_consent(m_defaults)
     , m_onboarding(m_defaults, [this] { return m_auth.isAuthenticated(); })
     , m_home({m_auth, m_chat, m_chatService, m_notifications, m_deepLinks, m_onboarding})

@@ -39,7 +39,8 @@ class KorviApp : public QObject {
     Q_OBJECT
 
 public:
-    explicit KorviApp(QObject* parent = nullptr);
+    // `paths` stands in for the machine's network; null for the real one.
+    explicit KorviApp(std::unique_ptr<PathMonitor> paths = nullptr, QObject* parent = nullptr);
 
     // Shows the window and starts the first check of the stored token. False when the window cannot be made.
     bool start();
@@ -77,7 +78,7 @@ private:
     DataCacheManager m_cache;
     AuthViewModel m_auth;
     ChatViewModel m_chat;
-    RoutePathMonitor m_paths;
+    std::unique_ptr<PathMonitor> m_paths;
     NetworkMonitor m_network;
     DeepLinkHandler m_deepLinks;
     AIDataConsent m_consent;

@@ -37,6 +37,17 @@ protected:
         return messages->data(messages->index(messages->count() - 1), role).toString();
     }
 
+    // Through the quick switch, which names the other chats.
+    bool openOther() {
+        const qint64 before = m_person.chat().activeChatId();
+        m_person.press(Qt::Key_K, Qt::ControlModifier);
+        if (!waitFor([this] { return m_person.focus() == u"quickSwitchField"_s; }))
+            return false;
+        m_person.press(Qt::Key_Return);
+        return waitFor(
+            [this, before] { return m_person.chat().activeChatId() != before && m_person.focus() == u"composer"_s; });
+    }
+
     // Everything that was said, in the three places.
     void expectTheSameEverywhere(const QStringList& questions) {
         const auto stored = m_service.messages();
@@ -188,6 +199,106 @@ TEST_F(Conversation, ARestartedClientIsSignedInAndOpensItsChat) {
     m_person.chat().selectChat(m_person.chat().chats()->chats().front().id);
     ASSERT_TRUE(waitFor([this] { return m_person.chat().messages()->count() == 2; }));
     expectTheSameEverywhere({question});
+}
+
+// By keyboard alone: a question in one chat, another one in a new chat while the first is answered, back and forth.
+TEST_F(Conversation, TwoChatsAnswerInTurnAndKeepTheirWordsApart) {
+    start({u"--demo-delay-ms"_s, u"10"_s});
+    m_person.ask(u"Длинный ответ про горы"_s);
+    ASSERT_TRUE(answerGrowsBeyond(200));
+    m_person.press(Qt::Key_N, Qt::ControlModifier);
+    EXPECT_EQ(m_person.chat().messages()->count(), 0);
+    m_person.ask(u"Таблица рек"_s);
+    ASSERT_TRUE(m_person.chat().isGenerating());
+    EXPECT_EQ(modelAnswer(), QString()); // the first is still being told
+    ASSERT_TRUE(openOther());
+    EXPECT_TRUE(m_person.chat().isGenerating());
+    ASSERT_TRUE(answerGrowsBeyond(400));
+    ASSERT_TRUE(answerEnds());
+    const QString first = modelAnswer();
+    ASSERT_TRUE(waitFor([this] { return m_person.chat().chats()->count() == 2; }));
+    ASSERT_TRUE(openOther());
+    ASSERT_TRUE(answerEnds());
+    ASSERT_TRUE(waitFor([this] { return modelAnswer() == m_service.messages().at(3).text; }));
+    EXPECT_EQ(first, m_service.messages().at(1).text);
+    EXPECT_NE(first, modelAnswer());
+    EXPECT_EQ(m_person.readQuestions().last(), u"Таблица рек"_s);
+}
+
+TEST_F(Conversation, ANetworkThatGoesAndComesBackBringsTheAnswerOn) {
+    start({u"--demo-delay-ms"_s, u"10"_s});
+    m_person.ask(question);
+    ASSERT_TRUE(answerGrowsBeyond(200));
+    m_person.setNetwork(true); // it was there
+    m_person.setNetwork(false);
+    m_proxy.holdDown();
+    m_proxy.cut();
+    ASSERT_TRUE(waitFor([this] { return !m_person.chat().isConnected(); }));
+    m_person.chat().reconnect(); // in vain: the next attempt would be some time away
+    settle();
+    const int before = m_proxy.connections();
+    m_proxy.restore();
+    m_person.setNetwork(true);
+    ASSERT_TRUE(waitFor([this] { return m_person.chat().isConnected(); }, std::chrono::seconds(2)));
+    EXPECT_GT(m_proxy.connections(), before);
+    ASSERT_TRUE(answerEnds());
+    expectTheSameEverywhere({question});
+}
+
+TEST_F(Conversation, AClientThatIsStartedAgainInMidAnswerGoesOn) {
+    start({u"--demo-delay-ms"_s, u"20"_s});
+    m_person.ask(question);
+    ASSERT_TRUE(answerGrowsBeyond(200));
+    m_person.quitClient();
+    m_person.startClient();
+    ASSERT_TRUE(waitFor([this] { return m_person.chat().chats()->count() == 1; }));
+    m_person.chat().selectChat(m_person.chat().chats()->chats().front().id);
+    EXPECT_TRUE(m_person.chat().isGenerating());
+    ASSERT_TRUE(waitFor([this] { return modelAnswer().size() > 10; }));
+    ASSERT_TRUE(answerEnds());
+    ASSERT_TRUE(waitFor(
+        [this] { return modelAnswer(MessageListModel::ThinkingRole) == m_service.messages().back().thinking; }));
+    expectTheSameEverywhere({question});
+}
+
+TEST_F(Conversation, AQuestionTypedOfflineOutlivesTheClient) {
+    start({u"--demo-delay-ms"_s, u"1"_s});
+    m_proxy.holdDown();
+    m_proxy.cut();
+    ASSERT_TRUE(waitFor([this] { return !m_person.chat().isConnected(); }));
+    m_person.ask(u"Дойдёт?"_s);
+    settle();
+    m_person.quitClient();
+    m_proxy.restore();
+    m_person.startClient();
+    ASSERT_TRUE(waitFor([this] { return m_service.messages().size() == 2; }));
+    ASSERT_TRUE(waitFor([this] { return m_person.chat().chats()->count() == 1; }));
+    m_person.chat().selectChat(m_person.chat().chats()->chats().front().id);
+    ASSERT_TRUE(answerEnds());
+    expectTheSameEverywhere({u"Дойдёт?"_s});
+}
+
+// The list is there before the service has said a word, and any of its chats a few keys away.
+TEST_F(Conversation, TwoThousandChatsAreThereAtOnce) {
+    m_service.start({u"--demo-delay-ms"_s, u"1"_s});
+    m_proxy.setServicePort(m_service.port());
+    m_person.startClient();
+    ASSERT_TRUE(m_person.signIn(u"user@example.com"_s, [this] { return m_service.code(); }));
+    m_service.addChats(2000);
+    m_person.quitClient();
+    m_person.startClient(); // fetches and caches them
+    ASSERT_TRUE(waitFor([this] { return m_person.chat().chats()->count() == 2000; }));
+    m_person.quitClient();
+
+    m_person.startClient();
+    EXPECT_EQ(m_person.chat().chats()->count(), 2000); // with the first sight of the main screen
+    ASSERT_TRUE(waitFor([this] { return m_person.focus() == u"composer"_s; }));
+    m_person.press(Qt::Key_K, Qt::ControlModifier);
+    ASSERT_TRUE(waitFor([this] { return m_person.focus() == u"quickSwitchField"_s; }))
+        << m_person.focus().toStdString();
+    m_person.type(u"беседа 1234"_s);
+    m_person.press(Qt::Key_Return);
+    ASSERT_TRUE(waitFor([this] { return m_person.chat().activeChatName() == u"Беседа 1234"_s; }));
 }
 
 }

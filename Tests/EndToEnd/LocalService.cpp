@@ -62,15 +62,26 @@ QString LocalService::code() const {
 }
 
 void LocalService::forgetSessions() {
+    execute(u"DELETE FROM sessions"_s);
+}
+
+void LocalService::addChats(int count) {
+    execute(u"INSERT INTO chats(user_id, name, mode, created_at, updated_at) "
+            "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < %1) "
+            "SELECT (SELECT id FROM users), 'Беседа ' || i, 'aiplus', '2026-01-01T00:00:00.000Z', "
+            "'2026-01-01T00:00:00.' || printf('%03d', i % 1000) || 'Z' FROM n"_s.arg(count));
+}
+
+void LocalService::execute(const QString& statement) {
     {
-        QSqlDatabase database = QSqlDatabase::addDatabase(u"QSQLITE"_s, u"forget"_s);
+        QSqlDatabase database = QSqlDatabase::addDatabase(u"QSQLITE"_s, u"change"_s);
         database.setDatabaseName(m_folder.filePath(u"korvi.db"_s));
         database.setConnectOptions(u"QSQLITE_BUSY_TIMEOUT=5000"_s);
-        if (!database.open() || !QSqlQuery(database).exec(u"DELETE FROM sessions"_s))
-            throw std::runtime_error("the sessions could not be removed");
+        if (!database.open() || !QSqlQuery(database).exec(statement))
+            throw std::runtime_error("the database could not be changed");
         database.close();
     }
-    QSqlDatabase::removeDatabase(u"forget"_s);
+    QSqlDatabase::removeDatabase(u"change"_s);
 }
 
 void LocalService::readConsole() {

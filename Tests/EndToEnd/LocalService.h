@@ -29,9 +29,12 @@ public:
     std::vector<Message> messages() const;
     // Every token is dead from now on.
     void forgetSessions();
+    // Empty ones, "Беседа 1" and so on, of the only user.
+    void addChats(int count);
 
 private:
     void readConsole();
+    void execute(const QString& statement);
 
     QTemporaryDir m_folder;
     std::unique_ptr<QProcess> m_process;

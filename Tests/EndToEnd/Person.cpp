@@ -27,12 +27,18 @@ Person::Person(quint16 port, QJsonObject info, Acquaintance acquaintance) {
 }
 
 void Person::startClient() {
-    m_app = std::make_unique<KorviApp>();
+    auto paths = std::make_unique<FakePaths>();
+    m_paths = paths.get();
+    m_app = std::make_unique<KorviApp>(std::move(paths));
     if (!m_app->start())
         throw std::runtime_error("the window could not be made");
     waitFor([this] { return m_app->auth().isInitialCheckComplete() && window()->isExposed(); });
     window()->requestActivate();
     waitFor([this] { return window()->isActive(); });
+}
+
+void Person::setNetwork(bool isThere) {
+    m_paths->change({.isSatisfied = isThere, .interfaces = {NetworkPath::Interface::wifi}});
 }
 
 void Person::quitClient() {

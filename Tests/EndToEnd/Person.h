@@ -1,5 +1,6 @@
 #pragma once
 
+#include "FakePaths.h"
 #include "KorviApp.h"
 
 #include <QQuickItem>
@@ -19,6 +20,8 @@ public:
     explicit Person(quint16 port, QJsonObject info = {}, Acquaintance acquaintance = Acquaintance::isOld);
 
     void startClient();
+    // The machine's network, as far as the client knows.
+    void setNetwork(bool isThere);
     void quitClient();
 
     // Signs in with the code that `code` gives; false when the keyboard does not get to the item that the main screen
@@ -48,6 +51,7 @@ private:
     QQuickWindow* window() const; // the one in front
 
     QTemporaryDir m_home;
+    FakePaths* m_paths = nullptr; // the client's
     std::unique_ptr<KorviApp> m_app;
 };
 
