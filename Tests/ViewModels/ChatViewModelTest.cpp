@@ -1,15 +1,6 @@
-#include "Chat/ChatViewModel.h"
-#include "Backend.h"
-#include "Backend/UsersService.h"
-#include "Cache/DataCacheManager.h"
-#include "Chat/ChatService.h"
-#include "FakeRandom.h"
-#include "FakeSocket.h"
+#include "ChatViewModelFixture.h"
 
-#include <QJsonArray>
 #include <QSignalSpy>
-
-#include <gmock/gmock.h>
 
 namespace Korvi::Test {
 namespace {
@@ -18,66 +9,12 @@ using namespace Qt::Literals;
 using namespace std::chrono_literals;
 using testing::ElementsAre;
 
-class ChatViewModelTest : public testing::Test, public Backend {
-protected:
-    ChatViewModelTest() {
-        signIn("tok");
-        http.answer(u"/sockets/ticket"_s, R"({"ticket":"t"})");
-        chat.connectToService();
-        service.accept();
-    }
-
-    static QString frame(const QString& event, const QJsonObject& data) {
-        return QString::fromUtf8(
-            QJsonDocument(QJsonObject{{"event", event}, {"data", data}}).toJson(QJsonDocument::Compact));
-    }
-    static QJsonObject chatJson(int id, const QString& name = u"Имя"_s) {
-        return {
-            {"id", id}, {"name", name}, {"mode", "aiplus"}, {"createdAt", "c"}, {"updatedAt", "u"}, {"userId", "u"}};
-    }
-    void created(int id) { service.push(frame(u"create"_s, chatJson(id))); }
-    void chunk(const QString& text) { service.push(frame(u"chunk"_s, {{"content", text}})); }
-    void thinking(const QString& text) { service.push(frame(u"thinking"_s, {{"content", text}})); }
-    void end() { service.push(frame(u"end"_s, {})); }
-    void error(const QString& message, int chatId = 0) {
-        QJsonObject data{{"message", message}};
-        if (chatId != 0)
-            data.insert("chatId"_L1, chatId);
-        service.push(frame(u"error"_s, data));
-    }
-    void ask(const QString& text) {
-        chat.setCurrentInput(text);
-        chat.sendMessage();
-    }
-    // The socket is lost and comes back.
-    void reconnect() {
-        service.breakOff();
-        virtualTime.advance(40s);
-        service.accept();
-    }
-    // "user: ..." and "ai: ...", oldest first.
-    QStringList shown() {
-        QStringList all;
-        for (const ChatMessage& message : chat.messages()->messages())
-            all.append(QString(rawValue(message.role)) + u": "_s + message.text());
-        return all;
-    }
-    QJsonObject lastFrame() { return QJsonDocument::fromJson(service.frames().last().toUtf8()).object(); }
-
-    FakeRandom random;
-    FakeWebSocketTransport service;
-    ChatService chatService{{client, service, virtualTime, random}};
-    UsersService users{client};
-    DataCacheManager cache{defaults, virtualTime};
-    ChatViewModel chat{{chatService, users, cache, defaults, virtualTime, virtualTime, random, notifications}};
-};
-
 TEST_F(ChatViewModelTest, AQuestionStandsAtOnceAndItsAnswerGrowsBehindIt) {
     QSignalSpy completed(&notifications, &NotificationCenter::didCompleteAIResponse);
     ask(u"Привет"_s);
     EXPECT_THAT(shown(), ElementsAre(u"user: Привет"_s, u"ai: "_s));
-    EXPECT_TRUE(chat.isGenerating());
-    EXPECT_EQ(chat.currentInput(), QString());
+    EXPECT_TRUE(chat->isGenerating());
+    EXPECT_EQ(chat->currentInput(), QString());
     EXPECT_EQ(lastFrame(),
         (QJsonObject{{"event", "create"},
             {"data",
@@ -85,8 +22,8 @@ TEST_F(ChatViewModelTest, AQuestionStandsAtOnceAndItsAnswerGrowsBehindIt) {
                     {"mode", "aiplus"}, {"content", QJsonArray{QJsonObject{{"type", "text"}, {"text", "Привет"}}}}}}}));
 
     created(7);
-    EXPECT_EQ(chat.activeChatId(), 7);
-    EXPECT_EQ(chat.chats()->count(), 1);
+    EXPECT_EQ(chat->activeChatId(), 7);
+    EXPECT_EQ(chat->chats()->count(), 1);
     chunk(u"Здрав"_s); // shows without delay
     EXPECT_THAT(shown(), ElementsAre(u"user: Привет"_s, u"ai: Здрав"_s));
     chunk(u"ству"_s); // waits for the flush
@@ -97,7 +34,7 @@ TEST_F(ChatViewModelTest, AQuestionStandsAtOnceAndItsAnswerGrowsBehindIt) {
     chunk(u"!"_s);
     end(); // shows what waits
     EXPECT_THAT(shown(), ElementsAre(u"user: Привет"_s, u"ai: Здравствуйте!"_s));
-    EXPECT_FALSE(chat.isGenerating());
+    EXPECT_FALSE(chat->isGenerating());
     EXPECT_EQ(completed.count(), 1);
 
     ask(u"Ещё"_s);
@@ -111,7 +48,7 @@ TEST_F(ChatViewModelTest, NothingIsSentForWhiteSpaceOrWhileAnAnswerRuns) {
     ask(u"a"_s);
     ask(u"b"_s);
     EXPECT_EQ(shown().size(), 2);
-    EXPECT_EQ(chat.currentInput(), u"b"_s); // not lost either
+    EXPECT_EQ(chat->currentInput(), u"b"_s); // not lost either
 }
 
 TEST_F(ChatViewModelTest, QuietStreamsHoldNoTimers) {
@@ -127,10 +64,10 @@ TEST_F(ChatViewModelTest, QuietStreamsHoldNoTimers) {
 TEST_F(ChatViewModelTest, ASlowAnswerIsExcused) {
     ask(u"a"_s);
     virtualTime.advance(60s);
-    EXPECT_EQ(chat.generationHint(), u"Это может занять время..."_s);
+    EXPECT_EQ(chat->generationHint(), u"Это может занять время..."_s);
     created(1);
     end();
-    EXPECT_EQ(chat.generationHint(), QString());
+    EXPECT_EQ(chat->generationHint(), QString());
 }
 
 TEST_F(ChatViewModelTest, AReplayedAnswerIsNotDoubled) {
@@ -140,9 +77,9 @@ TEST_F(ChatViewModelTest, AReplayedAnswerIsNotDoubled) {
     chunk(u"Короткое, "_s);
     chunk(u"и "_s);
     reconnect();
-    EXPECT_TRUE(chat.isGenerating());
+    EXPECT_TRUE(chat->isGenerating());
     created(1);
-    EXPECT_EQ(chat.chats()->count(), 1);
+    EXPECT_EQ(chat->chats()->count(), 1);
     thinking(u"Подумаем как следует. "_s);
     chunk(u"Короткое, "_s);
     chunk(u"и "_s);
@@ -158,9 +95,9 @@ TEST_F(ChatViewModelTest, SilenceAfterAReconnectEndsTheWaitingAfter120Seconds) {
     chunk(u"Начало"_s);
     reconnect();
     virtualTime.advance(119s);
-    EXPECT_TRUE(chat.isGenerating());
+    EXPECT_TRUE(chat->isGenerating());
     virtualTime.advance(1s);
-    EXPECT_FALSE(chat.isGenerating());
+    EXPECT_FALSE(chat->isGenerating());
     EXPECT_THAT(shown(), ElementsAre(u"user: a"_s, u"ai: Начало"_s));
     chunk(u"Поздно"_s); // of no answer that is under way
     end();
@@ -173,21 +110,21 @@ TEST_F(ChatViewModelTest, AnErrorKeepsTheTextAndItsBannerGoesAfter8Seconds) {
     chunk(u"Начало"_s);
     chunk(u" и"_s);
     error(u"Модель занята."_s, 1);
-    EXPECT_FALSE(chat.isGenerating());
-    EXPECT_EQ(chat.generationError(), u"Модель занята."_s);
+    EXPECT_FALSE(chat->isGenerating());
+    EXPECT_EQ(chat->generationError(), u"Модель занята."_s);
     EXPECT_THAT(shown(), ElementsAre(u"user: a"_s, u"ai: Начало и"_s));
     virtualTime.advance(8s);
-    EXPECT_EQ(chat.generationError(), QString());
+    EXPECT_EQ(chat->generationError(), QString());
 
-    chat.retryLastMessage();
+    chat->retryLastMessage();
     EXPECT_THAT(shown(), ElementsAre(u"user: a"_s, u"user: a"_s, u"ai: "_s));
     EXPECT_EQ(lastFrame()["event"_L1].toString(), u"send"_s);
 }
 
 TEST_F(ChatViewModelTest, StoppingHoldsBeforeTheChatHasANumberToo) {
     ask(u"a"_s);
-    chat.stopGeneration();
-    EXPECT_FALSE(chat.isGenerating());
+    chat->stopGeneration();
+    EXPECT_FALSE(chat->isGenerating());
     EXPECT_EQ(service.frames().size(), 1); // nothing to abort yet
     created(5);
     EXPECT_EQ(lastFrame(), (QJsonObject{{"event", "abort"}, {"data", QJsonObject{{"chatId", 5}}}}));
@@ -204,9 +141,9 @@ TEST_F(ChatViewModelTest, AnAnswerStaysInItsChatWhileTheUserIsElsewhere) {
     ask(u"a"_s);
     created(1);
     chunk(u"Раз"_s);
-    chat.createChat();
+    chat->createChat();
     EXPECT_TRUE(shown().isEmpty());
-    EXPECT_FALSE(chat.isGenerating());
+    EXPECT_FALSE(chat->isGenerating());
     chunk(u", два"_s);
     virtualTime.advance(1s);
     EXPECT_TRUE(shown().isEmpty());
@@ -214,33 +151,33 @@ TEST_F(ChatViewModelTest, AnAnswerStaysInItsChatWhileTheUserIsElsewhere) {
     ask(u"b"_s); // its answer comes when the first has ended
     chunk(u", три"_s);
     EXPECT_THAT(shown(), ElementsAre(u"user: b"_s, u"ai: "_s));
-    chat.selectChat(1);
-    EXPECT_TRUE(chat.isGenerating());
+    chat->selectChat(1);
+    EXPECT_TRUE(chat->isGenerating());
     EXPECT_THAT(shown(), ElementsAre(u"user: a"_s, u"ai: Раз, два, три"_s));
     end();
-    EXPECT_FALSE(chat.isGenerating());
+    EXPECT_FALSE(chat->isGenerating());
     EXPECT_THAT(shown(), ElementsAre(u"user: a"_s, u"ai: Раз, два, три"_s));
     created(2);
     chunk(u"Другое"_s);
-    EXPECT_EQ(chat.activeChatId(), 1);
+    EXPECT_EQ(chat->activeChatId(), 1);
     http.answer(u"/chats/2/messages"_s, R"({"data":[]})");
-    chat.selectChat(2);
+    chat->selectChat(2);
     EXPECT_THAT(shown(), ElementsAre(u"user: b"_s, u"ai: Другое"_s));
-    EXPECT_TRUE(chat.isGenerating());
+    EXPECT_TRUE(chat->isGenerating());
 }
 
 TEST_F(ChatViewModelTest, MessagesThatComeLateForAnotherChatAreNotShown) {
     http.answer(u"/chats"_s,
         "{\"data\":[" + QJsonDocument(chatJson(1)).toJson() + "," + QJsonDocument(chatJson(2)).toJson() + "]}");
-    const Running<void> loading([&] { return chat.loadChats(); });
+    const Running<void> loading([&] { return chat->loadChats(); });
     const auto list = [](int id) {
         return QStringLiteral(
             R"({"data":[{"id":%1,"createdAt":"c","chatId":%1,"role":"user","usageTokens":0,"content":[{"type":"text","text":"чат %1"}]}]})")
             .arg(id)
             .toUtf8();
     };
-    chat.selectChat(1);
-    chat.selectChat(2);
+    chat->selectChat(1);
+    chat->selectChat(2);
     http.open(u"/chats/2/messages"_s).answer(list(2));
     http.open(u"/chats/1/messages"_s).answer(list(1));
     EXPECT_THAT(shown(), ElementsAre(u"user: чат 2"_s));
@@ -250,9 +187,9 @@ TEST_F(ChatViewModelTest, AnotherUserFindsNothing) {
     ask(u"a"_s);
     created(1);
     chunk(u"Тайна"_s);
-    chat.reset();
+    chat->reset();
     EXPECT_TRUE(shown().isEmpty());
-    EXPECT_EQ(chat.chats()->count(), 0);
+    EXPECT_EQ(chat->chats()->count(), 0);
     chunk(u"Ещё"_s);
     end();
     EXPECT_TRUE(shown().isEmpty());
