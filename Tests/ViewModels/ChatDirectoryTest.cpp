@@ -13,7 +13,6 @@ namespace Korvi::Test {
 namespace {
 
 using namespace Qt::Literals;
-using namespace std::chrono_literals;
 using testing::ElementsAre;
 
 class ChatDirectoryTest : public testing::Test, public Backend {
@@ -115,30 +114,6 @@ TEST_F(ChatDirectoryTest, ADeletedChatIsGoneAndDoesNotComeBack) {
 
     renaming.answer(chat(1, u"Раз"_s));
     EXPECT_THAT(shown(), ElementsAre(u"Два"_s));
-}
-
-TEST_F(ChatDirectoryTest, TheFirstFiveChatsAreFetchedUnlessTheyWereLately) {
-    QByteArrayList seven;
-    for (qint64 id = 1; id <= 7; ++id) {
-        seven.append(chat(id, QString::number(id)));
-        http.answer(u"/chats/%1/messages"_s.arg(id), messages(id));
-    }
-    load(seven);
-    cache.cacheMessages({}, 1);
-    virtualTime.advance(300s); // not older than that
-    cache.cacheMessages({}, 3);
-    http.answer(u"/chats/2/messages"_s, "{}", 500);
-    const std::size_t before = http.count();
-    run([this] { return directory.prefetchMessages(virtualTime.now()); });
-    EXPECT_EQ(http.requests().mid(static_cast<qsizetype>(before)),
-        (QStringList{u"GET /chats/2/messages"_s, u"GET /chats/4/messages"_s, u"GET /chats/5/messages"_s}));
-    EXPECT_EQ(cache.getCachedMessages(2), std::nullopt);
-    EXPECT_EQ(cache.getCachedMessages(5)->size(), 1U);
-
-    virtualTime.advance(1s);
-    run([this] { return directory.prefetchMessages(virtualTime.now()); });
-    EXPECT_EQ(http.requests().last(), u"GET /chats/2/messages"_s) << "the first has grown old meanwhile";
-    EXPECT_EQ(cache.getCachedMessages(1)->size(), 1U);
 }
 
 TEST_F(ChatDirectoryTest, AnswersForTheFormerOrganizationAreNotTakenForThisOnes) {
