@@ -69,7 +69,7 @@ FocusScope {
         focus: true
         detail: hovered || visualFocus ? "Ctrl+N" : ""
         objectName: "newChatButton"
-        symbol: "bubble.plus"
+        symbol: "plus.message"
         text: "Новый чат"
         width: parent.width - Theme.gap2 * 2
         x: Theme.gap2
