@@ -84,6 +84,8 @@ constexpr std::array table{
         [](Options& o, const std::string& v) {
             o.modelIdle = std::chrono::seconds(numberFrom("--model-idle-s", v, 86400));
         }},
+    Option{"--no-model-titles", "", "не просить модель о названиях чатов: названием будут первые слова вопроса",
+        [](Options& o, const std::string&) { o.modelTitles = false; }},
     Option{"--allow-plain-http", "", "разрешить http:// не только для своего компьютера: ключ и текст пойдут открыто",
         [](Options& o, const std::string&) { o.allowPlainHttp = true; }},
     Option{"--dev-providers", "", "для разработки: вход с вымышленными учётными записями Google, Яндекса, VK и Apple",

@@ -28,6 +28,8 @@ struct Options {
     std::string openaiKey;
     std::string model;
     std::map<std::string, std::string> modelForMode;
+    /// The model names new chats, too.
+    bool modelTitles = true;
     bool allowPlainHttp = false;
     /// Stand-in accounts of other providers may sign in; only at a loopback address.
     bool devProviders = false;

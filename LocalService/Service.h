@@ -2,6 +2,7 @@
 
 #include "Auth/SignIn.h"
 #include "Chat/AnswerEngine.h"
+#include "Chat/ChatTitles.h"
 #include "Core/Asio.h"
 #include "DataFolder.h"
 #include "Http/Api.h"
@@ -39,6 +40,7 @@ private:
     ChatStore chats_;
     SignIn signIn_;
     std::unique_ptr<Provider> provider_;
+    ChatTitles titles_;
     AnswerEngine engine_;
     Api api_;
     HttpServer http_;

@@ -2,6 +2,7 @@
 
 #include "Chat/Frames.h"
 #include "Core/Limits.h"
+#include "Core/Log.h"
 #include "Core/Time.h"
 
 #include <algorithm>
@@ -24,10 +25,11 @@ long long replayHorizon() {
 
 }
 
-AnswerEngine::AnswerEngine(asio::io_context& io, ChatStore& store, Provider& provider)
+AnswerEngine::AnswerEngine(asio::io_context& io, ChatStore& store, Provider& provider, ChatTitles& titles)
     : io_(io)
     , store_(store)
     , provider_(provider)
+    , titles_(titles)
     , storeTimer_(io)
     , expiryTimer_(io) {}
 
@@ -161,7 +163,12 @@ void AnswerEngine::perform(const SessionRow& session, const CreateFrame& frame) 
     draft.name = titleFor(frame.content);
     draft.mode = frame.mode;
     draft.projectId = frame.projectId;
-    begin(session, store_.addChat(draft), frame.content, true);
+    const auto answer = answerFor(session);
+    answer->createsChat = true;
+    const ChatRow chat = store_.beginChat(draft, *answer, frame.content);
+    start(answer, chat.mode);
+    // At once: the client reads the list again when the answer has ended.
+    titles_.begin(chat, frame.content);
 }
 
 void AnswerEngine::perform(const SessionRow& session, const SendFrame& frame) {
@@ -171,7 +178,10 @@ void AnswerEngine::perform(const SessionRow& session, const SendFrame& frame) {
     if (!hasRoomFor(session.userId))
         return perform(
             session, BadFrame{frame.chatId, "Слишком много ответов сразу. Дождитесь окончания одного из них."});
-    begin(session, *chat, frame.content, false);
+    const auto answer = answerFor(session);
+    answer->chatId = chat->id;
+    store_.beginAnswer(*answer, frame.content);
+    start(answer, chat->mode);
 }
 
 void AnswerEngine::perform(const SessionRow& session, const AbortFrame& frame) {
@@ -189,25 +199,24 @@ bool AnswerEngine::hasRoomFor(const std::string& userId) const {
     return running_.size() < limits::answersInAll && static_cast<std::size_t>(own) < limits::answersPerUser;
 }
 
-void AnswerEngine::begin(
-    const SessionRow& session, const ChatRow& chat, const nlohmann::json& question, bool createsChat) {
+std::shared_ptr<Answer> AnswerEngine::answerFor(const SessionRow& session) {
     auto answer = std::make_shared<Answer>();
-    answer->chatId = chat.id;
     answer->userId = session.userId;
     answer->sessionId = session.id;
-    answer->createsChat = createsChat;
-    store_.beginAnswer(*answer, question);
+    return answer;
+}
 
-    ProviderRequest request{chat.mode, {}};
-    for (auto& message : store_.history(chat.id))
+void AnswerEngine::start(const std::shared_ptr<Answer>& answer, const std::string& mode) {
+    ProviderRequest request{mode, {}};
+    for (auto& message : store_.history(answer->chatId))
         request.history.push_back({message.role == "user" ? "user" : "assistant", std::move(message.content)});
 
-    sessionFor(session.id, session.userId).outbox->add(answer);
+    sessionFor(answer->sessionId, answer->userId).outbox->add(answer);
     auto& running = running_[answer->messageId];
     running.answer = answer;
     running.stream = provider_.start(
         request, [this, id = answer->messageId](ProviderEvent event) { receive(id, std::move(event)); });
-    wake(session.id);
+    wake(answer->sessionId);
 }
 
 // The life of an answer
@@ -302,19 +311,29 @@ std::string AnswerEngine::createFrame(const Answer& answer) {
     return chat ? frames::create(chat->toJson()) : std::string();
 }
 
+// That something has arrived need not be stored: after a restart it is sent once more. No reason to end a connection.
 void AnswerEngine::confirmed(const Answer& answer) {
-    if (answer.messageId != 0)
-        store_.storeConfirmation(answer);
+    try {
+        if (answer.messageId != 0)
+            store_.storeConfirmation(answer);
+    } catch (const StoreError& error) {
+        logLine(error.what());
+    }
 }
 
 void AnswerEngine::delivered(const Answer& answer) {
-    if (answer.messageId != 0)
-        store_.forgetPieces(answer);
+    try {
+        if (answer.messageId != 0)
+            store_.forgetPieces(answer);
+    } catch (const StoreError& error) {
+        logLine(error.what());
+    }
 }
 
 // What has been removed
 
 void AnswerEngine::chatRemoved(const std::string& userId, long long chatId) {
+    titles_.cancel(chatId);
     for (auto entry = running_.begin(); entry != running_.end();) {
         const auto answer = entry->second.answer;
         if (answer->userId != userId || answer->chatId != chatId) {
@@ -345,6 +364,7 @@ void AnswerEngine::sessionRemoved(const std::string& sessionId) {
 }
 
 void AnswerEngine::userRemoved(const std::string& userId) {
+    titles_.cancelAll(userId);
     for (auto entry = running_.begin(); entry != running_.end();) {
         const bool own = entry->second.answer->userId == userId;
         if (own)

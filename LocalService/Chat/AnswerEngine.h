@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Chat/ChatTitles.h"
 #include "Chat/ClientFrame.h"
 #include "Chat/Connection.h"
 #include "Chat/Outbox.h"
@@ -23,7 +24,7 @@ namespace korvi::service {
 /// they are sent, so what a client has seen is in the database whatever happens next. Used from the service's thread.
 class AnswerEngine : private Outbox::Host {
 public:
-    AnswerEngine(asio::io_context& io, ChatStore& store, Provider& provider);
+    AnswerEngine(asio::io_context& io, ChatStore& store, Provider& provider, ChatTitles& titles);
 
     /// At start-up: closes what a crash has left running and readies what sessions may come back for.
     void recover();
@@ -36,6 +37,7 @@ public:
     bool mayConnect(const std::string& userId) const;
     void handleFrame(const SessionRow& session, std::string_view text);
 
+    void chatRenamed(long long chatId) { titles_.cancel(chatId); }
     void chatRemoved(const std::string& userId, long long chatId);
     void sessionRemoved(const std::string& sessionId);
     void userRemoved(const std::string& userId);
@@ -57,7 +59,8 @@ private:
     void perform(const SessionRow& session, const SendFrame& frame);
     void perform(const SessionRow& session, const AbortFrame& frame);
     void perform(const SessionRow& session, const BadFrame& frame);
-    void begin(const SessionRow& session, const ChatRow& chat, const nlohmann::json& question, bool createsChat);
+    static std::shared_ptr<Answer> answerFor(const SessionRow& session);
+    void start(const std::shared_ptr<Answer>& answer, const std::string& mode);
     bool hasRoomFor(const std::string& userId) const;
 
     void receive(long long messageId, ProviderEvent event);
@@ -78,6 +81,7 @@ private:
     asio::io_context& io_;
     ChatStore& store_;
     Provider& provider_;
+    ChatTitles& titles_;
     asio::steady_timer storeTimer_;
     asio::steady_timer expiryTimer_;
     bool expiryScheduled_ = false;

@@ -17,6 +17,12 @@ constexpr std::size_t messageParts = 32;
 constexpr std::size_t answer = std::size_t{4} * 1024 * 1024;
 constexpr std::size_t chatName = 200;
 constexpr std::size_t titleLength = 48;
+/// When a model is asked for a title: how much of the question it is told (code points), how much it may say (bytes),
+/// how long that may take.
+constexpr std::size_t titleQuestion = 2000;
+constexpr std::size_t titleAnswer = std::size_t{16} * 1024;
+constexpr std::size_t titlesAtOnce = 8;
+constexpr auto titleTime = 60s;
 
 constexpr std::size_t httpConnections = 256;
 constexpr std::size_t socketsPerUser = 8;

@@ -230,6 +230,8 @@ Response Api::renameChat(const Context& context) {
     if (name.empty() || utf16Length(name) > limits::chatName)
         return failure(400, "Название чата должно содержать от 1 до 200 знаков.");
     const auto chat = chats_.rename(context.session.userId, context.id, name);
+    if (chat)
+        engine_.chatRenamed(context.id);
     return chat ? Response{200, chat->toJson(), {}} : failure(404, noSuchChat);
 }
 

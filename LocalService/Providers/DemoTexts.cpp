@@ -8,6 +8,8 @@ namespace korvi::service {
 
 namespace {
 
+constexpr std::size_t quoteLength = 200; // code points
+
 constexpr std::string_view notice = "*Это демонстрация: отвечает не модель, а встроенный набор текстов.*";
 
 constexpr std::string_view friendly =
@@ -284,10 +286,21 @@ constexpr std::array topics{
 
 DemoAnswer demoAnswer(std::string_view question) {
     const std::string lower = lowerCase(question);
-    for (const Topic& topic : topics)
-        if (lower.find(topic.word) != std::string::npos)
-            return topic.answer();
-    return {{}, std::string(friendly), {}, 1};
+    DemoAnswer answer{{}, std::string(friendly), {}, 1};
+    for (const Topic& topic : topics) {
+        if (lower.find(topic.word) != std::string::npos) {
+            answer = topic.answer();
+            break;
+        }
+    }
+    // Answers to different questions can then be told from each other.
+    if (lower.find("эхо") != std::string::npos) {
+        const std::string asked = firstWords(question, quoteLength);
+        if (!answer.thinking.empty())
+            answer.thinking = "Спросили: " + asked + "\n" + answer.thinking;
+        answer.text = "> " + asked + "\n\n" + answer.text + "\n\nЭто был ответ на «" + asked + "».";
+    }
+    return answer;
 }
 
 }

@@ -12,7 +12,7 @@
 namespace korvi::service {
 
 struct ProviderTurn {
-    /// "user" or "assistant".
+    /// "user", "assistant", or "system" for what the service itself asks.
     std::string role;
     /// Parts as they came from the client: text, image_url, file_url.
     nlohmann::json content;

@@ -116,21 +116,6 @@ std::optional<ChatRow> ChatStore::chat(const std::string& userId, long long chat
     });
 }
 
-ChatRow ChatStore::addChat(const ChatRow& draft) {
-    return db_.run([&](soci::session& sql) {
-        ChatRow row = draft;
-        row.createdAt = row.updatedAt = toIso8601(WallClock::now());
-        long long project = row.projectId.value_or(0);
-        soci::indicator projectIndicator = row.projectId ? soci::i_ok : soci::i_null;
-        sql << "INSERT INTO chats(user_id, name, mode, created_at, updated_at, project_id) VALUES(:u, :n, :m, :a, :b, "
-               ":p)",
-            use(row.userId), use(row.name), use(row.mode), use(row.createdAt), use(row.updatedAt),
-            use(project, projectIndicator);
-        sql.get_last_insert_id("chats", row.id);
-        return row;
-    });
-}
-
 std::optional<ChatRow> ChatStore::rename(const std::string& userId, long long chatId, const std::string& name) {
     db_.run([&](soci::session& sql) {
         sql << "UPDATE chats SET name = :n WHERE user_id = :u AND id = :c", use(name), use(userId), use(chatId);
@@ -181,21 +166,47 @@ std::vector<MessageRow> ChatStore::history(long long chatId) {
     });
 }
 
-void ChatStore::beginAnswer(Answer& answer, const json& question) {
-    db_.transact([&](soci::session& sql) {
-        const std::string now = toIso8601(WallClock::now());
-        const std::string content = dumpJson(question);
-        sql << "INSERT INTO messages(chat_id, role, content, created_at) VALUES(:c, 'user', :b, :t)",
-            use(answer.chatId), use(content), use(now);
-        sql << "INSERT INTO messages(chat_id, role, content, created_at) VALUES(:c, 'ai', '[]', :t)",
-            use(answer.chatId), use(now);
-        sql.get_last_insert_id("messages", answer.messageId);
-        const int creates = answer.createsChat ? 1 : 0;
-        sql << "INSERT INTO answers(message_id, user_id, session_id, creates_chat, state) VALUES(:m, :u, :s, :c, "
-               "'running')",
-            use(answer.messageId), use(answer.userId), use(answer.sessionId), use(creates);
-        sql << "UPDATE chats SET updated_at = :t WHERE id = :c", use(now), use(answer.chatId);
+namespace {
+
+void insertChat(soci::session& sql, ChatRow& row) {
+    row.createdAt = row.updatedAt = toIso8601(WallClock::now());
+    long long project = row.projectId.value_or(0);
+    soci::indicator projectIndicator = row.projectId ? soci::i_ok : soci::i_null;
+    sql << "INSERT INTO chats(user_id, name, mode, created_at, updated_at, project_id) VALUES(:u, :n, :m, :a, :b, :p)",
+        use(row.userId), use(row.name), use(row.mode), use(row.createdAt), use(row.updatedAt),
+        use(project, projectIndicator);
+    sql.get_last_insert_id("chats", row.id);
+}
+
+void insertTurn(soci::session& sql, Answer& answer, const json& question) {
+    const std::string now = toIso8601(WallClock::now());
+    const std::string content = dumpJson(question);
+    sql << "INSERT INTO messages(chat_id, role, content, created_at) VALUES(:c, 'user', :b, :t)", use(answer.chatId),
+        use(content), use(now);
+    sql << "INSERT INTO messages(chat_id, role, content, created_at) VALUES(:c, 'ai', '[]', :t)", use(answer.chatId),
+        use(now);
+    sql.get_last_insert_id("messages", answer.messageId);
+    const int creates = answer.createsChat ? 1 : 0;
+    sql << "INSERT INTO answers(message_id, user_id, session_id, creates_chat, state) VALUES(:m, :u, :s, :c, "
+           "'running')",
+        use(answer.messageId), use(answer.userId), use(answer.sessionId), use(creates);
+    sql << "UPDATE chats SET updated_at = :t WHERE id = :c", use(now), use(answer.chatId);
+}
+
+}
+
+ChatRow ChatStore::beginChat(const ChatRow& draft, Answer& answer, const json& question) {
+    return db_.transact([&](soci::session& sql) {
+        ChatRow row = draft;
+        insertChat(sql, row);
+        answer.chatId = row.id;
+        insertTurn(sql, answer, question);
+        return row;
     });
+}
+
+void ChatStore::beginAnswer(Answer& answer, const json& question) {
+    db_.transact([&](soci::session& sql) { insertTurn(sql, answer, question); });
 }
 
 namespace {

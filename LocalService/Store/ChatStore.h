@@ -44,7 +44,6 @@ public:
 
     std::vector<ChatRow> chats(const std::string& userId);
     std::optional<ChatRow> chat(const std::string& userId, long long chatId);
-    ChatRow addChat(const ChatRow& draft);
     std::optional<ChatRow> rename(const std::string& userId, long long chatId, const std::string& name);
     std::optional<ChatRow> setFavorite(const std::string& userId, long long chatId, bool isFavorite);
     bool removeChat(const std::string& userId, long long chatId);
@@ -55,6 +54,8 @@ public:
     /// The conversation so far for a model: ended answers and all questions.
     std::vector<MessageRow> history(long long chatId);
 
+    /// Stores a new chat and the first question in it, as beginAnswer() does; sets `answer.chatId` as well. Both or nothing.
+    ChatRow beginChat(const ChatRow& draft, Answer& answer, const nlohmann::json& question);
     /// Stores the question and an empty answer to it, and sets `answer.messageId`.
     void beginAnswer(Answer& answer, const nlohmann::json& question);
     /// Stores the pieces that are not stored yet, of all these answers at once.

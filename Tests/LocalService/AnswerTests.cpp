@@ -192,6 +192,56 @@ TEST_F(AnswerTest, ThatEndedWhileTheClientWasAwayIsReplayedOnce) {
     EXPECT_EQ(rest.size(), 1U) << "nothing of what was confirmed comes again";
 }
 
+TEST_F(AnswerTest, StreamsToTheSessionThatAskedAndIsThereForTheOthersOfItsUser) {
+    ServiceProcess service(folder.path(), {"--demo-delay-ms", "20"});
+    const std::string token = signIn(service, "user@example.com");
+    const std::string otherToken = signIn(service, "user@example.com");
+    ChatClient client(service.port(), token);
+    ChatClient other(service.port(), otherToken);
+    client.send(createFrame("Медленный ответ"));
+    const auto begun = receiveChunks(client, 1);
+    const long long chat = begun[0]["data"]["id"];
+    EXPECT_TRUE(messages(service, chat, token).empty()) << "to the one who waits, a longer list means an end";
+    const auto seen = messages(service, chat, otherToken);
+    ASSERT_EQ(seen.size(), 2U);
+    EXPECT_EQ(textOf(seen[0]), "Медленный ответ");
+    EXPECT_THAT(textOf(seen[1]), testing::StartsWith(joined(begun, "chunk")));
+
+    // Both ask in one chat at the same time; each gets its own answer, and the other session may stop the first one.
+    other.send(sendFrame(chat, "Покажи таблицу, эхо"));
+    const auto table = other.receiveAnswer();
+    EXPECT_THAT(joined(table, "chunk"), testing::StartsWith("> Покажи таблицу, эхо"));
+    EXPECT_EQ(table.back()["event"], "end");
+    other.send({{"event", "abort"}, {"data", {{"chatId", chat}}}});
+    EXPECT_EQ(client.receiveAnswer().back()["event"], "end");
+    const auto all = messages(service, chat, token);
+    EXPECT_EQ(all, messages(service, chat, otherToken));
+    ASSERT_EQ(all.size(), 4U);
+    EXPECT_EQ(textOf(all[3]), joined(table, "chunk"));
+}
+
+TEST_F(AnswerTest, BringsItsChatToTheTopOfTheListOfEverySession) {
+    ServiceProcess service(folder.path(), {"--demo-delay-ms", "0"});
+    const std::string token = signIn(service, "user@example.com");
+    const std::string otherToken = signIn(service, "user@example.com");
+    ChatClient client(service.port(), token);
+    ChatClient other(service.port(), otherToken);
+    std::vector<long long> chats;
+    for (int i = 0; i < 3; ++i) {
+        client.send(createFrame("Привет"));
+        chats.push_back(client.receiveAnswer()[0]["data"]["id"]);
+    }
+    other.send(sendFrame(chats[0], "Ещё"));
+    other.receiveAnswer();
+    for (const auto& each : {token, otherToken}) {
+        std::vector<long long> order;
+        const json list = request(service.port(), "GET", "/chats", {}, each).body["data"];
+        for (const json& chat : list)
+            order.push_back(chat["id"]);
+        EXPECT_EQ(order, (std::vector{chats[0], chats[2], chats[1]}));
+    }
+}
+
 TEST_F(AnswerTest, SurvivesAKillUpToWhatWasSeen) {
     std::string token;
     std::vector<json> before;

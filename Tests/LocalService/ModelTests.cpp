@@ -1,9 +1,11 @@
+#include "Chat/ChatTitles.h"
 #include "Support/Client.h"
 #include "Support/FakeModel.h"
 
 #include <csignal>
 #include <cstdlib>
 #include <gmock/gmock.h>
+#include <thread>
 
 namespace korvi::service::test {
 namespace {
@@ -14,15 +16,19 @@ using testing::Not;
 
 /// The service in front of a model that follows these scripts.
 struct Conversation {
-    explicit Conversation(std::vector<FakeModel::Script> scripts, std::vector<std::string> more = {})
-        : model(std::move(scripts)) {
+    explicit Conversation(std::vector<FakeModel::Script> scripts, std::vector<std::string> more = {},
+        std::vector<FakeModel::Script> titles = {})
+        : model(std::move(scripts), std::move(titles)) {
         std::vector<std::string> arguments{
             "--provider", "openai", "--openai-url", model.url(), "--model-for", "auto=small-model"};
         arguments.insert(arguments.end(), more.begin(), more.end());
+        if (!model.givesTitles())
+            arguments.push_back("--no-model-titles");
         ::setenv("KORVI_OPENAI_KEY", "key-of-the-test", 1);
         service = std::make_unique<ServiceProcess>(folder.path(), arguments);
         ::unsetenv("KORVI_OPENAI_KEY");
-        client = std::make_unique<ChatClient>(service->port(), signIn(*service, "user@example.com"));
+        token = signIn(*service, "user@example.com");
+        client = std::make_unique<ChatClient>(service->port(), token);
     }
 
     std::vector<json> ask(const std::string& text) {
@@ -30,9 +36,23 @@ struct Conversation {
         return client->receiveAnswer();
     }
 
+    std::string nameOf(long long chat) const {
+        const json chats = request(service->port(), "GET", "/chats", {}, token).body["data"];
+        for (const json& each : chats)
+            if (each["id"] == chat)
+                return each["name"];
+        return {};
+    }
+    /// Waits for it; a name that does not come is found by the test's time limit.
+    void expectName(long long chat, const std::string& name) const {
+        while (nameOf(chat) != name)
+            std::this_thread::yield();
+    }
+
     TemporaryFolder folder;
     FakeModel model;
     std::unique_ptr<ServiceProcess> service;
+    std::string token;
     std::unique_ptr<ChatClient> client;
 };
 
@@ -132,6 +152,75 @@ TEST(Model, ThatIsStoppedIsDisconnected) {
     EXPECT_EQ(talk.client->receiveAnswer().back()["event"], "end");
     // The far side serves one connection at a time: it gets to the second only when the first is closed.
     EXPECT_EQ(joined(talk.ask("Ещё"), "chunk"), "Другой ответ.");
+}
+
+std::vector<std::string> streamOf(const std::string& text) {
+    return {streamHead(), event({{"content", text}}), "data: [DONE]\n\n"};
+}
+
+TEST(Title, ComesFromTheModelWhileTheAnswerIsStillRunning) {
+    std::promise<void> mayAnswer;
+    Conversation talk({{streamOf("Ответ."), false, mayAnswer.get_future().share()}}, {},
+        {{{streamHead(), event({{"reasoning_content", "Думаю"}}), event({{"content", "**«Сортировка "}}),
+            event({{"content", "слиянием».**\n"}}), "data: [DONE]\n\n"}}});
+    talk.client->send(createFrame("Объясни мне, пожалуйста, сортировку слиянием"));
+    const long long chat = talk.client->receive()["data"]["id"];
+    talk.expectName(chat, "Сортировка слиянием");
+    mayAnswer.set_value();
+    EXPECT_EQ(joined(talk.client->receiveAnswer(), "chunk"), "Ответ.");
+    const json& asked = talk.model.title(0).request;
+    EXPECT_EQ(asked["model"], "small-model");
+    EXPECT_THAT(asked["messages"][1]["content"].get<std::string>(), HasSubstr("сортировку слиянием"));
+}
+
+TEST(Title, DoesNotReplaceANameThatTheUserHasGiven) {
+    std::promise<void> mayName;
+    Conversation talk({{streamOf("Ответ.")}, {streamOf("Ответ.")}}, {},
+        {{streamOf("Название модели"), false, mayName.get_future().share()}, {streamOf("Второе название")}});
+    const long long chat = talk.ask("Привет")[0]["data"]["id"];
+    const auto renamed = request(
+        talk.service->port(), "PATCH", "/chats/" + std::to_string(chat), json{{"name", "Привет"}}.dump(), talk.token);
+    EXPECT_EQ(renamed.status, 200);
+    mayName.set_value();
+    talk.expectName(talk.ask("Ещё")[0]["data"]["id"], "Второе название");
+    EXPECT_EQ(talk.nameOf(chat), "Привет");
+}
+
+TEST(Title, OfAChatStaysAsItIsWhenNothingFitComes) {
+    const std::vector<std::vector<std::string>> failures{streamOf("  \n"), streamOf("***"),
+        streamOf("Сортировка слиянием делит массив пополам и сортирует каждую половину."),
+        streamOf("<think>Пользователь хочет"), streamOf(std::string(20'000, 'x')),
+        {"HTTP/1.1 500 Internal Server Error\r\nContent-Length: 0\r\nConnection: close\r\n\r\n"},
+        {streamHead(), event({{"content", "Оборванное"}})}};
+    std::vector<FakeModel::Script> answers;
+    std::vector<FakeModel::Script> titles;
+    for (const auto& each : failures) {
+        answers.push_back({streamOf("Ответ.")});
+        titles.push_back({each});
+    }
+    answers.push_back({streamOf("Ответ.")});
+    titles.push_back({streamOf("Последнее")});
+    Conversation talk(answers, {}, titles);
+    std::vector<long long> chats;
+    for (std::size_t i = 0; i < answers.size(); ++i)
+        chats.push_back(talk.ask("Вопрос")[0]["data"]["id"]);
+    talk.expectName(chats.back(), "Последнее");
+    chats.pop_back();
+    for (const long long chat : chats)
+        EXPECT_EQ(talk.nameOf(chat), "Вопрос");
+}
+
+TEST(Title, IsFreedOfWhatModelsPutRoundIt) {
+    for (const auto& [said, title] :
+        std::vector<std::pair<std::string, std::string>>{{"«Корни уравнения»", "Корни уравнения"},
+            {"Название: \"Два слова\"\nИ пояснение", "Два слова"}, {"## Заголовок: Отпуск в горах.", "Отпуск в горах"},
+            {"Роман «Война и мир»", "Роман «Война и мир»"}, {"«Война» и «мир»", "«Война» и «мир»"},
+            {"Отличия C++ от C#", "Отличия C++ от C#"}, {".NET: начало", ".NET: начало"},
+            {"<think>\nhm\n</think>\n\nTitle: Merge sort", "Merge sort"}, {"\n\n  два \t слова ", "два слова"},
+            {"2 + 2", "2 + 2"}, {"Вот название:\n\n**Отпуск в горах**", "Отпуск в горах"}})
+        EXPECT_EQ(titleFromModel(said), title) << said;
+    for (const std::string said : {"", "«»", "...", "<think>", "\"", "Название:"})
+        EXPECT_EQ(titleFromModel(said), std::nullopt) << said;
 }
 
 TEST(Model, ThatIsNotThereIsNamed) {

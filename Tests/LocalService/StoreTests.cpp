@@ -90,11 +90,10 @@ struct ChatStoreTest : testing::Test {
         draft.name = "Чат";
         draft.mode = "auto";
         Answer answer;
-        answer.chatId = chats.addChat(draft).id;
         answer.userId = user;
         answer.sessionId = "starter";
         answer.createsChat = createsChat;
-        chats.beginAnswer(answer, json::parse(R"([{"type":"text","text":"Вопрос"}])"));
+        chats.beginChat(draft, answer, json::parse(R"([{"type":"text","text":"Вопрос"}])"));
         return answer;
     }
 };

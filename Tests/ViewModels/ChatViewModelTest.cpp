@@ -183,6 +183,76 @@ TEST_F(ChatViewModelTest, MessagesThatComeLateForAnotherChatAreNotShown) {
     EXPECT_THAT(shown(), ElementsAre(u"user: чат 2"_s));
 }
 
+// The chat was read again while its answer was waited for, and cached with the question and what there was of the answer.
+TEST_F(ChatViewModelTest, AQuestionThatIsCachedAlreadyIsNotAskedAgainByTheNextClient) {
+    const auto message = [](int id, const QString& role, const QString& text) {
+        return QJsonObject{{"id", id}, {"createdAt", "c"}, {"chatId", 1}, {"role", role}, {"usageTokens", 0},
+            {"content", QJsonArray{QJsonObject{{"type", "text"}, {"text", text}}}}};
+    };
+    const QJsonArray stored{message(1, u"user"_s, u"да"_s), message(2, u"ai"_s, u"Раз"_s),
+        message(3, u"user"_s, u"да"_s), message(4, u"ai"_s, u"Два"_s)};
+    http.answer(u"/chats/1/messages"_s, QJsonDocument(QJsonObject{{"data", stored}}).toJson());
+    chat.restore(u"u"_s);
+    ask(u"да"_s);
+    created(1);
+    chunk(u"Раз"_s);
+    end();
+    ask(u"да"_s); // the same once more: its answer is stored, but the line is lost before it comes
+    chat.selectChat(1);
+    EXPECT_TRUE(chat.isGenerating());
+    chatService.disconnect();
+
+    ChatService nextService{{client, service, virtualTime, random}};
+    ChatViewModel next{{nextService, users, cache, defaults, virtualTime, virtualTime, random, notifications}};
+    next.restore(u"u"_s);
+    next.connectToService();
+    service.accept();
+    virtualTime.advance(20s);
+    EXPECT_THAT(service.frames(), ElementsAre());
+    EXPECT_FALSE(defaults.data(u"runningGenerations"_s)) << "it has the answer, and waits for nothing";
+    EXPECT_EQ(cache.getCachedMessages(1)->size(), 4U);
+}
+
+TEST_F(ChatViewModelTest, ARefusedQuestionReturnsIntoTheComposer) {
+    ask(u"a"_s);
+    error(u"Слишком много ответов сразу."_s);
+    EXPECT_EQ(chat.currentInput(), u"a"_s);
+    EXPECT_TRUE(shown().isEmpty());
+    EXPECT_FALSE(chat.isGenerating());
+    EXPECT_EQ(chat.generationError(), u"Слишком много ответов сразу."_s);
+
+    chat.sendMessage();
+    created(1);
+    chunk(u"A"_s);
+    end();
+    const auto stored = [this](const QString& more) {
+        http.answer(u"/chats/1/messages"_s,
+            uR"({"data":[
+                {"id":1,"createdAt":"c","chatId":1,"role":"user","usageTokens":0,"content":[{"type":"text","text":"a"}]},
+                {"id":2,"createdAt":"c","chatId":1,"role":"ai","usageTokens":0,"content":[{"type":"text","text":"A"}]}%1]})"_s
+                .arg(more)
+                .toUtf8());
+    };
+    ask(u"b"_s);
+    error(u"Слишком много ответов сразу."_s, 1);
+    EXPECT_TRUE(chat.isGenerating()) << "it is not known yet what became of it";
+    stored({});
+    http.open(u"/chats/1/messages"_s).answer(R"({"data":[]})");
+    EXPECT_EQ(chat.currentInput(), u"b"_s);
+    EXPECT_FALSE(chat.isGenerating());
+    EXPECT_THAT(shown(), ElementsAre(u"user: a"_s, u"ai: A"_s));
+
+    // An answer that failed before its first word is something else: the service has the question.
+    stored(uR"(,
+        {"id":3,"createdAt":"c","chatId":1,"role":"user","usageTokens":0,"content":[{"type":"text","text":"b"}]},
+        {"id":4,"createdAt":"c","chatId":1,"role":"ai","usageTokens":0,"content":[]})"_s);
+    chat.sendMessage();
+    error(u"Модель недоступна."_s, 1);
+    EXPECT_EQ(chat.currentInput(), QString());
+    EXPECT_FALSE(chat.isGenerating());
+    EXPECT_THAT(shown(), ElementsAre(u"user: a"_s, u"ai: A"_s, u"user: b"_s, u"ai: "_s));
+}
+
 TEST_F(ChatViewModelTest, AnotherUserFindsNothing) {
     ask(u"a"_s);
     created(1);

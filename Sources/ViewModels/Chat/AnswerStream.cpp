@@ -490,9 +490,44 @@ std::optional<AnswerStream::Ending> AnswerStream::fail(std::optional<qint64> cha
     flush();
     heard();
     Generation* generation = chatId ? m_generations.firstOf(*chatId) : m_generations.current();
-    if (m_guard.ownsEnd(generation != nullptr))
+    if (m_guard.ownsEnd(generation != nullptr) || !generation)
         return std::nullopt;
-    return generation ? std::optional(finish(generation)) : std::nullopt;
+    if (generation->isHeard || !generation->hasLeft)
+        return finish(generation);
+    // Nothing came of the question: it may have been refused, and then it is stored nowhere.
+    if (generation->chatId < 0) {
+        giveBack(*generation);
+        settled();
+        return std::nullopt;
+    }
+    // Out of the way of the frames that follow. If the client ends before it knows, the next one asks again.
+    generation->hasLeft = false;
+    settled();
+    m_scope.start([this, serial = generation->serial] { return settleRefusal(serial); });
+    return std::nullopt;
+}
+
+Task<void> AnswerStream::settleRefusal(quint64 serial) {
+    const qint64 chatId = m_generations.find(serial)->chatId;
+    std::optional<std::vector<ChatMessage>> messages;
+    try {
+        messages = co_await m_dependencies.chatService.getMessages(chatId);
+    } catch (const TaskCancelled&) {
+        throw;
+    } catch (const std::exception& error) {
+        // As if it were unknown: rather once too often in the composer than gone.
+        qCWarning(lcStream).noquote() << "❌ [ChatViewModel] Error loading messages:" << error.what();
+    }
+    Generation* generation = m_generations.find(serial);
+    if (!generation)
+        co_return;
+    if (messages && knows(*messages, *generation)) {
+        generation->hasLeft = true;
+        emit waitingEnded(finish(generation).chatId);
+    } else {
+        giveBack(*generation);
+    }
+    settled();
 }
 
 AnswerStream::Ending AnswerStream::finish(Generation* generation) {

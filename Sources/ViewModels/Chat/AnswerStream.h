@@ -99,6 +99,7 @@ private:
     void submit(Generation& generation);
     void joinFollowers(qint64 chatId);
     void giveBack(Generation& generation);
+    Task<void> settleRefusal(quint64 serial);
     void takeNotice(Generation& generation);
     void doubt();
     void giveUp();

@@ -397,9 +397,9 @@ void ChatViewModel::sendMessage(QString text) {
         return;
     const auto editImageUrl = m_pendingEditImageUrl;
     setCurrentInput({});
-    saveDraft();
     setPendingEditImage(std::nullopt);
     send(text, editImageUrl);
+    saveDraft(); // only now that the journal has the question: a kill in between would take it
 }
 
 void ChatViewModel::send(const QString& text, const std::optional<QString>& editImageUrl) {

@@ -38,6 +38,7 @@ struct Entry {
     bool joins = false;
     bool hasLeft = false;
     bool isHeard = false;
+    qint64 timesAsked = 0;         // this question in its chat, this time included; 0 when that is not known
     std::vector<ChatMessage> turn; // question and answer as they are shown
 
     static Entry fromJson(const JsonReader& json) {
@@ -56,6 +57,7 @@ struct Entry {
             .joins = json.boolean("joins"_L1),
             .hasLeft = json.boolean("hasLeft"_L1),
             .isHeard = json.boolean("isHeard"_L1),
+            .timesAsked = json.optionalInteger("timesAsked"_L1).value_or(0),
             .turn = json.array<ChatMessage>("turn"_L1),
         };
     }
@@ -64,9 +66,32 @@ struct Entry {
             {"imageUrls"_L1, QJsonArray::fromStringList(question.imageUrls)}};
         insertIfPresent(asked, "projectId"_L1, question.projectId);
         return {{"question"_L1, asked}, {"chatId"_L1, chatId}, {"isStopped"_L1, isStopped}, {"joins"_L1, joins},
-            {"hasLeft"_L1, hasLeft}, {"isHeard"_L1, isHeard}, {"turn"_L1, toJsonArray(turn)}};
+            {"hasLeft"_L1, hasLeft}, {"isHeard"_L1, isHeard}, {"timesAsked"_L1, timesAsked},
+            {"turn"_L1, toJsonArray(turn)}};
     }
 };
+
+auto asks(const QString& text) {
+    return [text](const ChatMessage& message) {
+        return message.role == ChatMessage::Role::user && message.text() == text;
+    };
+}
+
+// The messages may have been read from the service while the answer was growing: then they hold the question and what
+// there was of its answer. False when the question is not among them.
+bool cutBehind(std::vector<ChatMessage>& messages, const QString& question, qint64 timesAsked) {
+    auto found = messages.end();
+    if (timesAsked > 0) {
+        found = std::find_if(messages.begin(), messages.end(),
+            [&, isIt = asks(question)](const ChatMessage& message) { return isIt(message) && --timesAsked == 0; });
+    } else if (!messages.empty() && asks(question)(messages.back())) {
+        found = messages.end() - 1;
+    }
+    if (found == messages.end())
+        return false;
+    messages.erase(found + 1, messages.end());
+    return true;
+}
 
 // The answer begins anew: the service sends it from its beginning.
 ChatMessage emptied(ChatMessage answer) {
@@ -99,8 +124,10 @@ void GenerationJournal::save(
             .hasLeft = generation.hasLeft,
             .isHeard = generation.isHeard,
             .turn = {}};
-        if (messages.size() >= 2 && !entry.isStopped)
+        if (messages.size() >= 2 && !entry.isStopped) {
+            entry.timesAsked = std::count_if(messages.begin(), messages.end(), asks(entry.question.text));
             entry.turn = {messages[messages.size() - 2], emptied(messages.back())};
+        }
         entries.push_back(std::move(entry));
     }
     QJsonArray saved = toJsonArray(entries);
@@ -139,10 +166,7 @@ std::vector<Generation> GenerationJournal::restore() {
         } else {
             if (entry.chatId > 0)
                 generation.parked = m_cache.getCachedMessages(entry.chatId).value_or(std::vector<ChatMessage>());
-            const bool hasQuestion = !generation.parked.empty() &&
-                generation.parked.back().role == ChatMessage::Role::user &&
-                generation.parked.back().content == entry.turn.front().content;
-            if (!hasQuestion)
+            if (!cutBehind(generation.parked, entry.question.text, entry.timesAsked))
                 generation.parked.push_back(std::move(entry.turn.front()));
             generation.parked.push_back(std::move(entry.turn.back()));
             generation.lengthWithAnswer = generation.parked.size();

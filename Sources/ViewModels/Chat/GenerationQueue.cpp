@@ -26,6 +26,10 @@ Generation& GenerationQueue::begin(Generation generation) {
     return m_generations.emplace_back(std::move(generation));
 }
 
+Generation* GenerationQueue::find(quint64 serial) {
+    return findIn(m_generations, [serial](const Generation& generation) { return generation.serial == serial; });
+}
+
 Generation* GenerationQueue::current() {
     return findIn(m_generations, [](const Generation& generation) { return generation.hasLeft; });
 }

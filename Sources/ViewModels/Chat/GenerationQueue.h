@@ -58,6 +58,7 @@ class GenerationQueue {
 public:
     bool isEmpty() const { return m_generations.empty(); }
     Generation& begin(Generation generation);
+    Generation* find(quint64 serial);
     Generation* current();                // the first that has left: whose frames come now; null when none is under way
     Generation* open();                   // the newest of the open conversation
     Generation* runningOf(qint64 chatId); // the newest of that chat that has not been stopped

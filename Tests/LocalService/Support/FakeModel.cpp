@@ -8,9 +8,10 @@ namespace korvi::service::test {
 
 using asio::ip::tcp;
 
-FakeModel::FakeModel(std::vector<Script> scripts)
+FakeModel::FakeModel(std::vector<Script> scripts, std::vector<Script> titles)
     : acceptor_(io_, tcp::endpoint(asio::ip::address_v4::loopback(), 0))
     , scripts_(std::move(scripts))
+    , titles_(std::move(titles))
     , thread_([this] { serve(); }) {}
 
 FakeModel::~FakeModel() {
@@ -27,7 +28,7 @@ std::string FakeModel::url() const {
 }
 
 void FakeModel::serve() {
-    for (Script& script : scripts_) {
+    for (std::size_t answers = 0, titles = 0; answers < scripts_.size() || titles < titles_.size();) {
         boost::system::error_code error;
         tcp::socket socket = acceptor_.accept();
         socket.set_option(tcp::no_delay(true));
@@ -35,18 +36,33 @@ void FakeModel::serve() {
         const auto head = asio::read_until(socket, asio::dynamic_buffer(text), "\r\n\r\n", error);
         if (error)
             return;
-        script.head = text.substr(0, head);
-        const auto length = std::stoul(script.head.substr(script.head.find("Content-Length: ") + 16));
+        const auto length = std::stoul(text.substr(text.find("Content-Length: ") + 16));
         if (text.size() < head + length)
             asio::read(socket, asio::dynamic_buffer(text), asio::transfer_exactly(head + length - text.size()), error);
-        script.request = nlohmann::json::parse(text.substr(head), nullptr, false);
-        for (const auto& part : script.parts)
-            asio::write(socket, asio::buffer(part), error);
-        char byte = 0;
-        if (script.hang)
-            socket.read_some(asio::buffer(&byte, 1), error);
-        socket.shutdown(tcp::socket::shutdown_both, error);
+        const auto request = nlohmann::json::parse(text.substr(head), nullptr, false);
+        const bool isTitle = request["messages"][0]["role"] == "system";
+        if (isTitle ? titles == titles_.size() : answers == scripts_.size())
+            continue;
+        Script& script = isTitle ? titles_[titles++] : scripts_[answers++];
+        script.head = text.substr(0, head);
+        script.request = request;
+        if (isTitle || script.gate.valid())
+            threads_.emplace_back([&script, own = std::move(socket)]() mutable { answer(own, script); });
+        else
+            answer(socket, script);
     }
+}
+
+void FakeModel::answer(tcp::socket& socket, const Script& script) {
+    if (script.gate.valid())
+        script.gate.wait();
+    boost::system::error_code error;
+    for (const auto& part : script.parts)
+        asio::write(socket, asio::buffer(part), error);
+    char byte = 0;
+    if (script.hang)
+        socket.read_some(asio::buffer(&byte, 1), error);
+    socket.shutdown(tcp::socket::shutdown_both, error);
 }
 
 std::string streamHead() {
