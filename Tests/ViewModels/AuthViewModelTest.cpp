@@ -143,7 +143,11 @@ TEST_F(AuthViewModelTest, LeavingForgetsTheUserAndAFailingRefreshDoesNot) {
     EXPECT_TRUE(refreshing.isDone());
     EXPECT_TRUE(auth.isAuthenticated());
     EXPECT_EQ(auth.displayName(), u"Анна Ким"_s);
+    http.hold(u"/user"_s);
+    const Running<void> late([&] { return auth.refreshUserData(); });
     auth.logout();
+    http.open(u"/user"_s).answer(user);
+    EXPECT_TRUE(late.isDone());
     EXPECT_EQ(disconnects, 1);
     EXPECT_FALSE(auth.isAuthenticated());
     EXPECT_EQ(auth.displayName(), QString());

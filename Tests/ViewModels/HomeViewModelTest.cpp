@@ -88,6 +88,8 @@ TEST_F(HomeTest, AReturningNetworkBringsTheUserBackWithoutANewSignIn) {
     EXPECT_TRUE(auth.isAuthenticated());
     EXPECT_TRUE(slow.isCancelled) << "its failure would throw the user out again";
     EXPECT_EQ(token(), "tok");
+    auth.logout();
+    EXPECT_FALSE(auth.hasNetworkError()) << "leaving leads to the sign-in form";
 }
 
 TEST_F(HomeTest, AReturningNetworkLoadsAnewOnTheMainScreenOnly) {
@@ -109,6 +111,19 @@ TEST_F(HomeTest, AReturningNetworkLoadsAnewOnTheMainScreenOnly) {
     networkReturns();
     EXPECT_EQ(chatLoads(), 3);
     EXPECT_EQ(userRequests(), askedForTheUser + 1) << "the sign-in form waits for the user, not for the network";
+}
+
+TEST_F(HomeTest, AReturningNetworkBuildsTheSocketAnewWhileRestoredAnswersAreStillCompared) {
+    defaults.setString(u"conversationsOwner"_s, u"u1"_s);
+    defaults.setData(u"endedGenerations"_s,
+        R"([{"chatId":7,"textHead":"Ответ","thinkingTail":"","at":)" +
+            QByteArray::number(virtualTime.now().toMSecsSinceEpoch()) + "}]");
+    http.hold(u"/chats/7/messages"_s);
+    auth.start();
+    sockets.accept();
+    ASSERT_TRUE(http.hasOpen(u"/chats/7/messages"_s));
+    networkReturns();
+    EXPECT_EQ(sockets.count(), 2U);
 }
 
 TEST_F(HomeTest, AChatAskedForFromOutsideOpensAtOnceOrWithTheMainScreen) {

@@ -70,6 +70,10 @@ TEST_F(ShellState, AChosenThemeStaysAndTheDesktopsIsFollowedWhereItIsLeftOpen) {
     theme.setDesktop(u"dark"_s, false);
     EXPECT_EQ(theme.scheme(), u"dark"_s);
     EXPECT_EQ(defaults.string(u"appTheme"_s), u"Авто"_s);
+
+    defaults.setString(u"appTheme"_s, u"Зелёная"_s); // unknown, so the desktop's is in force: choosing that is a choice
+    ThemeManager(defaults).setTheme(AppTheme::system);
+    EXPECT_EQ(defaults.string(u"appTheme"_s), u"Авто"_s);
 }
 
 TEST_F(ShellState, TheTextSizeStaysInItsRange) {

@@ -22,6 +22,13 @@ Item {
         }
     }
 
+    SignalSpy {
+        id: changed
+
+        signalName: "changeEmail"
+        target: form
+    }
+
     TestCase {
         name: "CodeForm"
         when: windowShown
@@ -101,6 +108,16 @@ Item {
             form.busy = true
             refuse("Не удалось отправить код. Проверьте email.")
             compare(field.text, "47")
+        }
+
+        function test_escGoesBackToTheAddress() {
+            changed.clear()
+            form.busy = true
+            keyClick(Qt.Key_Escape)
+            compare(changed.count, 0)
+            form.busy = false
+            keyClick(Qt.Key_Escape)
+            compare(changed.count, 1)
         }
 
         function test_resendIsOfferedAfterTheCountdown() {

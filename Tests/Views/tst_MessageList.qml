@@ -356,6 +356,38 @@ Item {
             compare(list.column.focusedRow, messages.count - 1)
         }
 
+        function test_aNarrowerColumnKeepsEveryTextInItsRow() {
+            list.column.positionAtRow(16) // a long answer is ready above the view
+            settled()
+            verify(list.column.itemAt(15))
+            list.columnWidth = 200
+            settled()
+            let looked = 0
+            for (let row = 0; row < list.count; ++row) {
+                const item = list.column.itemAt(row)
+                const part = item ? findChild(item, "textPart") : null
+                if (!part)
+                    continue
+                ++looked
+                verify(part.mapToItem(item, 0, part.height).y <= item.height, "row " + row)
+            }
+            verify(looked > 1)
+            list.columnWidth = 460
+        }
+
+        function test_tabBringsButtonsOnTheScreen() {
+            grow(40)
+            list.focusRow(list.count - 1)
+            list.showEnd()
+            settled()
+            keyClick(Qt.Key_Tab)
+            settled()
+            const pill = findChild(list.column.itemAt(list.count - 1), "thinkingPill")
+            verify(pill.activeFocus)
+            const y = pill.mapToItem(list, 0, 0).y
+            verify(y >= 0 && y + pill.height <= list.height, "at " + y)
+        }
+
         function test_textSizeKeepsWhatIsRead() {
             messages.setProperty(9, "text", paragraph.repeat(60))
             list.column.positionAtRow(9)

@@ -84,6 +84,21 @@ FocusScope {
             }
         }
 
+        function test_onlyAPointerThatMovesChooses() {
+            const row = 1
+            const place = list.itemAtIndex(row).mapToItem(root, 20, 10)
+            cleanup()
+            mouseMove(root, place.x, place.y)
+            init()
+            wait(0)
+            compare(list.currentIndex, 0)
+            mouseMove(root, place.x + 3, place.y)
+            mouseMove(root, place.x + 6, place.y)
+            compare(list.currentIndex, row)
+            keyClick(Qt.Key_Down)
+            compare(list.currentIndex, row + 1)
+        }
+
         function test_aNameIsShownAsItIsWritten() {
             field.text = "елка"
             list.forceLayout()

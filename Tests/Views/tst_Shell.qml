@@ -65,9 +65,13 @@ Item {
             verify(content.activeFocus)
             layout.toggle()
             tryVerify(() => drawerX() === 0)
+            verify(sidebar.activeFocus)
             layout.width = 900 // nothing stays covered when the window grows
             verify(content.enabled)
             tryVerify(() => drawerX() === 0)
+            verify(sidebar.activeFocus)
+            layout.width = 500 // nor does the keyboard stay in what folds away
+            verify(content.activeFocus)
         }
     }
 }

@@ -17,6 +17,12 @@ FocusScope {
 
         focus: true
     }
+    SelectableText {
+        id: reading
+
+        content: "Ответ"
+        y: 100
+    }
     ShortcutSet {
         onActivated: id => root.heard.push(id)
     }
@@ -55,6 +61,15 @@ FocusScope {
             keyboard.click(root.Window.window, data.russian, Qt.ControlModifier)
             compare(root.heard, [data.id, data.id])
             compare(field.text, "")
+        }
+
+        function test_whereATextIsReadTheyAreHeard() {
+            mouseClick(reading)
+            verify(reading.activeFocus)
+            keyClick(Qt.Key_L, Qt.ControlModifier)
+            reading.takeCaret()
+            keyClick(Qt.Key_K, Qt.ControlModifier)
+            compare(root.heard, ["focusComposer", "quickSwitch"])
         }
 
         function test_eachKeyMeansOneThing() {

@@ -151,7 +151,7 @@ AnswerFold::Outcome AnswerFold::fold(std::vector<MessageContent>& content, const
             if (hasCharacters(piece, hasPlaceholder ? 1 : shortestRepeat) && whole.contains(piece))
                 continue;
             if (m_isReplaying) {
-                qCInfo(lcAnswerFold) << "🔌 [ChatViewModel] New content after replay (" << piece.size() << ")";
+                qCInfo(lcAnswerFold).nospace() << "🔌 [ChatViewModel] New content after replay (" << piece.size() << ")";
                 m_isReplaying = false;
             }
             outcome.follow = appendText(content, piece) || outcome.follow;

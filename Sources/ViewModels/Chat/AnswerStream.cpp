@@ -176,7 +176,10 @@ AnswerStream::Owner AnswerStream::created(qint64 chatId) {
     // A replay tells of the chat again: then its answer has it already, or has had its end.
     Generation* current = m_generations.current();
     if (current && current->chatId == chatId) {
-        takeNotice(*current);
+        if (current->createsChat())
+            takeNotice(*current);
+        else
+            m_guard.swallowOne(); // the answer that the chat began with had its end
         return Owner::none;
     }
     Generation* generation = m_answeredNewChats.contains(chatId) ? nullptr : m_generations.withoutChat();
@@ -333,10 +336,10 @@ void AnswerStream::giveUp() {
     for (Generation* generation : waiting) {
         if (generation->isHeard)
             emit waitingEnded(finish(generation).chatId);
-        else
-            giveBack(*generation);
     }
-    settled();
+    // Of the others it is not known whether they arrived.
+    m_isSilent = true;
+    askLater(std::chrono::seconds(0), true);
 }
 
 void AnswerStream::listenForSilence() {

@@ -26,8 +26,11 @@ void ChatDirectory::loadCached() {
 }
 
 Task<void> ChatDirectory::load() {
+    const QString organization = m_dependencies.cache.currentOrgSuffix();
     try {
         std::vector<Chat> chats = co_await m_dependencies.chatService.getChats();
+        if (organization != m_dependencies.cache.currentOrgSuffix())
+            co_return; // of the former one
         m_chats.setChats(std::move(chats));
         m_dependencies.cache.cacheChats(m_chats.chats());
         for (const Chat& chat : m_chats.chats())
@@ -58,7 +61,7 @@ Task<void> ChatDirectory::toggleFavorite(qint64 chatId) {
     const bool isFavorite = !known->isFavorite.value_or(false);
     try {
         const Chat chat = co_await m_dependencies.chatService.setFavorite(chatId, isFavorite);
-        store(chat);
+        replace(chat);
     } catch (const TaskCancelled&) {
         throw;
     } catch (const std::exception& error) {
@@ -70,7 +73,7 @@ Task<void> ChatDirectory::toggleFavorite(qint64 chatId) {
 Task<void> ChatDirectory::rename(qint64 chatId, QString newName) {
     try {
         const Chat chat = co_await m_dependencies.chatService.renameChat(chatId, newName);
-        store(chat);
+        replace(chat);
     } catch (const TaskCancelled&) {
         throw;
     } catch (const std::exception& error) {
@@ -100,12 +103,15 @@ Task<void> ChatDirectory::prefetchMessages(QDateTime now) {
             ids.push_back(chat.id);
     }
     DataCacheManager& cache = m_dependencies.cache;
+    const QString organization = cache.currentOrgSuffix();
     for (const qint64 id : ids) {
         const QDateTime fetched = cache.messagesLastFetch.value(id);
         if (fetched.isValid() && fetched.msecsTo(now) <= std::chrono::milliseconds(DataCacheManager::cacheTTL).count())
             continue;
         try {
             const std::vector<ChatMessage> messages = co_await m_dependencies.chatService.getMessages(id);
+            if (organization != cache.currentOrgSuffix())
+                co_return;
             cache.cacheMessages(messages, id);
         } catch (const TaskCancelled&) {
             throw;
@@ -117,6 +123,12 @@ Task<void> ChatDirectory::prefetchMessages(QDateTime now) {
 
 void ChatDirectory::clear() {
     m_chats.setChats({});
+}
+
+// It may have been deleted meanwhile.
+void ChatDirectory::replace(const Chat& chat) {
+    if (m_chats.find(chat.id))
+        store(chat);
 }
 
 void ChatDirectory::store(const Chat& chat) {

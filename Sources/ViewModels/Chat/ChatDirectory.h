@@ -42,6 +42,7 @@ signals:
     void chatRemoved(qint64 chatId);
 
 private:
+    void replace(const Chat& chat);
     void store(const Chat& chat);
 
     Dependencies m_dependencies;

@@ -9,6 +9,8 @@
 #include "Match.h"
 #include "NotificationCenter.h"
 
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QPointer>
 
 namespace Korvi {
@@ -22,6 +24,7 @@ namespace {
 constexpr auto slowHint = u"Это может занять время...";
 const auto ownerKey = u"conversationsOwner"_s; // whose lists are cached
 const auto draftKey = u"composerDraft"_s;
+const auto leftInputsKey = u"leftComposerInputs"_s;
 
 }
 
@@ -54,7 +57,8 @@ ChatViewModel::ChatViewModel(Dependencies dependencies, QObject* parent)
     });
     connect(&m_stream, &AnswerStream::waitingEnded, this, [this](qint64 chatId) {
         if (chatId > 0)
-            m_scope.start([this, chatId] { return loadMessages(chatId); });
+            m_scope.start(
+                [this, chatId] { return chatId == activeChatId() ? loadMessages(chatId) : verifyMessages(chatId); });
     });
     connect(&m_directory, &ChatDirectory::chatChanged, this, [this](const Chat& chat) {
         if (m_activeChat && m_activeChat->id == chat.id && *m_activeChat != chat)
@@ -80,12 +84,16 @@ void ChatViewModel::restore(const QString& userId) {
         m_dependencies.cache.clearAll();
         m_stream.forgetJournal();
         defaults.remove(draftKey);
+        defaults.remove(leftInputsKey);
         defaults.setString(ownerKey, userId);
     }
     m_directory.loadCached();
     m_stream.restore();
     if (m_currentInput.isEmpty())
         setCurrentInput(defaults.string(draftKey).value_or(QString()));
+    const QJsonObject left = QJsonDocument::fromJson(defaults.data(leftInputsKey).value_or(QByteArray())).object();
+    for (auto it = left.begin(); it != left.end(); ++it)
+        m_leftInputs.insert(it.key().toLongLong(), it.value().toString());
 }
 
 Task<void> ChatViewModel::loadData() {
@@ -94,7 +102,7 @@ Task<void> ChatViewModel::loadData() {
     connectToService();
     // What ended just before the last end of the client may not have been compared with what is stored.
     for (const qint64 chatId : m_stream.takeRestoredEnds())
-        co_await verifyMessages(chatId);
+        m_scope.start([this, chatId] { return verifyMessages(chatId); });
 }
 
 Task<void> ChatViewModel::fetchCurrentUser() {
@@ -132,6 +140,8 @@ void ChatViewModel::organizationChanged() {
     setActiveChat(std::nullopt);
     setCurrentInput({});
     m_leftInputs.clear();
+    m_activeProjectId.reset();
+    m_activeProjectName.reset();
     m_dependencies.cache.clearAll();
     m_dependencies.chatService.disconnect();
     m_scope.start([this]() -> Task<void> {
@@ -176,6 +186,13 @@ void ChatViewModel::saveDraft() {
         m_dependencies.defaults.setString(draftKey, m_currentInput);
 }
 
+void ChatViewModel::saveLeftInputs() {
+    QJsonObject left;
+    for (auto it = m_leftInputs.begin(); it != m_leftInputs.end(); ++it)
+        left.insert(QString::number(it.key()), it.value());
+    m_dependencies.defaults.setData(leftInputsKey, QJsonDocument(left).toJson(QJsonDocument::Compact));
+}
+
 bool ChatViewModel::canSend() const {
     return m_pendingEditImageUrl || !m_currentInput.trimmed().isEmpty();
 }
@@ -211,8 +228,10 @@ QString ChatViewModel::lastQuestion() const {
 // Which conversation is open
 
 void ChatViewModel::createChat() {
-    if (m_activeChat && !m_currentInput.isEmpty())
+    if (m_activeChat && !m_currentInput.isEmpty()) {
         m_leftInputs.insert(m_activeChat->id, m_currentInput);
+        saveLeftInputs();
+    }
     openConversation(std::nullopt);
     setCurrentInput({});
     setPendingEditImage(std::nullopt);
@@ -234,12 +253,16 @@ void ChatViewModel::selectChat(qint64 chatId) {
     if (activeChatId() != chatId) {
         const QString mode = chat->mode;
         openConversation(*chat);
-        if (const QString left = m_leftInputs.take(chatId); m_currentInput.isEmpty())
-            setCurrentInput(left);
+        if (m_currentInput.isEmpty() && m_leftInputs.contains(chatId)) {
+            setCurrentInput(m_leftInputs.take(chatId));
+            saveDraft();
+            saveLeftInputs();
+        }
         if (ModelCatalogue::find(mode))
             selectModel(mode);
         else
-            qCWarning(lcChat) << "⚠️ [ChatViewModel] Chat mode '" << mode << "' is not in the catalogue";
+            qCWarning(lcChat).noquote().nospace()
+                << "⚠️ [ChatViewModel] Chat mode '" << mode << "' is not in the catalogue";
     }
     m_scope.start([this, chatId] { return loadMessages(chatId); });
 }
@@ -268,6 +291,7 @@ void ChatViewModel::setActiveChat(std::optional<Chat> chat) {
 }
 
 Task<void> ChatViewModel::loadMessages(qint64 chatId) {
+    const QString organization = m_dependencies.cache.currentOrgSuffix();
     quint64 turn = 0;
     std::vector<ChatMessage> messages;
     try {
@@ -281,7 +305,9 @@ Task<void> ChatViewModel::loadMessages(qint64 chatId) {
         qCWarning(lcChat).noquote() << "❌ [ChatViewModel] Error loading messages:" << error.what();
         co_return;
     }
-    if (activeChatId() != chatId || m_stream.isUnderWay(chatId)) {
+    if (activeChatId() != chatId || organization != m_dependencies.cache.currentOrgSuffix())
+        co_return;
+    if (m_stream.isUnderWay(chatId)) {
         qCInfo(lcChat) << "⏳ [ChatViewModel] Skipping message refresh — streaming in progress";
         m_dependencies.cache.cacheMessages(messages, chatId);
         m_stream.noteMissingHistory(chatId);
@@ -292,8 +318,11 @@ Task<void> ChatViewModel::loadMessages(qint64 chatId) {
 
 // Compares an answer that came over several lines with what is stored. A list that lacks the answer is too early.
 Task<void> ChatViewModel::verifyMessages(qint64 chatId) {
+    const QString organization = m_dependencies.cache.currentOrgSuffix();
     try {
         std::vector<ChatMessage> messages = co_await m_dependencies.chatService.getMessages(chatId);
+        if (organization != m_dependencies.cache.currentOrgSuffix())
+            co_return;
         const bool isOpen = activeChatId() == chatId;
         const auto known = isOpen ? MessageComposition::lastQuestion(m_messages.messages()) : std::nullopt;
         const bool isComplete = !messages.empty() && MessageComposition::isAnswer(messages.back()) &&
@@ -389,7 +418,6 @@ void ChatViewModel::send(const QString& text, const std::optional<QString>& edit
         .projectId = m_activeProjectId});
     if (chatId > 0 && m_loadedChatId != chatId)
         m_stream.noteMissingHistory(chatId);
-    restartHintTimer();
 }
 
 void ChatViewModel::stopGeneration() {
@@ -413,7 +441,7 @@ void ChatViewModel::retryLastMessage() {
     if (m_isGenerating)
         return;
     const auto again = MessageComposition::lastQuestion(m_messages.messages());
-    if (!again) {
+    if (!again || again->isEmpty()) {
         qCWarning(lcChat) << "❌ [ChatViewModel] retryLastMessage: no user message found";
         return;
     }
@@ -479,6 +507,7 @@ void ChatViewModel::failed(const SocketEvent::Error& error) {
     const Chat* chat = ending && !ending->wasOpen ? m_directory.find(ending->chatId) : nullptr;
     // The banner stands in the open conversation: of another one it says so.
     showError(chat ? u"«%1»: %2"_s.arg(chat->name, error.message) : error.message);
+    m_canRetryError = ending && ending->wasOpen && !m_isGenerating;
 }
 
 void ChatViewModel::streamEnded() {
@@ -502,6 +531,9 @@ void ChatViewModel::answerStateChanged() {
     if (!m_isGenerating) {
         m_hintTimer.cancel();
         m_generationHint = QString();
+    } else if (!m_hintTimer.isActive() && m_generationHint.value().isEmpty()) {
+        m_hintTimer =
+            m_dependencies.scheduler.after(hintDelay, [this] { m_generationHint = QStringView(slowHint).toString(); });
     }
 }
 
@@ -510,18 +542,13 @@ void ChatViewModel::answerStateChanged() {
 void ChatViewModel::dismissError() {
     m_bannerTimer.cancel();
     m_generationError = QString();
+    m_canRetryError = false;
 }
 
 void ChatViewModel::showError(const QString& message) {
     m_generationError = message;
+    m_canRetryError = false;
     m_bannerTimer = m_dependencies.scheduler.after(bannerTime, [this] { dismissError(); });
-}
-
-void ChatViewModel::restartHintTimer() {
-    m_hintTimer = m_dependencies.scheduler.after(hintDelay, [this] {
-        if (m_isGenerating)
-            m_generationHint = QStringView(slowHint).toString();
-    });
 }
 
 }

@@ -48,6 +48,8 @@ class ChatViewModel : public QObject {
         QString pendingEditImageUrl READ pendingEditImageUrl NOTIFY pendingEditImageUrlChanged) // empty when absent
     Q_PROPERTY(QString generationError READ generationError NOTIFY generationErrorChanged BINDABLE
             bindableGenerationError) // empty when absent
+    // The error ended the answer to the last question of the open conversation.
+    Q_PROPERTY(bool canRetryError READ canRetryError NOTIFY canRetryErrorChanged BINDABLE bindableCanRetryError)
     Q_PROPERTY(QString generationHint READ generationHint NOTIFY generationHintChanged BINDABLE
             bindableGenerationHint) // empty when absent
     Q_PROPERTY(int contentUpdateTrigger READ contentUpdateTrigger NOTIFY contentUpdateTriggerChanged)
@@ -129,12 +131,14 @@ public:
     void setShowingModelSelector(bool showing);
     QString pendingEditImageUrl() const { return m_pendingEditImageUrl.value_or(QString()); }
     QString generationError() const { return m_generationError; }
+    bool canRetryError() const { return m_canRetryError; }
     QString generationHint() const { return m_generationHint; }
     int contentUpdateTrigger() const { return m_contentUpdateTrigger; }
 
     QBindable<bool> bindableIsGenerating() { return &m_isGenerating; }
     QBindable<QString> bindableConnectionStatus() { return &m_connectionStatus; }
     QBindable<QString> bindableGenerationError() { return &m_generationError; }
+    QBindable<bool> bindableCanRetryError() { return &m_canRetryError; }
     QBindable<QString> bindableGenerationHint() { return &m_generationHint; }
 
 signals:
@@ -147,6 +151,7 @@ signals:
     void showingModelSelectorChanged();
     void pendingEditImageUrlChanged();
     void generationErrorChanged();
+    void canRetryErrorChanged();
     void generationHintChanged();
     void contentUpdateTriggerChanged();
     void contentScrolled(); // the text grew by enough to be followed
@@ -169,8 +174,8 @@ private:
     void answerStateChanged();
     void takeBackQuestion(const QString& text);
     void showError(const QString& message);
-    void restartHintTimer();
     void saveDraft();
+    void saveLeftInputs();
 
     Dependencies m_dependencies;
     std::optional<User> m_user;
@@ -198,6 +203,8 @@ private:
     Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(ChatViewModel, QString, m_connectionStatus, QStringLiteral("Connecting..."),
         &ChatViewModel::connectionStatusChanged)
     Q_OBJECT_BINDABLE_PROPERTY(ChatViewModel, QString, m_generationError, &ChatViewModel::generationErrorChanged)
+    Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(
+        ChatViewModel, bool, m_canRetryError, false, &ChatViewModel::canRetryErrorChanged)
     Q_OBJECT_BINDABLE_PROPERTY(ChatViewModel, QString, m_generationHint, &ChatViewModel::generationHintChanged)
 
     TaskScope m_scope; // last: its tasks end before anything they use

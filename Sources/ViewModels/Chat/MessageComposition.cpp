@@ -103,22 +103,25 @@ QString detectGenerationType(const QString& text, bool hasImage) {
 }
 
 std::vector<ChatMessage> mergeFileAttachments(const std::vector<ChatMessage>& local, std::vector<ChatMessage> server) {
-    QHash<QString, std::vector<MessageContent>> known;
+    if (std::ranges::all_of(local, [](const ChatMessage& each) { return files(each).empty(); }))
+        return server;
+    // Counted from the end: the same words may have been sent more than once, with other files or without.
+    QHash<QString, std::vector<std::vector<MessageContent>>> known;
     for (const ChatMessage& each : local) {
-        if (!isOfUser(each))
-            continue;
-        if (auto attached = files(each); !attached.empty())
-            known.insert(joinedText(each, u" "), std::move(attached));
+        if (isOfUser(each))
+            known[joinedText(each, u" ")].push_back(files(each));
     }
-    for (ChatMessage& each : server) {
-        if (known.isEmpty() || !isOfUser(each) || !files(each).empty())
+    for (auto each = server.rbegin(); each != server.rend(); ++each) {
+        const auto sent = isOfUser(*each) ? known.find(joinedText(*each, u" ")) : known.end();
+        if (sent == known.end() || sent->empty())
             continue;
-        const auto attached = known.constFind(joinedText(each, u" "));
-        if (attached == known.constEnd())
+        const std::vector<MessageContent> attached = std::move(sent->back());
+        sent->pop_back();
+        if (attached.empty() || !files(*each).empty())
             continue;
-        if (!each.content)
-            each.content.emplace();
-        each.content->insert(each.content->end(), attached->begin(), attached->end());
+        if (!each->content)
+            each->content.emplace();
+        each->content->insert(each->content->end(), attached.begin(), attached.end());
     }
     return server;
 }

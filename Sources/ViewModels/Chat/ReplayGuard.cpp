@@ -20,6 +20,12 @@ void ReplayGuard::watch() {
     m_isWatching = m_next < m_recent.size();
 }
 
+void ReplayGuard::swallowOne() {
+    m_isWatching = true;
+    m_isInReplay = true;
+    m_next = m_recent.size();
+}
+
 void ReplayGuard::clear() {
     m_recent.clear();
     m_isWatching = false;

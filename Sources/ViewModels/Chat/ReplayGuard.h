@@ -31,7 +31,8 @@ public:
     void connected(const QDateTime& now);
     // Nothing has come for a while: what comes from now on is not a replay.
     void relax() { m_isWatching = m_isWatching && m_isInReplay; }
-    void watch(); // frames of an answer that has ended may still come
+    void watch();      // frames of an answer that has ended may still come
+    void swallowOne(); // a replay has begun of an answer that is not known any more
     void clear();
 
     // Whether the frame is of an answer that has ended already. Frames come in order: once one is not, none is until

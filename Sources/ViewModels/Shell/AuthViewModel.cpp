@@ -229,8 +229,10 @@ Task<void> AuthViewModel::refreshUserData() {
     if (!m_isAuthenticated)
         co_return;
     try {
-        std::optional<User> user = co_await m_dependencies.users.getSelf();
-        setUser(std::move(user));
+        User user = co_await m_dependencies.users.getSelf();
+        // Who has left meanwhile does not come back with it.
+        if (m_user && m_user->id == user.id)
+            setUser(std::move(user));
     } catch (const std::exception& error) {
         qCWarning(lcAuth).noquote() << "⚠️ [AuthViewModel] Failed to refresh user data:" << error.what();
     }
@@ -245,6 +247,7 @@ void AuthViewModel::logout() {
     m_waitingProvider = QString();
     m_dependencies.disconnectChat();
     setUser(std::nullopt);
+    m_hasNetworkError = false; // of a check long ago: the way leads to the sign-in form
     m_isAuthenticated = false;
     m_errorMessage = QString();
     m_isEnterCodeStep = false;

@@ -3,6 +3,7 @@
 #include "Defaults.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace Korvi {
 
@@ -31,11 +32,9 @@ ThemeManager::ThemeManager(Defaults& defaults, QObject* parent)
 }
 
 void ThemeManager::setTheme(AppTheme theme) {
-    if (theme != m_currentTheme || !m_defaults.string(themeKey)) {
-        m_currentTheme = theme;
-        m_defaults.setString(themeKey, entryOf(theme).rawValue.toString());
+    m_defaults.setString(themeKey, entryOf(theme).rawValue.toString());
+    if (std::exchange(m_currentTheme, theme) != theme)
         emit changed();
-    }
 }
 
 std::optional<AppTheme> ThemeManager::colorScheme() const {

@@ -41,7 +41,6 @@ FocusScope {
     function recall(question: string): void {
         recalled = question
         edited(question)
-        edit.cursorPosition = edit.length
     }
 
     function takeBack(): bool {
@@ -55,7 +54,14 @@ FocusScope {
     implicitHeight: Math.min(maximumHeight, Theme.gap4 + Math.min(edit.contentHeight, lineHeight * 8) + Theme.gap3
         + barHeight + Theme.gap3)
 
-    onTextChanged: if (edit.text !== text) edit.text = text
+    // What comes from outside is gone on with at its end.
+    onTextChanged: {
+        if (edit.text === text)
+            return
+        edit.text = text
+        edit.cursorPosition = edit.length
+    }
+    Component.onCompleted: edit.cursorPosition = edit.length
 
     FontMetrics {
         id: metrics

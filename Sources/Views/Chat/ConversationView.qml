@@ -135,6 +135,7 @@ FocusScope {
 
         anchors.bottom: composer.top
         anchors.horizontalCenter: parent.horizontalCenter
+        canRetry: view.chat.canRetryError
         error: view.chat.generationError
         hint: view.chat.generationHint
         width: view.columnWidth

@@ -61,6 +61,7 @@ PopupMenu {
         onTriggered: menu.retryWanted()
     }
     PopupMenuItem {
+        destructive: true
         objectName: "deleteItem"
         symbol: "trash"
         text: "Удалить"

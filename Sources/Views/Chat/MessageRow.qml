@@ -19,6 +19,7 @@ Item {
     required property bool canRetry
 
     readonly property bool highlighted: hover.hovered || holdsFocus
+    readonly property BaseButton focusedButton: holdsFocus ? Window.activeFocusItem as BaseButton : null
 
     signal thinkingToggled
     signal retryWanted
@@ -42,6 +43,12 @@ Item {
     Accessible.role: Accessible.ListItem
     activeFocusOnTab: tabStop || activeFocus // it may not be taken from the row that has the focus
     implicitHeight: Math.ceil(content.height) // rows begin on whole pixels
+
+    // The Tab key goes on to buttons that have been scrolled out of sight.
+    onFocusedButtonChanged: {
+        if (focusedButton)
+            caretMoved(focusedButton.mapToItem(row, 0, 0).y, focusedButton.height)
+    }
 
     Keys.onEscapePressed: event => {
         event.accepted = holdsFocus && !activeFocus

@@ -95,14 +95,15 @@ T.Popup {
             implicitHeight: Math.max(Theme.tallRowHeight, implicitContentHeight + Theme.gap2 * 2)
             objectName: "model." + modelId
             text: name
-            width: list.width
+            width: list.width - (list.contentHeight > list.height ? Theme.gap2 : 0) // the bar stands beside the rows
 
             background: Rectangle {
-                color: row.ListView.isCurrentItem ? Theme.pick : row.hovered ? Theme.hover : "transparent"
+                color: row.ListView.isCurrentItem ? Theme.pick : "transparent"
                 radius: row.radius
             }
             contentItem: TitledRow {
                 checked: row.isSelected
+                lit: row.ListView.isCurrentItem
                 subtitle: row.description
                 symbol: row.iconName
                 title: row.name
@@ -123,6 +124,10 @@ T.Popup {
             verticalAlignment: Text.AlignBottom
         }
         // qmllint enable unqualified
+
+        PointerChoice {
+            list: list
+        }
 
         Keys.onEnterPressed: picker.choose(currentItem)
         Keys.onPressed: event => {

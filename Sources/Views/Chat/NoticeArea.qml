@@ -6,6 +6,7 @@ Item {
 
     required property string error
     required property string hint
+    property bool canRetry: false // asking the last question again may help
 
     signal retry
     signal dismissed
@@ -15,7 +16,7 @@ Item {
     MessageStrip {
         id: strip
 
-        actionText: "Повторить"
+        actionText: area.canRetry ? "Повторить" : ""
         dismissible: true
         objectName: "errorBanner"
         text: area.error

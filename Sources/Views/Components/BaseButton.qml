@@ -8,6 +8,7 @@ T.AbstractButton {
     property real radius: Theme.radiusRow
     property string hint // shown as a tool tip
     property bool focusShown: visualFocus
+    property bool filled: false // with the accent or another strong colour
 
     Accessible.description: hint
     Accessible.name: text
@@ -23,6 +24,7 @@ T.AbstractButton {
     Keys.onReturnPressed: clicked()
 
     FocusRing {
+        apart: control.filled
         around: control.radius
         shown: control.focusShown
         z: 1

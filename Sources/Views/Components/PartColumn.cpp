@@ -154,7 +154,9 @@ bool PartColumn::holdsFocus(int part) const {
 // What is in view is for the column to say, once per frame.
 void PartColumn::changed() {
     if (m_column) {
-        setImplicitHeight(m_heights.total());
+        for (const auto& [part, item] : m_items.live()) // the column never asks for those of a row out of view
+            measure(part);
+        place();
         m_column->polish();
     } else if (!m_showingAll) {
         const QScopedValueRollback guard(m_showingAll, true);

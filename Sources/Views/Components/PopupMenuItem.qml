@@ -9,6 +9,7 @@ T.MenuItem {
     property string hint // the key that does the same
     property bool destructive: false
 
+    readonly property bool lit: highlighted || hovered
     readonly property color tint: destructive ? Theme.err : Theme.t1
 
     Accessible.name: text
@@ -20,7 +21,7 @@ T.MenuItem {
     rightPadding: Theme.gap2
 
     background: Rectangle {
-        color: item.highlighted || item.hovered ? item.destructive ? Theme.errbg : Theme.pick : "transparent"
+        color: item.lit ? item.destructive ? Theme.errbg : Theme.pick : "transparent"
         radius: Theme.radiusRow
     }
     contentItem: Item {
@@ -45,7 +46,7 @@ T.MenuItem {
 
             anchors.right: parent.right
             anchors.verticalCenter: parent.verticalCenter
-            color: Theme.t3
+            color: item.lit ? Theme.t2 : Theme.t3
             font.pixelSize: Theme.fontSmall
             text: item.hint
         }

@@ -8,6 +8,7 @@ BaseButton {
     property bool destructive: false
 
     enabled: !busy
+    filled: true
     horizontalPadding: Theme.gap4
     implicitHeight: Theme.fieldHeight
     radius: Theme.radiusField

@@ -8,6 +8,7 @@ BaseButton {
     property alias symbol: icon.name
     property bool prominent: false // on the accent
 
+    filled: prominent
     hint: text
     implicitHeight: Theme.roundButton
     implicitWidth: Theme.roundButton

@@ -80,6 +80,9 @@ TextEdit {
                 edit.select(selectionStart, selectionEnd)
         }
     }
+    ShortcutPassage {
+        through: edit
+    }
     LineSpacing {
         distance: edit.lineDistance
         document: edit.textDocument

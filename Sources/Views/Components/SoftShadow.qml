@@ -16,7 +16,7 @@ Item {
         Rectangle {
             required property int index
 
-            readonly property real spread: (index + 1) * 2
+            readonly property real spread: (index + 1) * (index + 2) / 4 // denser near the surface
 
             color: Theme.shadow
             height: shadow.height + spread * 2

@@ -7,7 +7,7 @@ T.ScrollBar {
     implicitHeight: Theme.gap2
     implicitWidth: Theme.gap3
     minimumSize: 0.06
-    padding: Theme.gap1 / 2
+    padding: pressed || hovered ? Theme.gap1 / 2 : Theme.gap1
     visible: policy !== T.ScrollBar.AlwaysOff && size < 1
 
     contentItem: Rectangle {

@@ -8,6 +8,8 @@ T.MenuItem {
     property string symbol
     property string subtitle
 
+    readonly property bool lit: highlighted || hovered
+
     Accessible.checked: checked
     Accessible.description: subtitle
     Accessible.name: text
@@ -19,11 +21,12 @@ T.MenuItem {
     rightPadding: Theme.gap2
 
     background: Rectangle {
-        color: item.highlighted || item.hovered ? Theme.pick : "transparent"
+        color: item.lit ? Theme.pick : "transparent"
         radius: Theme.radiusRow
     }
     contentItem: TitledRow {
         checked: item.checked
+        lit: item.lit
         subtitle: item.subtitle
         symbol: item.symbol
         title: item.text

@@ -9,6 +9,7 @@ Item {
     required property string title
     required property string subtitle
     required property bool checked
+    property bool lit: false // on a background of its own, which takes contrast away
 
     implicitHeight: texts.implicitHeight
 
@@ -40,7 +41,7 @@ Item {
         }
         Label {
             Accessible.ignored: true
-            color: Theme.t3
+            color: row.lit ? Theme.t2 : Theme.t3
             elide: Text.ElideRight
             font.pixelSize: Theme.fontSmall
             lineHeight: Theme.px(16)

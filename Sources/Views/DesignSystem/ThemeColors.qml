@@ -27,8 +27,8 @@ QtObject {
     readonly property color amber:   dark ? "#e0ad5a" : "#96610d"
     readonly property color accHover: dark ? "#62aaf3" : "#155fb0" // accent under the pointer
     readonly property color errHover: dark ? "#f39089" : "#a02b27" // destructive action under the pointer
-    readonly property color sideSel: dark ? "#2a2a28" : "#eeeeea" // selected row on the sidebar
-    readonly property color pick:    dark ? "#343432" : "#f0f0ec" // row of a menu that the keyboard or pointer is on
+    readonly property color sideSel: dark ? "#2a2a28" : "#f0f0ec" // selected row on the sidebar
+    readonly property color pick:    dark ? "#31312f" : "#f0f0ec" // row of a menu that the keyboard or pointer is on
     readonly property color hover:   dark ? "#0dffffff" : "#0a000000" // laid over what is under the pointer
     readonly property color selection: dark ? "#594a9cf0" : "#401a6dc8" // behind selected text
     readonly property color halo:    dark ? "#404a9cf0" : "#211a6dc8" // around what has the focus

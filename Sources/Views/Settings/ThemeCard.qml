@@ -10,6 +10,7 @@ BaseButton {
     Accessible.checkable: true
     Accessible.checked: chosen
     Accessible.role: Accessible.RadioButton
+    focusShown: false // the frame shows it
     implicitHeight: implicitContentHeight
     radius: Theme.radiusCard
 
@@ -28,6 +29,10 @@ BaseButton {
             radius: Theme.radiusCard
             width: parent.width
 
+            FocusRing {
+                around: parent.radius
+                shown: card.visualFocus
+            }
             // Where the desktop decides: one half of each.
             Item {
                 id: light

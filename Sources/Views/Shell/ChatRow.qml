@@ -47,7 +47,7 @@ BaseButton {
                 id: ageLabel
 
                 anchors.right: parent.right
-                color: Theme.t3
+                color: row.selected ? Theme.t2 : Theme.t3
                 font.pixelSize: Theme.fontSmall
                 text: row.age
                 visible: !menuButton.visible && !dot.visible

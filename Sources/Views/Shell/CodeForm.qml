@@ -14,6 +14,12 @@ FormPage {
 
     spacing: Theme.gap2
 
+    Keys.onEscapePressed: event => {
+        event.accepted = !busy
+        if (event.accepted)
+            changeEmail()
+    }
+
     // A refused code leaves an empty field that is ready for the next one.
     onBusyChanged: {
         if (!busy && field.complete)
@@ -35,13 +41,13 @@ FormPage {
 
         onCompleted: code => form.submitted(code)
     }
+    // Its place is kept, so that nothing moves when it comes.
     FormError {
+        Accessible.ignored: text.length === 0
+        height: Math.max(implicitHeight, Theme.leading(font.pixelSize) + topPadding)
         text: form.error
         topPadding: Theme.gap1
-    }
-    Item {
-        height: Theme.gap2
-        width: 1
+        visible: true
     }
     Item {
         height: Theme.px(28)

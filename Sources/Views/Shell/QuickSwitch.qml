@@ -142,6 +142,9 @@ Sheet {
             }
             // qmllint enable unqualified
 
+            PointerChoice {
+                list: list
+            }
             Label {
                 anchors.centerIn: parent
                 color: Theme.t3

@@ -14,7 +14,7 @@ BaseButton {
     implicitHeight: Theme.buttonHeight
 
     background: Rectangle {
-        color: row.current ? Theme.pick : row.hovered ? Theme.hover : "transparent"
+        color: row.current ? Theme.pick : "transparent"
         radius: row.radius
     }
     contentItem: Item {
@@ -31,7 +31,7 @@ BaseButton {
 
             anchors.right: parent.right
             anchors.verticalCenter: parent.verticalCenter
-            color: Theme.t3
+            color: row.current ? Theme.t2 : Theme.t3
             font.pixelSize: Theme.fontSmall
             text: row.detail
         }

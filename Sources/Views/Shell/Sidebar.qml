@@ -63,12 +63,13 @@ FocusScope {
     SidebarRow {
         id: newChatRow
 
+        Accessible.description: "Ctrl+N"
         KeyNavigation.down: search
         anchors.top: brand.bottom
         focus: true
-        hint: "Ctrl+N"
+        detail: hovered || visualFocus ? "Ctrl+N" : ""
         objectName: "newChatButton"
-        symbol: "bubble.plus"
+        symbol: "plus.message"
         text: "Новый чат"
         width: parent.width - Theme.gap2 * 2
         x: Theme.gap2

@@ -32,7 +32,12 @@ FocusScope {
             reveal()
     }
 
-    onFoldedChanged: open = false
+    // The keyboard does not stay behind in a sidebar that folds away.
+    onFoldedChanged: {
+        open = false
+        if (folded && sidebarSlot.activeFocus)
+            contentSlot.forceActiveFocus()
+    }
 
     FocusScope {
         id: contentSlot

@@ -1,0 +1,98 @@
+// What surrounds the messages: the banner, the hint, the project and the organization.
+#include "ChatViewModelFixture.h"
+
+#include <QSignalSpy>
+
+namespace Korvi::Test {
+namespace {
+
+using namespace Qt::Literals;
+using namespace std::chrono_literals;
+
+class ConversationState : public ChatViewModelTest {
+protected:
+    ConversationState() {
+        load({chatJson(1, u"Раз"_s), chatJson(2, u"Два"_s)});
+        for (const int id : {1, 2})
+            http.answer(u"/chats/%1/messages"_s.arg(id), messagesJson(id, {}));
+    }
+};
+
+TEST_F(ConversationState, OnlyTheLastQuestionOfTheOpenChatIsOfferedToBeAskedAgain) {
+    chat->selectChat(1);
+    ask(u"a"_s);
+    chat->selectChat(2);
+    error(u"Занято"_s, 1); // while another chat is open
+    EXPECT_EQ(chat->generationError(), u"«Раз»: Занято"_s);
+    EXPECT_FALSE(chat->canRetryError());
+
+    ask(u"b"_s);
+    end();
+    error(u"Занято"_s, 2); // after the end: there is nothing to ask again
+    EXPECT_EQ(chat->generationError(), u"Занято"_s);
+    EXPECT_FALSE(chat->canRetryError());
+
+    ask(u"c"_s);
+    error(u"Занято"_s, 2);
+    EXPECT_TRUE(chat->canRetryError());
+    virtualTime.advance(8s);
+    EXPECT_EQ(chat->generationError(), QString());
+    EXPECT_FALSE(chat->canRetryError());
+}
+
+TEST_F(ConversationState, ThereIsNothingToAskAgainWithoutAQuestion) {
+    chat->retryLastMessage();
+    EXPECT_EQ(chat->messages()->count(), 0);
+    http.answer(u"/chats/1/messages"_s, messagesJson(1, {QString(), u"Слушаю"_s}));
+    chat->selectChat(1);
+    const qsizetype frames = service.frames().size();
+    chat->retryLastMessage();
+    EXPECT_EQ(chat->messages()->count(), 2);
+    EXPECT_EQ(service.frames().size(), frames);
+}
+
+TEST_F(ConversationState, TheHintOfASlowAnswerIsThereForThoseWhoComeBackToIt) {
+    chat->selectChat(1);
+    ask(u"a"_s);
+    virtualTime.advance(50s);
+    chat->selectChat(2);
+    virtualTime.advance(60s);
+    EXPECT_EQ(chat->generationHint(), QString()) << "nothing is awaited here";
+    chat->selectChat(1);
+    virtualTime.advance(60s);
+    EXPECT_EQ(chat->generationHint(), u"Это может занять время..."_s);
+    chunk(u"Ответ"_s);
+    EXPECT_NE(chat->generationHint(), QString());
+    end();
+    EXPECT_EQ(chat->generationHint(), QString());
+    virtualTime.advance(60s);
+    EXPECT_EQ(chat->generationHint(), QString());
+}
+
+TEST_F(ConversationState, AChatOfAProjectIsCreatedThereAndTheNextOneIsNot) {
+    QSignalSpy focus(chat, &ChatViewModel::inputFocusRequested);
+    chat->createChatInProject(4, u"Дом"_s);
+    EXPECT_EQ(chat->activeProjectName(), u"Дом"_s);
+    ask(u"a"_s);
+    EXPECT_EQ(lastFrame()["data"_L1]["projectId"_L1].toInt(), 4);
+    created(9);
+    chat->setEditImage(u"https://a/b.png"_s, u"Ярче"_s);
+    chat->createChat();
+    EXPECT_EQ(chat->pendingEditImageUrl(), QString());
+    EXPECT_EQ(chat->activeProjectId(), std::nullopt);
+    EXPECT_EQ(focus.count(), 3);
+}
+
+TEST_F(ConversationState, MessagesOfTheFormerOrganizationAreNotCachedForTheNext) {
+    chat->createChatInProject(4, u"Дом"_s);
+    http.hold(u"/chats/2/messages"_s);
+    chat->selectChat(2);
+    defaults.setString(u"currentOrganizationId"_s, u"org"_s);
+    emit notifications.organizationDidChange();
+    http.open(u"/chats/2/messages"_s).answer(messagesJson(2, {u"чужое"_s}));
+    EXPECT_EQ(cache.getCachedMessages(2), std::nullopt);
+    EXPECT_EQ(chat->activeProjectId(), std::nullopt);
+}
+
+}
+}
