@@ -151,6 +151,36 @@ TEST_F(ConversationKeeping, ARepeatedAnswerIsNotTakenForTheNextOne) {
     EXPECT_EQ(cached(1), shown());
 }
 
+TEST_F(ConversationKeeping, AnAnswerWhoseEndWasTakenForAnothersIsFound) {
+    const QString same = u"Оба ответа начинаются одинаково."_s;
+    ask(u"a"_s);
+    created(1);
+    chunk(same);
+    end();
+    reconnect();
+    ask(u"b"_s); // at once, before it is clear that nothing is repeated
+    chunk(same);
+    end();
+    EXPECT_TRUE(chat->isGenerating());
+    virtualTime.advance(3s);
+    http.answer(u"/chats/1/messages"_s, messagesJson(1, {u"a"_s, same, u"b"_s, same}));
+    while (http.hasOpen(u"/chats/1/messages"_s))
+        http.open(u"/chats/1/messages"_s).answer(messagesJson(1, {u"a"_s, same, u"b"_s, same}));
+    EXPECT_FALSE(chat->isGenerating());
+    EXPECT_EQ(shown().last(), u"ai: "_s + same);
+    // And one that nothing at all is heard of, on a line that stands.
+    http.hold(u"/chats/1/messages"_s);
+    ask(u"c"_s);
+    virtualTime.advance(30s);
+    http.open(u"/chats/1/messages"_s).answer(messagesJson(1, {u"a"_s, same, u"b"_s, same, u"c"_s}));
+    EXPECT_TRUE(chat->isGenerating());
+    virtualTime.advance(30s);
+    http.open(u"/chats/1/messages"_s).answer(messagesJson(1, {u"a"_s, same, u"b"_s, same, u"c"_s, u"готово"_s}));
+    EXPECT_FALSE(chat->isGenerating());
+    EXPECT_EQ(shown().last(), u"ai: готово"_s);
+    EXPECT_EQ(service.frames().size(), 2); // b and c, not asked twice
+}
+
 TEST_F(ConversationKeeping, AStoppedAnswerGivesItsPlaceOnlyWithItsEnd) {
     ask(u"a"_s);
     created(1);

@@ -21,6 +21,7 @@ protected:
 TEST_F(ConversationState, OnlyTheLastQuestionOfTheOpenChatIsOfferedToBeAskedAgain) {
     chat->selectChat(1);
     ask(u"a"_s);
+    chunk(u"Раз"_s);
     chat->selectChat(2);
     error(u"Занято"_s, 1); // while another chat is open
     EXPECT_EQ(chat->generationError(), u"«Раз»: Занято"_s);
@@ -33,6 +34,7 @@ TEST_F(ConversationState, OnlyTheLastQuestionOfTheOpenChatIsOfferedToBeAskedAgai
     EXPECT_FALSE(chat->canRetryError());
 
     ask(u"c"_s);
+    chunk(u"Три"_s);
     error(u"Занято"_s, 2);
     EXPECT_TRUE(chat->canRetryError());
     virtualTime.advance(8s);

@@ -165,6 +165,7 @@ void AnswerStream::reset() {
     m_reconnectTimer.cancel();
     m_silenceTimer.cancel();
     m_guardTimer.cancel();
+    m_patienceTimer.cancel();
     m_shown.setStreaming(false);
     emit generatingChatsChanged({});
     emit changed();
@@ -272,6 +273,7 @@ void AnswerStream::heard() {
 
 // The service has the question, since this is of its answer.
 void AnswerStream::takeNotice(Generation& generation) {
+    m_heardLately = true;
     if (&generation == m_generations.current()) {
         m_isSilent = false;
         m_silenceTimer.cancel();
@@ -304,8 +306,7 @@ void AnswerStream::connected() {
     flush();
     doubt();
     m_guard.connected(now);
-    if (m_guard.isWatching())
-        m_guardTimer = m_dependencies.scheduler.after(silenceTimeout, [this] { m_guard.relax(); });
+    relaxLater();
     for (Generation& generation : m_generations.all()) {
         generation.sawReconnect = generation.sawReconnect || generation.hasLeft;
         // The word to stop may have been lost with the line.
@@ -321,6 +322,17 @@ void AnswerStream::connected() {
     generation->fold.beginReplay();
     listenForSilence();
     m_reconnectTimer = m_dependencies.scheduler.after(reconnectTimeout, [this] { giveUp(); });
+}
+
+void AnswerStream::watchForRepeats() {
+    m_guard.watch();
+    relaxLater();
+}
+
+// What is repeated is repeated at once.
+void AnswerStream::relaxLater() {
+    if (m_guard.isWatching())
+        m_guardTimer = m_dependencies.scheduler.after(silenceTimeout, [this] { m_guard.relax(); });
 }
 
 void AnswerStream::giveUp() {
@@ -409,6 +421,44 @@ Task<void> AnswerStream::askAboutSilence(bool mayResend) {
         submitNext();
         co_return askLater(resendTimeout, false);
     }
+}
+
+// As long as an answer is waited for, its chat is asked now and then whether it is there: should its end have been taken
+// for another's, nothing else would tell.
+void AnswerStream::keepPatience() {
+    if (m_patienceTimer.isActive())
+        return;
+    m_heardLately = false;
+    m_patienceTimer = m_dependencies.scheduler.after(patience, [this] {
+        if (!m_generations.current())
+            return;
+        if (!m_heardLately && m_dependencies.chatService.isConnected())
+            m_scope.start([this] { return askWhetherComplete(); });
+        m_patienceTimer.cancel();
+        keepPatience();
+    });
+}
+
+Task<void> AnswerStream::askWhetherComplete() {
+    const Generation* asked = m_generations.current();
+    if (!asked || asked->chatId < 0 || asked->state != Generation::State::running)
+        co_return;
+    const quint64 serial = asked->serial;
+    const qint64 chatId = asked->chatId;
+    std::vector<ChatMessage> messages;
+    try {
+        messages = co_await m_dependencies.chatService.getMessages(chatId);
+    } catch (const TaskCancelled&) {
+        throw;
+    } catch (const std::exception& error) {
+        qCWarning(lcStream).noquote() << "❌ [ChatViewModel] Error loading messages:" << error.what();
+        co_return;
+    }
+    Generation* generation = m_generations.current();
+    if (!generation || generation->serial != serial || m_heardLately || !isComplete(*generation, messages))
+        co_return;
+    adopt(*generation, messages);
+    finish(generation);
 }
 
 const std::vector<ChatMessage>& AnswerStream::messagesOf(const Generation& generation) const {
@@ -549,7 +599,7 @@ AnswerStream::Ending AnswerStream::finish(Generation* generation) {
             .thinkingTail = generation->thinkingTail,
             .at = m_dependencies.clock.now()});
         if (generation->isUnheardEnd)
-            m_guard.watch();
+            watchForRepeats();
     }
     const bool wasCurrent = generation == m_generations.current();
     m_generations.remove(generation);
@@ -576,6 +626,9 @@ void AnswerStream::settled() {
         m_flushTimer.cancel();
         m_reconnectTimer.cancel();
         m_silenceTimer.cancel();
+        m_patienceTimer.cancel();
+    } else {
+        keepPatience();
     }
     saveJournal();
     QSet<qint64> generating;

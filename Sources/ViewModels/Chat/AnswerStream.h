@@ -37,6 +37,7 @@ public:
     static constexpr auto silenceTimeout = std::chrono::seconds(3);
     static constexpr auto resendTimeout = std::chrono::seconds(7);
     static constexpr auto creationTimeout = std::chrono::seconds(27);
+    static constexpr auto patience = std::chrono::seconds(30);
 
     // What became of an answer.
     struct Ending {
@@ -102,10 +103,14 @@ private:
     Task<void> settleRefusal(quint64 serial);
     void takeNotice(Generation& generation);
     void doubt();
+    void watchForRepeats();
+    void relaxLater();
     void giveUp();
     void listenForSilence();
     void askLater(std::chrono::seconds delay, bool mayResend);
     Task<void> askAboutSilence(bool mayResend);
+    void keepPatience();
+    Task<void> askWhetherComplete();
     const std::vector<ChatMessage>& messagesOf(const Generation& generation) const;
     bool isComplete(const Generation& generation, const std::vector<ChatMessage>& messages) const;
     bool knows(const std::vector<ChatMessage>& messages, const Generation& generation) const;
@@ -120,6 +125,7 @@ private:
     std::vector<qint64> m_restoredEnds;
     QSet<qint64> m_answeredNewChats; // whose creation may be told again
     bool m_isGenerating = false;
+    bool m_heardLately = false;
     bool m_isSilent = false;           // nothing came of the current answer since the line is up
     std::optional<QDateTime> m_lostAt; // when the line was lost
     bool m_wasAwayTooLong = false;     // for the service to repeat what has ended meanwhile
@@ -127,7 +133,8 @@ private:
     Timer m_reconnectTimer;
     Timer m_silenceTimer;
     Timer m_guardTimer;
-    TaskScope m_scope; // last: its tasks end before anything they use
+    Timer m_patienceTimer; // active while an answer is waited for
+    TaskScope m_scope;     // last: its tasks end before anything they use
 };
 
 }

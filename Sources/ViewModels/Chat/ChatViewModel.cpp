@@ -504,7 +504,9 @@ void ChatViewModel::created(const Chat& chat) {
 
 void ChatViewModel::failed(const SocketEvent::Error& error) {
     const auto ending = m_stream.fail(error.chatId);
-    const Chat* chat = ending && !ending->wasOpen ? m_directory.find(ending->chatId) : nullptr;
+    const qint64 chatId = ending ? ending->chatId : error.chatId.value_or(-1);
+    const bool isOpen = ending ? ending->wasOpen : chatId == activeChatId();
+    const Chat* chat = isOpen ? nullptr : m_directory.find(chatId);
     // The banner stands in the open conversation: of another one it says so.
     showError(chat ? u"«%1»: %2"_s.arg(chat->name, error.message) : error.message);
     m_canRetryError = ending && ending->wasOpen && !m_isGenerating;
