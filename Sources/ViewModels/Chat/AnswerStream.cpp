@@ -24,7 +24,6 @@ void AnswerStream::begin(Question question) {
     generation.question = std::move(question);
     const Generation* before = m_generations.open();
     generation.joins = generation.chatId < 0 && before && before->chatId < 0;
-    generation.lengthWithAnswer = static_cast<std::size_t>(m_shown.count());
     m_generations.begin(std::move(generation));
     settled();
 }
@@ -402,6 +401,7 @@ Task<void> AnswerStream::askAboutSilence(bool mayResend) {
         }
         if (generation->isHeard || (chatId > 0 && knows(messages, *generation))) {
             generation->isDoubtful = false;
+            generation->isHeard = true;
             submitNext();
             co_return askLater(resendTimeout, false);
         }
@@ -465,9 +465,9 @@ const std::vector<ChatMessage>& AnswerStream::messagesOf(const Generation& gener
     return generation.isOpen ? m_shown.messages() : generation.parked;
 }
 
+// How many messages there are does not tell: what was refused or given back may still stand here.
 bool AnswerStream::isComplete(const Generation& generation, const std::vector<ChatMessage>& messages) const {
-    return messages.size() >= generation.lengthWithAnswer && !messages.empty() &&
-        MessageComposition::isAnswer(messages.back()) &&
+    return !messages.empty() && MessageComposition::isAnswer(messages.back()) && knows(messages, generation) &&
         MessageComposition::lastQuestion(messages) == MessageComposition::lastQuestion(messagesOf(generation));
 }
 
@@ -506,7 +506,6 @@ void AnswerStream::giveBack(Generation& generation) {
         isShown = isShown || each.isOpen;
         if (const auto row = MessageComposition::rowOfQuestion(each.parked, text)) {
             each.parked.erase(each.parked.begin() + *row, each.parked.begin() + *row + 2);
-            each.lengthWithAnswer = each.parked.size();
         }
     }
     const auto row = isShown ? MessageComposition::rowOfQuestion(m_shown.messages(), text) : std::nullopt;

@@ -169,7 +169,6 @@ std::vector<Generation> GenerationJournal::restore() {
             if (!cutBehind(generation.parked, entry.question.text, entry.timesAsked))
                 generation.parked.push_back(std::move(entry.turn.front()));
             generation.parked.push_back(std::move(entry.turn.back()));
-            generation.lengthWithAnswer = generation.parked.size();
         }
         generations.push_back(std::move(generation));
     }

@@ -40,8 +40,7 @@ struct Generation {
     bool lacksHistory = false; // messages of its chat may be missing here
     bool sawReconnect = false; // its frames may have been repeated
     State state = State::running;
-    std::vector<ChatMessage> parked;  // the messages of its chat while another one is open
-    std::size_t lengthWithAnswer = 0; // how many messages the chat has when the answer is complete
+    std::vector<ChatMessage> parked; // the messages of its chat while another one is open
     AnswerFold fold;
     QString textHead; // of all that was received, shown or not
     QString thinkingTail;
