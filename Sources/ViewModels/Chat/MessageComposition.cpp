@@ -1,5 +1,6 @@
 #include "Chat/MessageComposition.h"
 
+#include "Chat/ArtifactDraft.h"
 #include "Clock.h"
 
 #include <QHash>
@@ -134,12 +135,14 @@ QString joinedThinking(const ChatMessage& message) {
     return joined<MessageContent::Thinking>(message, {});
 }
 
-void removePlaceholders(ChatMessage& message) {
+bool removePlaceholders(ChatMessage& message) {
     if (!message.content)
-        return;
-    std::erase_if(*message.content, [](const MessageContent& block) {
-        return block.as<MessageContent::Generating>() || block.as<MessageContent::SearchInProgress>();
-    });
+        return false;
+    return std::erase_if(*message.content, [](const MessageContent& block) {
+        const auto* artifact = block.as<Artifact>();
+        return block.as<MessageContent::Generating>() || block.as<MessageContent::SearchInProgress>() ||
+            (artifact && ArtifactDraft::isPlaceholder(*artifact) && artifact->text.isEmpty());
+    }) > 0;
 }
 
 std::optional<std::ptrdiff_t> rowOfQuestion(const std::vector<ChatMessage>& messages, const QString& text) {

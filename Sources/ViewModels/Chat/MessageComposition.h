@@ -35,8 +35,8 @@ std::vector<ChatMessage> mergeFileAttachments(const std::vector<ChatMessage>& lo
 QString joinedText(const ChatMessage& message, QStringView separator = {});
 QString joinedThinking(const ChatMessage& message);
 
-// Takes away what says that a tool is at work.
-void removePlaceholders(ChatMessage& message);
+// Takes away what says that a tool is at work, an artifact of which nothing has come included. Whether anything did.
+bool removePlaceholders(ChatMessage& message);
 
 // The last row with that question, if its answer is behind it.
 std::optional<std::ptrdiff_t> rowOfQuestion(const std::vector<ChatMessage>& messages, const QString& text);
