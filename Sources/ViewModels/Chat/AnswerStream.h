@@ -2,9 +2,8 @@
 
 #include "Chat/GenerationJournal.h"
 #include "Chat/GenerationQueue.h"
-#include "Chat/SocketEvent.h"
+#include "Chat/SilenceWatch.h"
 #include "Scheduler.h"
-#include "TaskScope.h"
 
 #include <QDateTime>
 #include <QObject>
@@ -18,7 +17,7 @@ class MessageListModel;
 
 // The life of the answers: from the question to the end, through lost lines, other chats being opened, and restarts.
 // Writes the open conversation's answer into the list that is shown, and the others' into their parked messages.
-class AnswerStream : public QObject {
+class AnswerStream : public QObject, private SilenceWatch::Listener {
     Q_OBJECT
 
 public:
@@ -31,13 +30,8 @@ public:
     };
 
     static constexpr auto flushInterval = std::chrono::milliseconds(80);
-    static constexpr auto reconnectTimeout = std::chrono::seconds(120);
-    // A service that has something to repeat does so at once. What stays silent that long after a connect is asked
-    // for over REST, and what the service does not know after another while is sent again.
-    static constexpr auto silenceTimeout = std::chrono::seconds(3);
-    static constexpr auto resendTimeout = std::chrono::seconds(7);
-    static constexpr auto creationTimeout = std::chrono::seconds(27);
-    static constexpr auto patience = std::chrono::seconds(30);
+    // What is repeated is repeated at once.
+    static constexpr auto replayTimeout = std::chrono::seconds(3);
 
     // What became of an answer.
     struct Ending {
@@ -78,7 +72,7 @@ public:
     void disconnected();
     std::optional<Ending> end();
     std::optional<Ending> fail(std::optional<qint64> chatId);
-    void heard(); // anything of a stream: the line is alive
+    void heard() { m_silence.lineIsAlive(); } // anything of a stream
 
     bool isGenerating() const { return m_isGenerating; } // the open conversation's answer is running
     bool isUnderWay(qint64 chatId) { return m_generations.firstOf(chatId) != nullptr; }
@@ -100,41 +94,31 @@ private:
     void submit(Generation& generation);
     void joinFollowers(qint64 chatId);
     void giveBack(Generation& generation);
-    Task<void> settleRefusal(quint64 serial);
     void takeNotice(Generation& generation);
     void doubt();
-    void watchForRepeats();
     void relaxLater();
-    void giveUp();
-    void listenForSilence();
-    void askLater(std::chrono::seconds delay, bool mayResend);
-    Task<void> askAboutSilence(bool mayResend);
-    void keepPatience();
-    Task<void> askWhetherComplete();
-    const std::vector<ChatMessage>& messagesOf(const Generation& generation) const;
-    bool isComplete(const Generation& generation, const std::vector<ChatMessage>& messages) const;
-    bool knows(const std::vector<ChatMessage>& messages, const Generation& generation) const;
-    void adopt(Generation& generation, const std::vector<ChatMessage>& messages);
     void saveJournal();
+
+    // What was learned of an answer of which nothing was heard.
+    const std::vector<ChatMessage>& messagesOf(const Generation& generation) const override;
+    void arrived(Generation& generation) override;
+    void answered(Generation& generation, const std::vector<ChatMessage>& stored) override;
+    void ended(Generation& generation) override;
+    void lost(Generation& generation) override;
+    void returned(Generation& generation) override;
 
     Dependencies m_dependencies;
     MessageListModel& m_shown;
     GenerationQueue m_generations;
     ReplayGuard m_guard;
     GenerationJournal m_journal;
+    SilenceWatch m_silence;
     std::vector<qint64> m_restoredEnds;
     QSet<qint64> m_answeredNewChats; // whose creation may be told again
     bool m_isGenerating = false;
-    bool m_heardLately = false;
-    bool m_isSilent = false;           // nothing came of the current answer since the line is up
     std::optional<QDateTime> m_lostAt; // when the line was lost
-    bool m_wasAwayTooLong = false;     // for the service to repeat what has ended meanwhile
     Timer m_flushTimer;                // active while pieces keep coming
-    Timer m_reconnectTimer;
-    Timer m_silenceTimer;
     Timer m_guardTimer;
-    Timer m_patienceTimer; // active while an answer is waited for
-    TaskScope m_scope;     // last: its tasks end before anything they use
 };
 
 }

@@ -93,6 +93,13 @@ bool cutBehind(std::vector<ChatMessage>& messages, const QString& question, qint
     return true;
 }
 
+// The line that a question left on is gone. One that had been refused is asked again.
+Generation::Stage stageOf(const Entry& entry) {
+    if (entry.isHeard)
+        return Generation::Stage::heard;
+    return entry.hasLeft ? Generation::Stage::doubtful : Generation::Stage::waiting;
+}
+
 // The answer begins anew: the service sends it from its beginning.
 ChatMessage emptied(ChatMessage answer) {
     answer.content = std::vector<MessageContent>{{MessageContent::Text{}}};
@@ -121,8 +128,8 @@ void GenerationJournal::save(
             .chatId = generation.chatId,
             .isStopped = generation.state != Generation::State::running,
             .joins = generation.joins,
-            .hasLeft = generation.hasLeft,
-            .isHeard = generation.isHeard,
+            .hasLeft = generation.hasLeft(),
+            .isHeard = generation.isHeard(),
             .turn = {}};
         if (messages.size() >= 2 && !entry.isStopped) {
             entry.timesAsked = std::count_if(messages.begin(), messages.end(), asks(entry.question.text));
@@ -158,9 +165,7 @@ std::vector<Generation> GenerationJournal::restore() {
         generation.lacksHistory = true;
         generation.sawReconnect = entry.hasLeft;
         generation.joins = entry.joins;
-        generation.hasLeft = entry.hasLeft;
-        generation.isSubmitted = entry.hasLeft;
-        generation.isHeard = entry.isHeard;
+        generation.stage = stageOf(entry);
         if (entry.isStopped || entry.turn.size() != 2) {
             generation.state = entry.chatId > 0 ? Generation::State::stopped : Generation::State::stopRequested;
         } else {

@@ -151,6 +151,11 @@ std::optional<std::ptrdiff_t> rowOfQuestion(const std::vector<ChatMessage>& mess
     return std::nullopt;
 }
 
+std::ptrdiff_t timesAsked(const std::vector<ChatMessage>& messages, const QString& text) {
+    return std::count_if(messages.begin(), messages.end(),
+        [&text](const ChatMessage& message) { return isOfUser(message) && message.text() == text; });
+}
+
 std::optional<QString> lastQuestion(const std::vector<ChatMessage>& messages) {
     const auto question = std::find_if(messages.rbegin(), messages.rend(), isOfUser);
     if (question == messages.rend() || !question->content)

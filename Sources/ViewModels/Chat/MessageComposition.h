@@ -41,6 +41,9 @@ void removePlaceholders(ChatMessage& message);
 // The last row with that question, if its answer is behind it.
 std::optional<std::ptrdiff_t> rowOfQuestion(const std::vector<ChatMessage>& messages, const QString& text);
 
+// How often the user has sent these words.
+std::ptrdiff_t timesAsked(const std::vector<ChatMessage>& messages, const QString& text);
+
 // The first text of the last message of the user; absent without one.
 std::optional<QString> lastQuestion(const std::vector<ChatMessage>& messages);
 
