@@ -66,7 +66,7 @@ public:
 
     // Everybody does what there is to do until nothing is left.
     bool comeToRest() {
-        if (service.isOpen())
+        if (service.isOpen() && (service.isDoomed() || chance() % 3 != 0))
             service.breakLine();
         for (int round = 0; round < 1000; ++round) {
             bool isBusy = false;
@@ -78,7 +78,8 @@ public:
             service.confirm();
             virtualTime.advance(1s);
             // The client remembers what it waits for.
-            if (!isBusy && service.isIdle() && !defaults.data(u"runningGenerations"_s))
+            if (!isBusy && service.isIdle() && !defaults.data(u"runningGenerations"_s) &&
+                !defaults.data(u"expectedAnswers"_s))
                 return true;
         }
         return false;
@@ -128,10 +129,17 @@ public:
 private:
     std::vector<std::pair<bool, QString>> newAnswer() {
         std::vector<std::pair<bool, QString>> pieces;
+        // Many begin alike, in their reasoning or in their text.
+        const bool thinksAlike = chance() % 4 == 0;
+        const auto alike = chance() % 4 == 0 ? 1 + chance() % 2 : 0;
+        if (thinksAlike)
+            pieces.emplace_back(true, u"<пользователь спрашивает> "_s);
         const auto thoughts = chance() % 3;
         for (auto i = 0U; i < thoughts; ++i)
             pieces.emplace_back(true, u"<мысль номер %1> "_s.arg(++m_pieces, 4, 10, QChar(u'0')));
-        const auto texts = 1 + chance() % 6;
+        for (auto i = 0U; i < alike; ++i)
+            pieces.emplace_back(false, u"<начало %1 хорошего ответа> "_s.arg(i));
+        const auto texts = (alike > 0 ? 0 : 1) + chance() % 6;
         for (auto i = 0U; i < texts; ++i)
             pieces.emplace_back(false, u"<кусок номер %1> "_s.arg(++m_pieces, 4, 10, QChar(u'0')));
         return pieces;

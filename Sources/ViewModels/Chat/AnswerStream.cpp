@@ -14,10 +14,12 @@ Q_LOGGING_CATEGORY(lcStream, "korvi.chat.stream", QtInfoMsg)
 
 namespace {
 
-// Nobody asks for its question any more.
 void forgo(Generation& generation) {
     if (!generation.isWaiting())
         generation.stage = Generation::Stage::heard;
+    generation.isForgotten = true;
+    generation.isOpen = false;
+    generation.parked.clear();
 }
 
 }
@@ -27,14 +29,17 @@ AnswerStream::AnswerStream(Dependencies dependencies, MessageListModel& shown, Q
     , m_dependencies(dependencies)
     , m_shown(shown)
     , m_journal(dependencies.defaults, dependencies.cache)
+    , m_expected(dependencies.defaults, dependencies.cache)
     , m_silence({dependencies.chatService, dependencies.scheduler}, m_generations, *this) {}
 
 void AnswerStream::begin(Question question) {
     Generation generation;
     generation.chatId = question.chatId;
     generation.question = std::move(question);
+    generation.timesAsked = MessageComposition::timesAsked(m_shown.messages(), generation.question.text);
     const Generation* before = m_generations.open();
     generation.joins = generation.chatId < 0 && before && before->chatId < 0;
+    emit touched(generation.chatId);
     m_generations.begin(std::move(generation));
     settled();
 }
@@ -135,9 +140,8 @@ void AnswerStream::forget(qint64 chatId) {
             continue;
         generation.state = Generation::State::stopped;
         forgo(generation);
-        generation.isOpen = false;
-        generation.parked.clear();
     }
+    m_expected.forget(chatId);
     settled();
 }
 
@@ -146,21 +150,24 @@ void AnswerStream::dropAll() {
         if (generation.state == Generation::State::running)
             generation.state = generation.chatId > 0 ? Generation::State::stopped : Generation::State::stopRequested;
         forgo(generation);
-        generation.isOpen = false;
-        generation.parked.clear();
     }
+    m_expected.clear();
     settled();
 }
 
 void AnswerStream::restore() {
     for (ReplayGuard::Ended& answer : m_journal.restoreEnded()) {
-        if (answer.chatId > 0)
-            m_restoredEnds.push_back(answer.chatId);
         m_guard.ended(std::move(answer));
     }
+    m_expected.restore();
     for (Generation& generation : m_journal.restore())
         m_generations.begin(std::move(generation));
     settled();
+}
+
+void AnswerStream::forgetJournal() {
+    m_journal.clear();
+    m_expected.clear();
 }
 
 void AnswerStream::reset() {
@@ -193,7 +200,7 @@ AnswerStream::Owner AnswerStream::created(qint64 chatId) {
         return Owner::none;
     // Those before it have had their ends, though not here.
     while (m_generations.current() != generation)
-        emit waitingEnded(finish(m_generations.current()).chatId);
+        ended(*m_generations.current());
     generation->chatId = chatId;
     joinFollowers(chatId);
     const bool isOpen = generation->isOpen;
@@ -288,8 +295,10 @@ void AnswerStream::disconnected() {
 // What left on a line that is lost may be lost with it.
 void AnswerStream::doubt() {
     for (Generation& generation : m_generations.all()) {
-        if (generation.stage == Generation::Stage::sent)
-            generation.stage = Generation::Stage::doubtful;
+        if (generation.stage != Generation::Stage::sent)
+            continue;
+        generation.stage = Generation::Stage::doubtful;
+        generation.wasDoubtful = true;
     }
 }
 
@@ -334,20 +343,25 @@ void AnswerStream::arrived(Generation& generation) {
 }
 
 void AnswerStream::answered(Generation& generation, const std::vector<ChatMessage>& stored) {
-    if (generation.isOpen)
+    const bool isRunning = generation.state == Generation::State::running;
+    if (isRunning && generation.isOpen)
         m_shown.setMessages(stored);
-    else
+    else if (isRunning)
         generation.parked = stored;
     // Its frames may still come.
-    generation.textHead = MessageComposition::joinedText(stored.back()).left(ReplayGuard::headLength);
-    generation.thinkingTail = MessageComposition::joinedThinking(stored.back()).right(ReplayGuard::tailLength);
+    if (const auto* answer = MessageComposition::answerTo(stored, generation.question.text, generation.timesAsked)) {
+        generation.textHead = MessageComposition::joinedText(*answer).left(ReplayGuard::headLength);
+        generation.thinkingTail = MessageComposition::joinedThinking(*answer).right(ReplayGuard::tailLength);
+    }
     generation.isUnheardEnd = true;
     finish(&generation);
 }
 
 void AnswerStream::ended(Generation& generation) {
     generation.stage = Generation::Stage::heard;
-    emit waitingEnded(finish(&generation).chatId);
+    // What has been stored is what there is.
+    generation.sawReconnect = true;
+    finish(&generation);
 }
 
 void AnswerStream::lost(Generation& generation) {
@@ -362,29 +376,51 @@ void AnswerStream::returned(Generation& generation) {
 
 // The question, which the service does not have, returns to the one who asked it.
 void AnswerStream::giveBack(Generation& generation) {
-    const QString text = generation.question.text;
+    const Question question = generation.question;
     const qint64 chatId = generation.chatId;
     qCInfo(lcStream) << "↩️ [ChatViewModel] Question" << generation.serial << "of chat" << chatId
                      << "did not arrive";
-    // It may stand among the messages of a later turn of its chat as well.
-    bool isShown = generation.isOpen;
+    takeOffScreen(generation);
     for (Generation& each : m_generations.all()) {
-        if (each.chatId != chatId)
+        if (each.chatId == chatId && each.question.text == question.text && each.timesAsked > generation.timesAsked)
+            --each.timesAsked;
+    }
+    m_generations.remove(&generation);
+    joinFollowers(-1);
+    emit questionReturned(question.text);
+    emit touched(chatId);
+    emit comparisonWanted(chatId);
+}
+
+// It may stand among the messages of a later turn of its chat as well.
+void AnswerStream::takeOffScreen(const Generation& generation) {
+    const QString& question = generation.question.text;
+    bool isShown = false;
+    bool isOfChat = false;
+    for (Generation& each : m_generations.all()) {
+        // Of a chat without a number are those that wait to join it.
+        isOfChat =
+            &each == &generation || (generation.chatId < 0 ? isOfChat && each.joins : each.chatId == generation.chatId);
+        if (!isOfChat)
             continue;
         isShown = isShown || each.isOpen;
-        if (const auto row = MessageComposition::rowOfQuestion(each.parked, text)) {
+        if (const auto row = MessageComposition::rowOfQuestion(each.parked, question))
             each.parked.erase(each.parked.begin() + *row, each.parked.begin() + *row + 2);
-        }
     }
-    const auto row = isShown ? MessageComposition::rowOfQuestion(m_shown.messages(), text) : std::nullopt;
+    const auto row = isShown ? MessageComposition::rowOfQuestion(m_shown.messages(), question) : std::nullopt;
     if (row) {
         m_shown.remove(static_cast<int>(*row) + 1);
         m_shown.remove(static_cast<int>(*row));
     }
-    m_generations.remove(&generation);
-    joinFollowers(-1);
-    emit questionReturned(text);
-    emit waitingEnded(chatId);
+}
+
+bool AnswerStream::compare(qint64 chatId, const std::vector<ChatMessage>& stored) {
+    const ExpectedAnswers::Comparison comparison = m_expected.compare(chatId, stored);
+    for (const QString& question : comparison.missing) {
+        qCInfo(lcStream) << "↩️ [ChatViewModel] A question of chat" << chatId << "is not stored";
+        emit questionReturned(question);
+    }
+    return !comparison.isTooEarly;
 }
 
 std::optional<AnswerStream::Ending> AnswerStream::end() {
@@ -427,16 +463,23 @@ std::optional<AnswerStream::Ending> AnswerStream::fail(std::optional<qint64> cha
 
 AnswerStream::Ending AnswerStream::finish(Generation* generation) {
     qCInfo(lcStream) << "🏁 [ChatViewModel] Answer" << generation->serial << "of chat" << generation->chatId << "ended";
-    const Ending ending{.chatId = generation->chatId,
-        .wasOpen = generation->isOpen,
-        .createdChat = generation->createsChat(),
-        .isToBeVerified = generation->sawReconnect || generation->lacksHistory};
+    const Ending ending{
+        .chatId = generation->chatId, .wasOpen = generation->isOpen, .createdChat = generation->createsChat()};
     const std::vector<ChatMessage>& messages = messagesOf(*generation);
-    if (ending.chatId > 0) {
+    // Its frames may have been repeated or incomplete, or another's; what was read from the service is as it is stored.
+    const bool isAdopted = generation->isUnheardEnd && generation->state == Generation::State::running;
+    const bool isInDoubt = (generation->sawReconnect || generation->lacksHistory) && !isAdopted;
+    if (ending.chatId > 0 && ending.createdChat)
+        m_answeredNewChats.insert(ending.chatId);
+    if (ending.chatId > 0 && !generation->isForgotten) {
         if (!messages.empty())
             m_dependencies.cache.cacheMessages(messages, ending.chatId);
-        if (ending.createdChat)
-            m_answeredNewChats.insert(ending.chatId);
+        if (isInDoubt)
+            m_expected.add({.chatId = ending.chatId,
+                .question = generation->question.text,
+                .timesAsked = generation->timesAsked,
+                .mayBeMissing = generation->wasDoubtful && !generation->createsChat()});
+        emit touched(ending.chatId);
     }
     if (generation->hasLeft()) {
         m_guard.ended({.chatId = ending.chatId,
@@ -457,6 +500,8 @@ AnswerStream::Ending AnswerStream::finish(Generation* generation) {
     const Generation* next = m_generations.current();
     if (wasCurrent && next && next->isDoubtful() && !m_silence.isListening())
         m_silence.listen();
+    if (m_expected.chats().contains(ending.chatId))
+        emit comparisonWanted(ending.chatId);
     return ending;
 }
 

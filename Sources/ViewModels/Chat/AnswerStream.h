@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Chat/ExpectedAnswers.h"
 #include "Chat/GenerationJournal.h"
 #include "Chat/GenerationQueue.h"
 #include "Chat/SilenceWatch.h"
@@ -38,7 +39,6 @@ public:
         qint64 chatId = -1;
         bool wasOpen = false;
         bool createdChat = false;
-        bool isToBeVerified = false; // its frames may have been repeated, or may be incomplete
     };
 
     AnswerStream(Dependencies dependencies, MessageListModel& shown, QObject* parent = nullptr);
@@ -58,11 +58,9 @@ public:
 
     // Takes up what was under way when the client ended last.
     void restore();
-    // Chats whose answers ended shortly before that, once.
-    std::vector<qint64> takeRestoredEnds() { return std::exchange(m_restoredEnds, {}); }
     // Another session of the same user: nothing is repeated to it.
     void forgetEnds() { m_guard.clear(); }
-    void forgetJournal() { m_journal.clear(); }
+    void forgetJournal();
     void reset(); // another user, or none
 
     enum class Owner { none, open, parked };
@@ -74,6 +72,11 @@ public:
     std::optional<Ending> fail(std::optional<qint64> chatId);
     void heard() { m_silence.lineIsAlive(); } // anything of a stream
 
+    // Compares what the service has stored with what has ended here. False when the list comes too early for that.
+    bool compare(qint64 chatId, const std::vector<ChatMessage>& stored);
+    QList<qint64> chatsToCompare() const { return m_expected.chats(); }
+    void forgetExpected(qint64 chatId) { m_expected.forget(chatId); }
+
     bool isGenerating() const { return m_isGenerating; } // the open conversation's answer is running
     bool isUnderWay(qint64 chatId) { return m_generations.firstOf(chatId) != nullptr; }
     bool isEmpty() const { return m_generations.isEmpty(); }
@@ -84,7 +87,8 @@ signals:
     void followed(); // the open conversation's text grew by enough to be followed
     void generatingChatsChanged(const QSet<qint64>& chatIds);
     void questionReturned(const QString& text); // it never reached the service, as far as one can tell
-    void waitingEnded(qint64 chatId);           // without an end: the service's messages are what there is
+    void touched(qint64 chatId);                // what is known of the chat's messages is outdated
+    void comparisonWanted(qint64 chatId);       // of its messages with those of the service
 
 private:
     bool foldInto(Generation& generation, ChatMessage& answer); // whether it changed the answer
@@ -94,6 +98,7 @@ private:
     void submit(Generation& generation);
     void joinFollowers(qint64 chatId);
     void giveBack(Generation& generation);
+    void takeOffScreen(const Generation& generation);
     void takeNotice(Generation& generation);
     void doubt();
     void relaxLater();
@@ -112,8 +117,8 @@ private:
     GenerationQueue m_generations;
     ReplayGuard m_guard;
     GenerationJournal m_journal;
+    ExpectedAnswers m_expected;
     SilenceWatch m_silence;
-    std::vector<qint64> m_restoredEnds;
     QSet<qint64> m_answeredNewChats; // whose creation may be told again
     bool m_isGenerating = false;
     std::optional<QDateTime> m_lostAt; // when the line was lost

@@ -38,11 +38,14 @@ struct Generation {
     quint64 serial = 0; // given by the queue
     Question question;
     qint64 chatId = -1;
+    qint64 timesAsked = 1;     // its question in its chat, this time included
     bool isOpen = true;        // its chat is the open conversation
     bool joins = false;        // goes into the chat that the one before it in the queue is about to create
     bool isRestored = false;   // asked for before the last start of the client
     bool isUnheardEnd = false; // its end was learned from the messages of its chat
+    bool isForgotten = false;  // its chat is gone: nobody asks for its question any more
     bool lacksHistory = false; // messages of its chat may be missing here
+    bool wasDoubtful = false;  // what was taken for its answer may have been another's
     bool sawReconnect = false; // its frames may have been repeated
     Stage stage = Stage::waiting;
     State state = State::running;

@@ -79,7 +79,7 @@ Task<void> SilenceWatch::askAboutSilence(bool mayResend) {
     for (Generation* generation = awaited(); generation; generation = awaited()) {
         const quint64 serial = generation->serial;
         const qint64 chatId = generation->chatId;
-        if (generation->state != Generation::State::running && generation->isHeard()) {
+        if (generation->isForgotten) {
             m_listener.ended(*generation);
             continue;
         }
@@ -91,11 +91,8 @@ Task<void> SilenceWatch::askAboutSilence(bool mayResend) {
             generation = awaited();
             if (!generation || generation->serial != serial)
                 co_return;
-            isKnown = isKnown || knows(*stored, *generation);
-            if (isKnown && generation->state != Generation::State::running) {
-                m_listener.ended(*generation);
-                continue;
-            }
+            // What was taken for its answer may have been another's. Only a new chat's question appears late.
+            isKnown = knows(*stored, *generation) || (isKnown && generation->createsChat());
             if (isComplete(*generation, *stored)) {
                 m_listener.answered(*generation, *stored);
                 continue;
@@ -108,6 +105,7 @@ Task<void> SilenceWatch::askAboutSilence(bool mayResend) {
         // Of a new chat only its creation can tell.
         if (!mayResend)
             co_return askLater(chatId > 0 ? resendTimeout : creationTimeout, true);
+        generation->stage = Generation::Stage::doubtful;
         // A new chat may have been made that we were never told of: not to be asked twice unseen. And what was
         // stopped is not to be asked again.
         const bool mayBeThere = chatId < 0 && (generation->isRestored || m_wasAwayTooLong);
@@ -139,7 +137,7 @@ void SilenceWatch::waitOn() {
 
 Task<void> SilenceWatch::askWhetherComplete() {
     const Generation* asked = m_generations.current();
-    if (!asked || asked->chatId < 0 || asked->state != Generation::State::running)
+    if (!asked || asked->chatId < 0 || asked->isForgotten)
         co_return;
     const quint64 serial = asked->serial;
     const qint64 chatId = asked->chatId;
@@ -181,15 +179,15 @@ Task<std::optional<std::vector<ChatMessage>>> SilenceWatch::storedMessages(qint6
 
 // How many messages there are does not tell: what was refused or given back may still stand here.
 bool SilenceWatch::isComplete(const Generation& generation, const std::vector<ChatMessage>& stored) const {
+    if (generation.state != Generation::State::running)
+        return MessageComposition::answerTo(stored, generation.question.text, generation.timesAsked) != nullptr;
     return !stored.empty() && MessageComposition::isAnswer(stored.back()) && knows(stored, generation) &&
         MessageComposition::lastQuestion(stored) == MessageComposition::lastQuestion(m_listener.messagesOf(generation));
 }
 
-// Whether the service has the question: as often as it stands here.
+// Whether the service has the question, as often as it was asked.
 bool SilenceWatch::knows(const std::vector<ChatMessage>& stored, const Generation& generation) const {
-    const QString& question = generation.question.text;
-    const auto here = MessageComposition::timesAsked(m_listener.messagesOf(generation), question);
-    return MessageComposition::timesAsked(stored, question) >= std::max<std::ptrdiff_t>(1, here);
+    return MessageComposition::timesAsked(stored, generation.question.text) >= generation.timesAsked;
 }
 
 }
