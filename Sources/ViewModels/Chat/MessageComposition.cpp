@@ -148,10 +148,26 @@ bool removePlaceholders(ChatMessage& message) {
 std::optional<std::ptrdiff_t> rowOfQuestion(const std::vector<ChatMessage>& messages, const QString& text) {
     for (std::ptrdiff_t row = std::ssize(messages) - 2; row >= 0; --row) {
         const auto message = messages.begin() + row;
-        if (isOfUser(*message) && message->text() == text && isAnswer(*(message + 1)))
+        if (asks(*message, text) && isAnswer(*(message + 1)))
             return row;
     }
     return std::nullopt;
+}
+
+bool asks(const ChatMessage& message, const QString& text) {
+    return isOfUser(message) && message.text().trimmed() == text.trimmed();
+}
+
+std::ptrdiff_t timesAsked(const std::vector<ChatMessage>& messages, const QString& text) {
+    return std::count_if(
+        messages.begin(), messages.end(), [&text](const ChatMessage& message) { return asks(message, text); });
+}
+
+const ChatMessage* answerTo(const std::vector<ChatMessage>& messages, const QString& text, std::ptrdiff_t time) {
+    const auto question = std::find_if(messages.begin(), messages.end(),
+        [&](const ChatMessage& message) { return asks(message, text) && --time == 0; });
+    const bool isAnswered = question != messages.end() && question + 1 != messages.end() && isAnswer(*(question + 1));
+    return isAnswered ? &*(question + 1) : nullptr;
 }
 
 std::optional<QString> lastQuestion(const std::vector<ChatMessage>& messages) {
