@@ -48,9 +48,16 @@ ChatViewModel::ChatViewModel(Dependencies dependencies, QObject* parent)
             self->handleSocketEvent(event);
     };
     service.onConnectionStatusChanged = [self = QPointer(this)](const QString& status) {
-        if (self)
-            self->m_connectionStatus = status;
+        if (!self)
+            return;
+        self->m_isConnecting = false;
+        self->m_connectionStatus = status;
     };
+    connect(&service, &ChatService::attemptFailed, this, &ChatViewModel::connectionFailed);
+    connect(&service, &ChatService::disconnected, this, [this] {
+        m_connectionStatus = u"Connecting..."_s; // whoever disconnects connects again, or nobody is signed in
+        m_stream.disconnected();
+    });
     connect(&m_dependencies.notifications, &NotificationCenter::organizationDidChange, this,
         &ChatViewModel::organizationChanged);
     connect(&m_stream, &AnswerStream::changed, this, &ChatViewModel::answerStateChanged);
@@ -89,8 +96,7 @@ ChatViewModel::ChatViewModel(Dependencies dependencies, QObject* parent)
         m_stream.forget(chatId);
         if (activeChatId() != chatId)
             return;
-        setActiveChat(std::nullopt);
-        m_messages.reset({});
+        closeConversation();
     });
     m_models.setSelected(selectedModel());
     attachments()->setAIPlusMode(selectedModel() == aiPlus);
@@ -144,12 +150,23 @@ Task<void> ChatViewModel::prefetchRelatedData() {
 }
 
 void ChatViewModel::connectToService() {
+    m_isConnecting = true;
+    if (!isConnected())
+        m_connectionStatus = u"Connecting..."_s;
     m_dependencies.chatService.connect();
 }
 
 void ChatViewModel::reconnect() {
     m_dependencies.chatService.disconnect();
     connectToService();
+}
+
+// It is tried again later, but whoever asked for a connection is told.
+void ChatViewModel::connectionFailed(const QString& reason) {
+    if (!std::exchange(m_isConnecting, false))
+        return;
+    qCWarning(lcChat).noquote() << "❌ [ChatViewModel] Failed to connect:" << reason;
+    m_connectionStatus = u"Failed"_s;
 }
 
 bool ChatViewModel::isConnected() const {
@@ -161,8 +178,7 @@ void ChatViewModel::organizationChanged() {
     m_loader.clear();
     m_uploads.clear();
     m_stream.dropAll();
-    m_messages.reset({});
-    setActiveChat(std::nullopt);
+    closeConversation();
     setCurrentInput({});
     m_leftInputs.clear();
     m_activeProjectId.reset();
@@ -183,7 +199,6 @@ void ChatViewModel::reset() {
     attachments()->reset();
     m_stream.reset();
     m_user.reset();
-    m_messages.reset({});
     m_directory.clear();
     m_activeProjectId.reset();
     m_activeProjectName.reset();
@@ -191,7 +206,7 @@ void ChatViewModel::reset() {
     m_currentInput.clear();
     emit currentInputChanged();
     setPendingEditImage(std::nullopt);
-    setActiveChat(std::nullopt);
+    closeConversation();
     dismissError();
 }
 
@@ -310,13 +325,18 @@ void ChatViewModel::navigateToChat(qint64 chatId) {
 void ChatViewModel::openConversation(std::optional<Chat> chat) {
     m_stream.park();
     dismissError();
-    m_loadedChatId = -1;
-    const qint64 chatId = chat ? chat->id : -1;
     if (!chat)
-        m_messages.reset({});
-    else if (!m_stream.unpark(chatId))
-        m_messages.reset(m_dependencies.cache.getCachedMessages(chatId).value_or(std::vector<ChatMessage>()));
+        return closeConversation();
+    m_areMessagesLoaded = false;
+    if (!m_stream.unpark(chat->id))
+        m_messages.reset(m_dependencies.cache.getCachedMessages(chat->id).value_or(std::vector<ChatMessage>()));
     setActiveChat(std::move(chat));
+}
+
+void ChatViewModel::closeConversation() {
+    m_messages.reset({});
+    setActiveChat(std::nullopt);
+    m_areMessagesLoaded = true;
 }
 
 void ChatViewModel::setActiveChat(std::optional<Chat> chat) {
@@ -346,10 +366,12 @@ void ChatViewModel::messagesLoaded(qint64 chatId, const std::vector<ChatMessage>
 }
 
 void ChatViewModel::messagesFailed(qint64 chatId, bool isGone) {
-    if (isGone)
+    if (isGone) {
         m_stream.forgetExpected(chatId);
-    else if (m_stream.chatsToCompare().contains(chatId))
+        m_areMessagesLoaded = m_areMessagesLoaded || chatId == activeChatId();
+    } else if (m_stream.chatsToCompare().contains(chatId) || (chatId == activeChatId() && !m_areMessagesLoaded)) {
         m_loader.loadLater(chatId); // and with the next connection
+    }
 }
 
 void ChatViewModel::show(std::vector<ChatMessage> messages) {
@@ -357,7 +379,7 @@ void ChatViewModel::show(std::vector<ChatMessage> messages) {
         ArtifactFinder::restoreArtifactIfNeeded(messages, *m_stream.lastStreamedArtifact());
     m_messages.setMessages(MessageComposition::mergeFileAttachments(m_messages.messages(), std::move(messages)));
     m_dependencies.cache.cacheMessages(m_messages.messages(), activeChatId());
-    m_loadedChatId = activeChatId();
+    m_areMessagesLoaded = true;
 }
 
 // The model
@@ -440,7 +462,7 @@ void ChatViewModel::send(
         files.empty() ? AnswerStream::Files::none : AnswerStream::Files::onTheirWay);
     if (!files.empty())
         m_uploads.start(serial, std::move(files));
-    if (chatId > 0 && m_loadedChatId != chatId)
+    if (!m_areMessagesLoaded)
         m_stream.noteMissingHistory(chatId);
 }
 
@@ -521,6 +543,8 @@ void ChatViewModel::connected() {
     m_stream.connected();
     for (const qint64 chatId : m_stream.chatsToCompare())
         m_loader.load(chatId);
+    if (!m_areMessagesLoaded)
+        m_loader.load(activeChatId());
 }
 
 void ChatViewModel::created(const Chat& chat) {

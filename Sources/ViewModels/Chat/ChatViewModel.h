@@ -38,6 +38,9 @@ class ChatViewModel : public QObject {
     Q_PROPERTY(Korvi::ModelListModel* models READ models CONSTANT)
     Q_PROPERTY(qint64 activeChatId READ activeChatId NOTIFY activeChatChanged) // -1 for a new, unsaved chat
     Q_PROPERTY(QString activeChatName READ activeChatName NOTIFY activeChatChanged)
+    // The open chat's messages are those of the service, not only what was cached. A new chat has none to come.
+    Q_PROPERTY(bool areMessagesLoaded READ areMessagesLoaded NOTIFY areMessagesLoadedChanged BINDABLE
+            bindableAreMessagesLoaded)
     Q_PROPERTY(QString currentInput READ currentInput WRITE setCurrentInput NOTIFY currentInputChanged)
     Q_PROPERTY(bool canSend READ canSend NOTIFY canSendChanged)
     Q_PROPERTY(bool isGenerating READ isGenerating NOTIFY isGeneratingChanged BINDABLE bindableIsGenerating)
@@ -142,6 +145,7 @@ public:
     QString activeChatName() const { return m_activeChat ? m_activeChat->name : QString(); }
     std::optional<qint64> activeProjectId() const { return m_activeProjectId; }
     std::optional<QString> activeProjectName() const { return m_activeProjectName; }
+    bool areMessagesLoaded() const { return m_areMessagesLoaded; }
     QString currentInput() const { return m_currentInput; }
     void setCurrentInput(const QString& text);
     bool canSend() const;
@@ -172,6 +176,7 @@ public:
     }
     int contentUpdateTrigger() const { return m_contentUpdateTrigger; }
 
+    QBindable<bool> bindableAreMessagesLoaded() { return &m_areMessagesLoaded; }
     QBindable<bool> bindableIsGenerating() { return &m_isGenerating; }
     QBindable<QString> bindableConnectionStatus() { return &m_connectionStatus; }
     QBindable<QString> bindableGenerationError() { return &m_generationError; }
@@ -180,6 +185,7 @@ public:
 
 signals:
     void activeChatChanged();
+    void areMessagesLoadedChanged();
     void currentInputChanged();
     void canSendChanged();
     void isGeneratingChanged();
@@ -213,6 +219,8 @@ private:
     void noteQuestion(const QString& text, bool hasImage);
     void endGenerationRecord();
     void connected();
+    void closeConversation();
+    void connectionFailed(const QString& reason);
     void created(const Chat& chat);
     void failed(const SocketEvent::Error& error);
     void streamEnded();
@@ -254,12 +262,14 @@ private:
     std::optional<QString> m_pendingEditImageUrl;
     bool m_showingModelSelector = false;
     int m_contentUpdateTrigger = 0;
-    qint64 m_loadedChatId = -1; // the open chat, once its messages have come from the service
+    bool m_isConnecting = false; // connectToService() has had no outcome yet
     Timer m_hintTimer;
     Timer m_bannerTimer;
     Timer m_completedTimer;
     Timer m_draftTimer;
 
+    Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(
+        ChatViewModel, bool, m_areMessagesLoaded, true, &ChatViewModel::areMessagesLoadedChanged)
     Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(
         ChatViewModel, bool, m_isGenerating, false, &ChatViewModel::isGeneratingChanged)
     Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(ChatViewModel, QString, m_connectionStatus, QStringLiteral("Connecting..."),
