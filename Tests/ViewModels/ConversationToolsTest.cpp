@@ -322,6 +322,8 @@ TEST_F(ConversationToolsTest, TheRecordLivesAsLongAsTheAnswer) {
     const auto record = [&] { return GenerationStateManager(defaults, virtualTime, virtualTime).getPending(); };
     QSignalSpy ready(chat, &ChatViewModel::answerReady);
     QSignalSpy ended(chat, &ChatViewModel::generationEnded);
+    // Whoever tells of the answer still knows that it was tracked.
+    QObject::connect(chat, &ChatViewModel::answerReady, [&] { EXPECT_EQ(ended.count(), 0); });
     ask(u"нарисуй кота"_s);
     EXPECT_EQ(record()->chatId, -1);
     EXPECT_EQ(record()->type, u"image"_s);

@@ -46,7 +46,6 @@ public:
         qint64 chatId = -1;
         bool wasOpen = false;
         bool createdChat = false;
-        QDateTime askedAt = {}; // UTC; invalid when that was before the last start
     };
 
     AnswerStream(Dependencies dependencies, MessageListModel& shown, QObject* parent = nullptr);
