@@ -249,7 +249,7 @@ TEST_F(HttpTransportTest, ABodyIsReadFromItsDeviceAndItsProgressTold) {
     EXPECT_TRUE(patient.received.toLower().contains("content-length: 1600000\r\n"));
     EXPECT_TRUE(patient.received.endsWith(content));
     EXPECT_TRUE(std::is_sorted(steps.begin(), steps.end()));
-    EXPECT_GT(steps.size(), 2U);
+    EXPECT_FALSE(steps.empty());
     EXPECT_EQ(*std::max_element(steps.begin(), steps.end()), content.size());
 }
 
