@@ -46,10 +46,13 @@ public:
     const std::deque<Ended>& recent() const { return m_recent; }
 
 private:
+    void noneIsRepeated();
+
     std::deque<Ended> m_recent; // in the order of their ends
     bool m_isWatching = false;  // a replay may come
     bool m_isInReplay = false;  // of m_recent[m_next]
     std::size_t m_next = 0;
+    std::size_t m_mayBeRepeated = 0; // of m_recent, until the first frame on a connection tells
 };
 
 }
