@@ -464,7 +464,9 @@ std::optional<AnswerStream::Ending> AnswerStream::end() {
         // Two answers may begin alike: then it was the one that is waited for, and its chat has it.
         if (generation) {
             generation->sawReconnect = true;
+            m_mayBeShifted = true;
             m_silence.listen();
+            m_silence.ask();
         }
         return std::nullopt;
     }
@@ -519,7 +521,7 @@ AnswerStream::Ending AnswerStream::finish(Generation* generation) {
     const std::vector<ChatMessage>& messages = messagesOf(*generation);
     // Its frames may have been repeated or incomplete, or another's; what was read from the service is as it is stored.
     const bool isAdopted = generation->isUnheardEnd && generation->state == Generation::State::running;
-    const bool isInDoubt = (generation->sawReconnect || generation->lacksHistory) && !isAdopted;
+    const bool isInDoubt = (generation->sawReconnect || generation->lacksHistory || m_mayBeShifted) && !isAdopted;
     if (ending.chatId > 0 && ending.createdChat)
         m_answeredNewChats.insert(ending.chatId);
     if (ending.chatId > 0 && !generation->isForgotten) {
@@ -562,6 +564,7 @@ void AnswerStream::saveJournal() {
 }
 
 void AnswerStream::settled() {
+    m_mayBeShifted = m_mayBeShifted && m_generations.current();
     submitNext();
     const Generation* open = m_generations.open();
     m_isGenerating = open && open->state == Generation::State::running;
