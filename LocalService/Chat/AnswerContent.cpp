@@ -139,12 +139,10 @@ private:
         });
         if (isThere)
             return;
+        // There is one: the answer begins with it.
         const auto text =
             std::find_if(blocks_.rbegin(), blocks_.rend(), [](const json& block) { return is(block, "text"); });
-        if (text != blocks_.rend())
-            textOf(*text) += imageMarkdown(*url);
-        else
-            blocks_.push_back(textBlock(imageMarkdown(*url).substr(2)));
+        textOf(*text) += imageMarkdown(*url);
     }
 
     // The client's answer begins with one empty text.

@@ -254,6 +254,8 @@ void AnswerEngine::receive(long long messageId, ProviderEvent event) {
 void AnswerEngine::append(Running& running, PieceKind kind, std::string text) {
     // A NUL would end the text for half of those who read it.
     std::erase(text, '\0');
+    if (kind == PieceKind::text && !text.empty() && std::exchange(running.endsWithPicture, false) && text[0] != '\n')
+        text.insert(0, "\n\n");
     running.size += text.size();
     keepPieces(running, running.cutter.add(kind, text));
 }
@@ -278,8 +280,10 @@ void AnswerEngine::append(Running& running, ProviderTool tool) {
                 {tool.data.value("id", ""), 0, tool.data.value("title", ""), tool.data.value("kind", ""),
                     tool.data.value("text", "")});
         // The picture joins the text, where the next piece must not be taken for a part of it.
-        if (const auto url = tool.tool == "generateImage" ? stringAt(tool.data, "imageUrl") : std::nullopt)
+        if (const auto url = tool.tool == "generateImage" ? stringAt(tool.data, "imageUrl") : std::nullopt) {
             running.cutter.addShown(imageMarkdown(files_.publishedText(*url)));
+            running.endsWithPicture = true;
+        }
         frame = frames::toolEnd(tool.tool, tool.data);
         break;
     }

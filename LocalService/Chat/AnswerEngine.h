@@ -49,6 +49,8 @@ private:
         PieceCutter cutter;
         std::unique_ptr<ProviderStream> stream;
         std::size_t size = 0;
+        /// The text ends with a tool's picture, which stands in a line of its own.
+        bool endsWithPicture = false;
     };
     struct Session {
         std::string userId;

@@ -11,6 +11,7 @@
 #include <boost/beast/core/flat_buffer.hpp>
 #include <boost/beast/core/tcp_stream.hpp>
 #include <boost/beast/http.hpp>
+#include <limits>
 #include <optional>
 #include <stdexcept>
 
@@ -85,7 +86,7 @@ public:
         parser_.emplace();
         parser_->header_limit(headerBytes);
         // The limits are checked here, where a refusal can be put into words.
-        parser_->body_limit(boost::none);
+        parser_->body_limit(std::numeric_limits<std::uint64_t>::max());
         upload_.reset();
         body_.clear();
         stream_.expires_after(patience);

@@ -76,15 +76,18 @@ struct Typesetter::Run : std::enable_shared_from_this<Run> {
     Engine engine;
     std::function<void(Typeset)> onEnd;
     std::shared_ptr<std::size_t> running;
+    std::chrono::seconds time;
     ScratchFolder folder;
     std::shared_ptr<void> child;
     int passes = 0;
 
-    Run(asio::io_context& context, Engine chosen, std::function<void(Typeset)> told, std::shared_ptr<std::size_t> count)
+    Run(asio::io_context& context, Engine chosen, std::function<void(Typeset)> told, std::shared_ptr<std::size_t> count,
+        std::chrono::seconds limit)
         : io(context)
         , engine(std::move(chosen))
         , onEnd(std::move(told))
-        , running(std::move(count)) {
+        , running(std::move(count))
+        , time(limit) {
         ++*running;
     }
     ~Run() { --*running; }
@@ -102,6 +105,7 @@ struct Typesetter::Run : std::enable_shared_from_this<Run> {
             "HOME=" + home, "TEXMFHOME=" + home, "TEXMFVAR=" + home, "TEXMFCONFIG=" + home, "TMPDIR=" + home,
             "openin_any=p", "openout_any=p", "shell_escape=f", "max_print_line=1000", "LC_ALL=C.UTF-8"};
         command.folder = folder.path();
+        command.time = time;
         // A pass must not keep the handle alive that owns it.
         child = runChild(io, command, [weak = weak_from_this()](ChildEnd end) {
             if (const auto self = weak.lock())
@@ -135,8 +139,9 @@ struct Typesetter::Run : std::enable_shared_from_this<Run> {
     }
 };
 
-Typesetter::Typesetter(asio::io_context& io)
-    : io_(io) {
+Typesetter::Typesetter(asio::io_context& io, std::chrono::seconds time)
+    : io_(io)
+    , time_(time) {
     for (const char* name : {"pdflatex", "xelatex", "lualatex"})
         if (const auto program = findProgram(name))
             engines_.push_back({name, *program});
@@ -161,7 +166,7 @@ std::shared_ptr<void> Typesetter::typeset(const std::string& source, std::functi
         return nullptr;
     }
     const Engine& engine = engineFor(source);
-    auto run = std::make_shared<Run>(io_, engine, std::move(onEnd), running_);
+    auto run = std::make_shared<Run>(io_, engine, std::move(onEnd), running_, time_);
     std::ofstream(run->folder.path() / "document.tex", std::ios::binary) << documentFrom(source, engine.name);
     run->start();
     return run;

@@ -3,6 +3,7 @@
 #include "Core/Asio.h"
 #include "Core/ChildProcess.h"
 
+#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -22,7 +23,8 @@ struct Typeset {
 /// escape, may read and write its own folder only, and is bounded in time and memory.
 class Typesetter {
 public:
-    explicit Typesetter(asio::io_context& io);
+    /// `time` for one pass; a document may take three.
+    explicit Typesetter(asio::io_context& io, std::chrono::seconds time = std::chrono::seconds(30));
 
     bool isAvailable() const { return !engines_.empty(); }
     /// A fragment without a document class is put into one. Dropping the handle stops it.
@@ -37,6 +39,7 @@ private:
     const Engine& engineFor(const std::string& source) const;
 
     asio::io_context& io_;
+    std::chrono::seconds time_;
     std::vector<Engine> engines_;
     std::shared_ptr<std::size_t> running_ = std::make_shared<std::size_t>(0);
 };
