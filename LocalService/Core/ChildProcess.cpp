@@ -142,7 +142,7 @@ std::shared_ptr<void> runChild(asio::io_context& io, const ChildCommand& command
         child->watch(command.time);
     }
     // Who drops the handle in the middle of onEnd() drops the child with it.
-    return {nullptr, [child](void*) { child->stop(); }};
+    return {child.get(), [child](void*) { child->stop(); }};
 }
 
 std::optional<std::filesystem::path> findProgram(const std::string& name) {

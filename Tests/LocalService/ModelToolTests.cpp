@@ -157,8 +157,8 @@ TEST(ModelTool, AnArtifactIsShownWhileItIsWritten) {
 TEST(ModelTool, SeveralCallsInOneRoundAreCarriedOutInTheirOrder) {
     const std::string page = R"({"id":"p","title":"П","kind":"html","text":"<p>"})";
     const std::string list = R"({"id":"l","title":"Л","kind":"markdown","text":"- один"})";
-    const std::string body = event(callDelta(0, "a", "artifact", page.substr(0, 20))) +
-        event(callDelta(0, "", "", page.substr(20))) + event(callDelta(1, "b", "artifact", list)) +
+    const std::string body = event(callDelta(0, "a", "artifact", page.substr(0, 15))) +
+        event(callDelta(0, "", "", page.substr(15))) + event(callDelta(1, "b", "artifact", list)) +
         event(callDelta(2, "c", "create_document", R"({"filename":"../заметки.exe","text":"Текст"})")) +
         event(callDelta(3, "d", "dance", "{}")) + event(callDelta(4, "e", "create_document", "{broken")) +
         finishedWithTools;

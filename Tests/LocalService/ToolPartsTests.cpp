@@ -7,8 +7,8 @@
 #include "Tools/ToolCall.h"
 #include "Tools/Typesetter.h"
 
-#include <gtest/gtest.h>
 #include <fstream>
+#include <gtest/gtest.h>
 #include <random>
 
 namespace korvi::service {
@@ -143,37 +143,37 @@ TEST(AnswerContent, IsWhatAClientShowsThatSawItStream) {
         std::vector<Piece> pieces;
         const char* content;
     };
-    for (const Case& each : std::vector<Case>{
-             {"a picture joins the text before it, and the text goes on behind it",
-                 {text("A"), image("u"), text("B")}, R"j([{"type":"text","text":"A\n\n![image](u)B"}])j"},
-             {"the same picture once", {text("A"), image("u"), image("u")}, R"j([{"type":"text","text":"A\n\n![image](u)"}])j"},
-             {"a picture joins the last text, whatever stands behind that",
-                 {text("A"), search, image("u")}, R"j([{"type":"text","text":"A\n\n![image](u)"},{"type":"search","query":"q"}])j"},
-             {"a picture before any word stands in the text that the answer begins with",
-                 {{PieceKind::thinking, "T"}, image("u"), text("B")},
-                 R"j([{"type":"text","text":"\n\n![image](u)"},{"type":"thinking","text":"T"},{"type":"text","text":"B"}])j"},
-             {"text behind results gathers in the first text there",
-                 {text("A"), search, text("B"), tool(frames::toolEnd("video", {{"videoUrl", "v"}})), text("C")},
-                 R"j([{"type":"text","text":"A"},{"type":"search","query":"q"},{"type":"text","text":"BC"},
+    for (const Case& each :
+        std::vector<Case>{{"a picture joins the text before it, and the text goes on behind it",
+                              {text("A"), image("u"), text("B")}, R"j([{"type":"text","text":"A\n\n![image](u)B"}])j"},
+            {"the same picture once", {text("A"), image("u"), image("u")},
+                R"j([{"type":"text","text":"A\n\n![image](u)"}])j"},
+            {"a picture joins the last text, whatever stands behind that", {text("A"), search, image("u")},
+                R"j([{"type":"text","text":"A\n\n![image](u)"},{"type":"search","query":"q"}])j"},
+            {"a picture before any word stands in the text that the answer begins with",
+                {{PieceKind::thinking, "T"}, image("u"), text("B")},
+                R"j([{"type":"text","text":"\n\n![image](u)"},{"type":"thinking","text":"T"},{"type":"text","text":"B"}])j"},
+            {"text behind results gathers in the first text there",
+                {text("A"), search, text("B"), tool(frames::toolEnd("video", {{"videoUrl", "v"}})), text("C")},
+                R"j([{"type":"text","text":"A"},{"type":"search","query":"q"},{"type":"text","text":"BC"},
                      {"type":"video_url","videoUrl":"v"}])j"},
-             {"what has not finished leaves nothing",
-                 {text("A"), tool(frames::toolStart("generateImage")), tool(frames::toolProgress("generateImage")),
-                     tool(frames::toolStart("artifact")), tool(frames::toolArguments("artifact", {{"id", "x"}})),
-                     tool("nonsense"), tool("{}")},
-                 R"j([{"type":"text","text":"A"}])j"},
-             {"nor does a document without a file", {text("A"), tool(frames::toolEnd("createDocument", json::object()))},
-                 R"j([{"type":"text","text":"A"}])j"},
-             {"the reason of a failure is a text of its own",
-                 {text("A"), tool(frames::toolEnd("generateImage", {{"text", "E"}})), text("B")},
-                 R"j([{"type":"text","text":"A"},{"type":"text","text":"EB"}])j"}})
+            {"what has not finished leaves nothing",
+                {text("A"), tool(frames::toolStart("generateImage")), tool(frames::toolProgress("generateImage")),
+                    tool(frames::toolStart("artifact")), tool(frames::toolArguments("artifact", {{"id", "x"}})),
+                    tool("nonsense"), tool("{}")},
+                R"j([{"type":"text","text":"A"}])j"},
+            {"nor does a document without a file", {text("A"), tool(frames::toolEnd("createDocument", json::object()))},
+                R"j([{"type":"text","text":"A"}])j"},
+            {"the reason of a failure is a text of its own",
+                {text("A"), tool(frames::toolEnd("generateImage", {{"text", "E"}})), text("B")},
+                R"j([{"type":"text","text":"A"},{"type":"text","text":"EB"}])j"}})
         EXPECT_EQ(contentOf(each.pieces, AnswerState::done), json::parse(each.content)) << each.what;
 }
 
 TEST(AnswerContent, GathersCitationsOfAWholeAnswerOnly) {
     const std::vector<Piece> pieces{text("Б [2](https://www.b.ru/x) а [[1]](http://a.ru)[[3]](http://a.ru).\n\n\n\n"
                                          "[[123]](http://c.ru) [x](http://d.ru) [1](ftp://e.ru) [4](http://)")};
-    EXPECT_EQ(contentOf(pieces, AnswerState::aborted),
-        json::array({{{"type", "text"}, {"text", pieces[0].body}}}));
+    EXPECT_EQ(contentOf(pieces, AnswerState::aborted), json::array({{{"type", "text"}, {"text", pieces[0].body}}}));
     const json blocks = contentOf(pieces, AnswerState::done);
     EXPECT_EQ(blocks[0]["text"], "Б  а .\n\n[[123]](http://c.ru) [x](http://d.ru) [1](ftp://e.ru) [4](http://)");
     EXPECT_EQ(blocks[1], json::parse(R"({"type":"search","results":[
@@ -211,14 +211,15 @@ TEST(Typesetter, LetsNoDocumentReachBeyondItsFolder) {
     const auto secret = folder.path() / "secret.tex";
     const auto trace = folder.path() / "trace";
     std::ofstream(secret) << "secret";
-    for (const std::string& hostile : {"\\input{" + secret.string() + "}",
-             "\\immediate\\write18{touch " + trace.string() + "}text",
-             "\\newwrite\\f\\immediate\\openout\\f=" + trace.string() + " \\immediate\\write\\f{x}text",
-             "\\input{|touch " + trace.string() + "}", std::string("\\input{../x}"), std::string("\\input{.hidden}")}) {
+    for (const std::string& hostile :
+        {"\\input{" + secret.string() + "}", "\\immediate\\write18{touch " + trace.string() + "}text",
+            "\\newwrite\\f\\immediate\\openout\\f=" + trace.string() + " \\immediate\\write\\f{x}text",
+            "\\input{|touch " + trace.string() + "}", std::string("\\input{../x}"), std::string("\\input{.hidden}")}) {
         const auto result = typeset(hostile);
         EXPECT_FALSE(std::filesystem::exists(trace)) << hostile;
-        if (hostile.find("input") != std::string::npos)
+        if (hostile.find("input") != std::string::npos) {
             EXPECT_NE(result.error, "") << hostile;
+        }
     }
     EXPECT_NE(typeset("\\def\\a{\\a}\\a", std::chrono::seconds(1)).error, "");
     EXPECT_NE(typeset("\\def\\a{x\\a\\a}\\setbox0\\hbox{\\a}", std::chrono::seconds(5)).error, "");

@@ -60,7 +60,7 @@ TEST_F(ToolTest, ASearchIsATurnOfFramesAndABlockBetweenTexts) {
     for (const std::string& address : {content["images"][0]["url"].get<std::string>(),
              content["images"][2]["url"].get<std::string>(), content["results"][0]["favicon"].get<std::string>()}) {
         const auto picture = fetch(address);
-        EXPECT_EQ(picture.headers["content-type"], "image/png") << address;
+        EXPECT_EQ(picture.headers.at("content-type"), "image/png") << address;
         EXPECT_THAT(picture.body, StartsWith("\x89PNG\r\n"));
     }
     ASSERT_EQ(blocks.size(), 3U);
@@ -153,7 +153,7 @@ TEST_F(ToolTest, ArtifactsStreamAndKeepTheirVersions) {
         for (std::size_t i = 1; i + 1 < tool.size(); ++i)
             for (const auto& [key, value] : tool[i]["data"]["args"].items())
                 built[key] = value.is_string() && key != "kind"
-                    ? built[key].get<std::string>() + value.get<std::string>()
+                    ? json(built[key].get<std::string>() + value.get<std::string>())
                     : value;
         json ended = tool.back()["data"]["content"];
         ended["type"] = "artifact";
@@ -253,8 +253,8 @@ TEST_F(ToolTest, LatexBecomesAPdf) {
     const std::string path = "/chats/" + frames[0]["data"]["id"].dump() + "/artifacts/demo-squares/";
     const std::string base = "http://127.0.0.1:" + std::to_string(service.port()) + "/api/v1";
     const std::string authorization = "Authorization: Bearer " + token;
-    for (const std::string& wrong : {path + "2/pdf", path + "x/pdf", "/chats/999/artifacts/demo-squares/1/pdf",
-             "/chats/1/artifacts//1/pdf", path + "99999999999/pdf"})
+    for (const auto& wrong : std::vector<std::string>{path + "2/pdf", path + "x/pdf",
+             "/chats/999/artifacts/demo-squares/1/pdf", "/chats/1/artifacts//1/pdf", path + "99999999999/pdf"})
         EXPECT_EQ(fetch(base + wrong, {authorization}).status, 404) << wrong;
     EXPECT_EQ(fetch(base + path + "1/pdf").status, 401);
     ask("Артефакт html", frames);
