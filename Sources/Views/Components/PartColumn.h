@@ -34,6 +34,7 @@ public:
 
     Q_INVOKABLE QQuickItem* itemAt(int part) const { return m_items.find(part); } // null for one far from the view
     Q_INVOKABLE int partAt(qreal y) const { return m_heights.rowAt(y); }          // the nearest one; -1 without parts
+    Q_INVOKABLE qreal positionOf(int part) const { return m_heights.before(part); } // of its top, known or estimated
     Q_INVOKABLE int liveParts() const { return static_cast<int>(m_items.live().size()); }
 
 signals:

@@ -79,6 +79,7 @@ constexpr Entry symbols[] = {
     {QLatin1StringView("star.fill"), QLatin1StringView("star")},
     {QLatin1StringView("stop"), QLatin1StringView("square")},
     {QLatin1StringView("terminal"), QLatin1StringView("terminal")},
+    {QLatin1StringView("text.append"), QLatin1StringView("wrap-text")},
     {QLatin1StringView("text.bubble"), QLatin1StringView("message-square-text")},
     {QLatin1StringView("trash"), QLatin1StringView("trash-2")},
     {QLatin1StringView("video"), QLatin1StringView("video")},
