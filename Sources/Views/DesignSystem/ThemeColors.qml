@@ -41,7 +41,7 @@ QtObject {
     readonly property color shadow:  dark ? "#0a000000" : "#02000000" // one layer of a soft shadow
     // Behind films and pictures it is dark in both schemes.
     readonly property color stage:   dark ? "#0f0f0e" : "#262624"
-    readonly property color onStage: "#f4f4f0"
+    readonly property color stageText: "#f4f4f0"
     readonly property color stageButton: "#8c3a3a38"
     readonly property color stageLit: "#d9565653"
     readonly property color stageScrim: "#a6000000"

@@ -98,6 +98,7 @@ SidewaysScroll {
     // The cards go on beyond the edge.
     Rectangle {
         anchors.right: parent.right
+        anchors.rightMargin: -Theme.haloWidth
         gradient: Gradient {
             orientation: Gradient.Horizontal
 

@@ -114,7 +114,7 @@ T.Popup {
         }
         Spinner {
             anchors.centerIn: parent
-            color: Theme.onStage
+            color: Theme.stageText
             running: picture.status === WebPicture.Loading
         }
         Column {
@@ -124,17 +124,17 @@ T.Popup {
 
             Symbol {
                 anchors.horizontalCenter: parent.horizontalCenter
-                color: Theme.onStage
+                color: Theme.stageText
                 name: "photo.badge.exclamationmark"
                 size: Theme.px(32)
             }
             Label {
-                color: Theme.onStage
+                color: Theme.stageText
                 text: "Не удалось загрузить"
             }
             LinkButton {
                 anchors.horizontalCenter: parent.horizontalCenter
-                color: Theme.onStage
+                color: Theme.stageText
                 text: "Повторить"
 
                 onClicked: picture.reload()
@@ -213,7 +213,7 @@ T.Popup {
             anchors.leftMargin: Theme.gap5
             anchors.top: parent.top
             anchors.topMargin: Theme.gap5
-            color: Theme.onStage
+            color: Theme.stageText
             text: "%1 из %2".arg(overlay.currentIndex + 1).arg(overlay.images.length)
             visible: overlay.images.length > 1
         }
@@ -232,7 +232,7 @@ T.Popup {
 
                 Accessible.role: Accessible.AlertMessage
                 anchors.centerIn: parent
-                color: Theme.onStage
+                color: Theme.stageText
                 text: overlay.notice
             }
         }

@@ -62,7 +62,7 @@ CardPart {
                     Symbol {
                         anchors.centerIn: parent
                         anchors.horizontalCenterOffset: Theme.gap1 / 2
-                        color: button.hovered || button.visualFocus ? Theme.onacc : Theme.onStage
+                        color: button.hovered || button.visualFocus ? Theme.onacc : Theme.stageText
                         name: card.playsInPlace ? "play" : "arrow.up.right.square"
                         size: Theme.px(24)
                     }
@@ -75,12 +75,12 @@ CardPart {
 
                     Symbol {
                         anchors.verticalCenter: parent.verticalCenter
-                        color: Theme.onStage
+                        color: Theme.stageText
                         name: "video"
                         size: Theme.icon
                     }
                     Label {
-                        color: Theme.onStage
+                        color: Theme.stageText
                         font.pixelSize: Theme.fontLabel
                         text: "Видео"
                     }

@@ -76,7 +76,7 @@ FocusScope {
     }
     Spinner {
         anchors.centerIn: parent
-        color: Theme.onStage
+        color: Theme.stageText
         running: view.isBuffering && view.errorMessage.length === 0
     }
     Rectangle {
@@ -98,7 +98,7 @@ FocusScope {
             anchors.left: parent.left
             anchors.leftMargin: Theme.gap2
             anchors.verticalCenter: parent.verticalCenter
-            color: Theme.onStage
+            color: Theme.stageText
             objectName: "pauseButton"
             symbol: view.isPlaying ? "pause" : "play"
             text: view.isPlaying ? "Пауза" : "Воспроизвести"
@@ -111,7 +111,7 @@ FocusScope {
             anchors.left: playButton.right
             anchors.leftMargin: Theme.gap1
             anchors.verticalCenter: parent.verticalCenter
-            color: Theme.onStage
+            color: Theme.stageText
             font.pixelSize: Theme.fontSmall
             text: Russian.clock(view.position) + (view.duration > 0 ? " / " + Russian.clock(view.duration) : "")
         }
@@ -124,7 +124,7 @@ FocusScope {
 
             Rectangle {
                 anchors.verticalCenter: parent.verticalCenter
-                color: Theme.onStage
+                color: Theme.stageText
                 height: Theme.px(4)
                 opacity: 0.35
                 radius: height / 2
@@ -132,7 +132,7 @@ FocusScope {
             }
             Rectangle {
                 anchors.verticalCenter: parent.verticalCenter
-                color: Theme.onStage
+                color: Theme.stageText
                 height: Theme.px(4)
                 radius: height / 2
                 width: view.duration > 0 ? parent.width * view.position / view.duration : 0
@@ -149,7 +149,7 @@ FocusScope {
             anchors.right: outside.left
             anchors.verticalCenter: parent.verticalCenter
             checkable: true
-            color: Theme.onStage
+            color: Theme.stageText
             opacity: checked ? 0.5 : 1
             symbol: "waveform"
             text: checked ? "Включить звук" : "Выключить звук"
@@ -160,7 +160,7 @@ FocusScope {
             anchors.right: parent.right
             anchors.rightMargin: Theme.gap2
             anchors.verticalCenter: parent.verticalCenter
-            color: Theme.onStage
+            color: Theme.stageText
             symbol: "arrow.up.right.square"
             text: "Открыть в браузере"
 
@@ -177,7 +177,7 @@ FocusScope {
         width: parent.width - Theme.gap6 * 2
 
         Label {
-            color: Theme.onStage
+            color: Theme.stageText
             font.weight: Font.DemiBold
             horizontalAlignment: Text.AlignHCenter
             text: "Не удалось загрузить видео"
@@ -185,7 +185,7 @@ FocusScope {
             wrapMode: Text.Wrap
         }
         Label {
-            color: Theme.onStage
+            color: Theme.stageText
             elide: Text.ElideRight
             font.pixelSize: Theme.fontLabel
             horizontalAlignment: Text.AlignHCenter
@@ -213,13 +213,13 @@ FocusScope {
 
                 Symbol {
                     anchors.verticalCenter: parent.verticalCenter
-                    color: Theme.onStage
+                    color: Theme.stageText
                     name: "arrow.clockwise"
                     size: Theme.icon
                 }
                 Label {
                     anchors.verticalCenter: parent.verticalCenter
-                    color: Theme.onStage
+                    color: Theme.stageText
                     text: again.text
                 }
             }

@@ -4,7 +4,7 @@ import QtQuick
 IconButton {
     id: button
 
-    color: enabled ? Theme.onStage : Theme.t3
+    color: enabled ? Theme.stageText : Theme.t3
     implicitHeight: Theme.px(36)
     implicitWidth: Theme.px(36)
     radius: height / 2
