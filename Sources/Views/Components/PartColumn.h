@@ -32,8 +32,8 @@ public:
     // Makes the parts between these heights below its top, and lets go of those further off than `reach`.
     void see(double from, double to, double reach);
 
-    Q_INVOKABLE QQuickItem* itemAt(int part) const { return m_items.find(part); } // null for one far from the view
-    Q_INVOKABLE int partAt(qreal y) const { return m_heights.rowAt(y); }          // the nearest one; -1 without parts
+    Q_INVOKABLE QQuickItem* itemAt(int part) const { return m_items.find(part); }   // null for one far from the view
+    Q_INVOKABLE int partAt(qreal y) const { return m_heights.rowAt(y); }            // the nearest one; -1 without parts
     Q_INVOKABLE qreal positionOf(int part) const { return m_heights.before(part); } // of its top, known or estimated
     Q_INVOKABLE int liveParts() const { return static_cast<int>(m_items.live().size()); }
 

@@ -67,8 +67,7 @@ std::vector<Range> CodeColouring::ranges(qsizetype from, qsizetype to) const {
         while (i < tokens.size() && tokens[i] == tokens[start])
             ++i;
         if (tokens[start] != Token::plain) {
-            ranges.push_back(
-                {from + static_cast<qsizetype>(start), static_cast<qsizetype>(i - start), tokens[start]});
+            ranges.push_back({from + static_cast<qsizetype>(start), static_cast<qsizetype>(i - start), tokens[start]});
         }
     }
     return ranges;

@@ -33,9 +33,9 @@ private:
 
     qsizetype advanceTracks(QStringView text);
 
-    std::vector<Track> m_tracks;  // in the order of the rules
-    qsizetype m_wholeLines = 0;   // characters taken in as such
-    qsizetype m_everything = 0;   // characters taken in, at least those
+    std::vector<Track> m_tracks; // in the order of the rules
+    qsizetype m_wholeLines = 0;  // characters taken in as such
+    qsizetype m_everything = 0;  // characters taken in, at least those
 };
 
 }

@@ -60,8 +60,7 @@ void eachRun(QStringView text, State& state, Take take) {
     }
 }
 
-void resumeWords(
-    QStringView text, State& state, std::vector<Match>& matches, const std::vector<QStringView>& words) {
+void resumeWords(QStringView text, State& state, std::vector<Match>& matches, const std::vector<QStringView>& words) {
     eachRun(text, state, [&](qsizetype start, const Run& run) {
         if (std::ranges::binary_search(words, text.sliced(start, run.end - start)))
             matches.push_back({start, run.end});
