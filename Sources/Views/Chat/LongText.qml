@@ -36,6 +36,7 @@ PartColumn {
 
         color: column.color
         content: part
+        copiesItself: false
         objectName: "textPart"
 
         onCaretLeaving: (direction, selecting) => selection.step(index, direction, selecting)
@@ -43,6 +44,7 @@ PartColumn {
             selection.follow(index)
             column.caretMoved(edit.y + y, height)
         }
+        onCopyWanted: column.copyWanted(column.selectedText())
     }
     // qmllint enable unqualified
     estimate: MessageHeights {
@@ -60,12 +62,6 @@ PartColumn {
         text: column.text
 
         onModelReset: selection.span = null
-    }
-
-    Keys.onPressed: event => {
-        event.accepted = event.matches(StandardKey.Copy) && selectedText().length > 0
-        if (event.accepted)
-            copyWanted(selectedText())
     }
 
     PartSelection {

@@ -132,6 +132,8 @@ PointHandler {
         const other = column.itemAt(part)
         if (!active || pressedPart < 0 || !other?.positionAt || part === pressedPart && !span)
             return
+        if (!span && column.focusedPart() !== pressedPart) // a button was pressed, no text
+            return
         span = { anchorPart: pressedPart, anchor: pressedAt, headPart: part,
             head: other.positionAt(point.position.x - other.x, y - other.y) }
         caretMoved(y, 0)
@@ -144,10 +146,10 @@ PointHandler {
         pressedPart = column.partAt(point.pressPosition.y)
         const item = column.itemAt(pressedPart)
         const y = point.pressPosition.y - (item?.y ?? 0)
-        if (item?.positionAt && column.focusedPart() === pressedPart && y >= 0 && y < item.height)
+        if (item?.positionAt && y >= 0 && y < item.height)
             pressedAt = item.positionAt(point.pressPosition.x - item.x, y)
         else
-            pressedPart = -1 // on a button, between two parts
+            pressedPart = -1 // between two parts
     }
     onPointChanged: Qt.callLater(drag) // qmllint disable
     onSpanChanged: {

@@ -7,8 +7,10 @@ TextEdit {
     id: edit
 
     property bool hasCaret: false
+    property bool copiesItself: true // otherwise copyWanted() says that the reader wants it
 
     signal caretMoved(real y, real height) // by the keyboard, or by a pointer that selects
+    signal copyWanted(string text)
     signal caretLeaving(int direction, bool selecting) // over the beginning (-1) or the end (1)
 
     property var kept: null // what was selected before the text changes
@@ -59,7 +61,9 @@ TextEdit {
     Keys.onPressed: event => {
         const back = event.key === Qt.Key_Left || event.key === Qt.Key_Up
         const forth = event.key === Qt.Key_Right || event.key === Qt.Key_Down
-        event.accepted = false
+        event.accepted = !copiesItself && event.matches(StandardKey.Copy)
+        if (event.accepted)
+            copyWanted(selectedText)
         if (!back && !forth)
             return
         const selecting = (event.modifiers & Qt.ShiftModifier) !== 0

@@ -48,6 +48,7 @@ ThemeColors {
     readonly property int buttonHeight: px(36)
     readonly property int roundButton: px(32)
     readonly property int actionHeight: px(26)
+    readonly property int codeHeader: px(34)
     readonly property int icon: px(16)
     readonly property int hairline: 1
     readonly property int haloWidth: 3
@@ -71,6 +72,7 @@ ThemeColors {
     readonly property int jump: reducedMotion ? 0 : 250 // to another place of a list
     readonly property int pulse: 900
     readonly property int toolTipDelay: 600
+    readonly property int feedback: 1600 // a button says what it has done
 
     // A length that was drawn for 13-pixel text.
     function px(length: real): int {

@@ -18,6 +18,11 @@ QtObject {
     readonly property color onacc:   dark ? "#10202f" : "#ffffff" // text and icons on the accent
     readonly property color accbg:   dark ? "#1d2f42" : "#e8f2fc" // accent background
     readonly property color code:    dark ? "#151514" : "#f6f6f3" // code block
+    readonly property color codeKeyword: dark ? "#e06b75" : "#b8323f" // tokens of a code block
+    readonly property color codeString:  dark ? "#99c278" : "#447321"
+    readonly property color codeNumber:  dark ? "#d19966" : "#955a17"
+    readonly property color codeComment: dark ? "#80858f" : "#6a6d75"
+    readonly property color codeType:    dark ? "#61b0f0" : "#1768b0"
     readonly property color icode:   dark ? "#f0958d" : "#b3403a" // inline code text
     readonly property color icodebg: dark ? "#2d2a29" : "#f3f1ee" // inline code background
     readonly property color ok:      dark ? "#5cbf8a" : "#26794c" // success

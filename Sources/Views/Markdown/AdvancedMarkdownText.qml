@@ -91,15 +91,17 @@ Item {
                         selection.follow(index)
                         view.caretMoved(textPart.y + y, height)
                     }
+                    onCopyWanted: view.copyWanted(view.selectedText())
                 }
             },
             PartKind {
                 name: "code"
 
-                RawPart {
-                    required property string code
+                CodeBlockView {
+                    id: code
 
-                    content: code
+                    onCaretMoved: (y, height) => view.caretMoved(code.y + y, height)
+                    onCopyWanted: text => view.copyWanted(selection.span ? view.selectedText() : text)
                 }
             },
             PartKind {
@@ -149,7 +151,7 @@ Item {
         }
 
         Keys.onPressed: event => {
-            event.accepted = event.matches(StandardKey.Copy)
+            event.accepted = event.matches(StandardKey.Copy) && selection.span !== null
             if (event.accepted)
                 view.copyWanted(view.selectedText())
         }

@@ -19,7 +19,8 @@ ReadingText {
         return edit.positionToRectangle(edit.length)
     }
 
-    Accessible.name: parts.between(index, 0, index, length) // qmllint disable
+    Accessible.name: isOpen ? "" : parts.between(index, 0, index, length) // qmllint disable
+    copiesItself: false
     objectName: "textPart"
 
     onContentHeightChanged: paragraphs.findPlaces()

@@ -64,8 +64,8 @@ public:
         });
         QObject::connect(&parts, &AnswerParts::rowsRemoved, &m_context,
             [&](const QModelIndex&, int first, int last) { rows.remove(first, last - first + 1); });
-        QObject::connect(&parts, &AnswerParts::dataChanged, &m_context,
-            [&](const QModelIndex& first, const QModelIndex& last) {
+        QObject::connect(
+            &parts, &AnswerParts::dataChanged, &m_context, [&](const QModelIndex& first, const QModelIndex& last) {
                 for (int row = first.row(); row <= last.row(); ++row)
                     rows[row] = described(parts, row);
                 changed += last.row() - first.row() + 1;
@@ -96,9 +96,7 @@ public:
         m_parts = &parts;
     }
 
-    void update() {
-        m_paragraphs.setRevision(m_parts->data(m_parts->index(m_row), AnswerParts::RevisionRole).toInt());
-    }
+    void update() { m_paragraphs.setRevision(m_parts->data(m_parts->index(m_row), AnswerParts::RevisionRole).toInt()); }
 
     QString described() const {
         QString all;
@@ -112,8 +110,9 @@ public:
             for (auto each = block.begin(); !each.atEnd(); ++each) {
                 const QTextCharFormat characters = each.fragment().charFormat();
                 all += u" [%1 %2 %3 %4 %5 %6]"_s.arg(each.fragment().text(), characters.fontFamilies().toString(),
-                    characters.property(QTextFormat::FontPixelSize).toString(), QString::number(characters.fontWeight()),
-                    QString::number(characters.fontItalic()), characters.foreground().color().name(QColor::HexArgb));
+                    characters.property(QTextFormat::FontPixelSize).toString(),
+                    QString::number(characters.fontWeight()), QString::number(characters.fontItalic()),
+                    characters.foreground().color().name(QColor::HexArgb));
             }
         }
         return all;
@@ -193,7 +192,8 @@ TEST(AnswerParts, APartIsNeverLongAndAHugeParagraphIsCutBetweenWords) {
 
 TEST(AnswerParts, ReadsAsItIsShown) {
     AnswerParts parts;
-    parts.setContent(u"# Итог\nСлово **жирно** и `код`, где $x_1$ мало.\n\n- раз\n- два\n\n```py\na = 1\n\nb\n```\n| А | Б |\n|---|---|\n"
+    parts.setContent(u"# Итог\nСлово **жирно** и `код`, где $x_1$ мало.\n\n- раз\n- два\n\n```py\na = 1\n\nb\n```\n| А "
+                     u"| Б |\n|---|---|\n"
                      u"| 1 | **2** |\n\n$$y$$"_s);
     EXPECT_EQ(parts.plainText(),
         u"Итог\n\nСлово жирно и код, где $x_1$ мало.\n\n• раз\n• два\n\na = 1\n\nb\n\nА\tБ\n1\t2\n\n$$y$$"_s);
