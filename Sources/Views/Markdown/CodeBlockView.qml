@@ -15,12 +15,12 @@ Item {
 
     property int selectionStart: 0
     property int selectionEnd: 0
-    readonly property bool selectionSpansParts: parts.partOf(selectionStart) !== parts.partOf(selectionEnd)
+    readonly property bool selectionSpansParts: codeParts.partOf(selectionStart) !== codeParts.partOf(selectionEnd)
     readonly property string selectedText: {
-        parts.text
+        codeParts.text
         return between(selectionStart, selectionEnd)
     }
-    readonly property int length: parts.text.length
+    readonly property int length: codeParts.text.length
     readonly property real characterWidth: metrics.advanceWidth("0")
 
     signal caretMoved(real y, real height)
@@ -28,7 +28,7 @@ Item {
     signal wrapsToggled // for those who want to know it when the block is made again
 
     function between(from: int, to: int): string {
-        return parts.text.slice(from, to)
+        return codeParts.text.slice(from, to)
     }
 
     function select(from: int, to: int): void {
@@ -50,13 +50,13 @@ Item {
         const at = column.mapFromItem(view, x, y)
         const part = column.partAt(at.y)
         const item = column.itemAt(part)
-        return part < 0 ? 0 : parts.startOf(part) + (item ? item.positionAt(at.x, at.y - item.y) : 0) // qmllint disable
+        return part < 0 ? 0 : codeParts.startOf(part) + (item ? item.positionAt(at.x, at.y - item.y) : 0) // qmllint disable
     }
 
     function positionToRectangle(position: int): rect {
-        const part = parts.partOf(position)
+        const part = codeParts.partOf(position)
         const item = column.itemAt(part)
-        const place = item ? item.positionToRectangle(position - parts.startOf(part)) // qmllint disable
+        const place = item ? item.positionToRectangle(position - codeParts.startOf(part)) // qmllint disable
             : Qt.rect(0, 0, 0, estimate.lineHeight)
         return column.mapToItem(view, place.x, column.positionOf(Math.max(0, part)) + place.y, place.width, place.height)
     }
@@ -71,7 +71,7 @@ Item {
 
     // The first part that is at hand.
     function nearest(): Item {
-        for (let part = 0; part < parts.count; ++part) {
+        for (let part = 0; part < codeParts.count; ++part) {
             if (column.itemAt(part))
                 return column.itemAt(part)
         }
@@ -132,7 +132,7 @@ Item {
         Flickable {
             id: area
 
-            readonly property real widest: parts.columns * view.characterWidth
+            readonly property real widest: codeParts.columns * view.characterWidth
 
             anchors.fill: parent
             boundsBehavior: Flickable.StopAtBounds
@@ -151,22 +151,21 @@ Item {
                 id: column
 
                 height: implicitHeight
-                model: parts
+                model: codeParts
                 // Not that of the longest line: a part is laid out again for each width.
                 width: view.wraps ? area.width - Theme.gap4 * 2 : Math.max(area.width, Math.pow(2, Math.ceil(Math.log2(area.widest + 1))))
-                x: Theme.gap4
+                x: Theme.gap4 - scroll.x
                 y: Theme.gap4
 
                 // qmllint disable unqualified
                 delegate: CodePart {
                     id: edit
 
-                    parts: parts
+                    parts: codeParts
                     persistentSelection: view.persistentSelection || view.selectionSpansParts
                     share: {
-                        const start = parts.startOf(index)
-                        return Qt.point(Math.max(0, Math.min(length, view.selectionStart - start)),
-                            Math.max(0, Math.min(length, view.selectionEnd - start)))
+                        const start = codeParts.startOf(index)
+                        return Qt.point(view.selectionStart - start, view.selectionEnd - start)
                     }
                     wrapMode: view.wraps ? TextEdit.Wrap : TextEdit.NoWrap
 
@@ -175,7 +174,7 @@ Item {
                         view.caretMoved(column.mapToItem(view, 0, edit.y + y).y, height)
                     }
                     onSelectionMade: (from, to) => {
-                        const start = parts.startOf(index)
+                        const start = codeParts.startOf(index)
                         if (from < to)
                             view.select(start + from, start + to)
                         else if (!view.selectionSpansParts)
@@ -193,9 +192,11 @@ Item {
                             const y = edit.y + point.position.y
                             const part = column.partAt(y)
                             const other = column.itemAt(part)
+                            if (view.persistentSelection) // it goes beyond the code
+                                return
                             if (!active || !other || part === edit.index && !view.selectionSpansParts)
                                 return
-                            const at = parts.startOf(part) + other.positionAt(point.position.x, y - other.y)
+                            const at = codeParts.startOf(part) + other.positionAt(point.position.x, y - other.y)
                             view.select(position, at)
                             view.caretMoved(column.mapToItem(view, 0, y).y, 0)
                         }
@@ -203,7 +204,7 @@ Item {
                         onActiveChanged: {
                             if (active) {
                                 view.deselect()
-                                position = parts.startOf(edit.index) + edit.positionAt(point.pressPosition.x, point.pressPosition.y)
+                                position = codeParts.startOf(edit.index) + edit.positionAt(point.pressPosition.x, point.pressPosition.y)
                             }
                         }
                         onPointChanged: Qt.callLater(follow) // qmllint disable
@@ -220,7 +221,7 @@ Item {
         }
     }
     CodeParts {
-        id: parts
+        id: codeParts
 
         code: view.code
         isOpen: view.isOpen

@@ -5,7 +5,7 @@
 namespace Korvi {
 
 // How high the parts of some code will be. Exact where lines are not wrapped: they are all of one height.
-class CodeHeights : public RowEstimate {
+class CodeHeights : public Korvi::RowEstimate { // qualified, for qmllint to know it
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(qreal lineHeight MEMBER m_lineHeight NOTIFY changed)   // pixels

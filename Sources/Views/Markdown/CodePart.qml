@@ -8,21 +8,27 @@ SelectableText {
     required property int index
     required property string part
     required property CodeParts parts
-    required property point share // what is selected of it: the first character, and the one after the last
+    // What is selected of all the code: the first character and the one after the last, counted from this part's first.
+    required property point share
 
-    property bool sharing: false
+    property bool sharing: true // what changes then is not the reader's doing
 
     signal selectionMade(int from, int to) // by the reader
 
     function takeShare(): void {
-        if (selectionStart === share.x && selectionEnd === share.y)
-            return
+        const from = Math.max(0, Math.min(length, share.x))
+        const to = Math.max(0, Math.min(length, share.y))
         sharing = true
-        if (share.x < share.y)
-            select(share.x, share.y)
-        else
+        if (from >= to)
             deselect()
+        else if (selectionStart !== from || selectionEnd !== to)
+            select(from, to)
         sharing = false
+    }
+
+    function tell(): void {
+        if (!sharing && (selectionStart < selectionEnd || (share.x < length && share.y > 0)))
+            selectionMade(selectionStart, selectionEnd)
     }
 
     Accessible.name: part
@@ -33,14 +39,8 @@ SelectableText {
     tabStopDistance: 4 * advance.advanceWidth(" ")
 
     Component.onCompleted: takeShare()
-    onSelectionEndChanged: {
-        if (!sharing)
-            selectionMade(selectionStart, selectionEnd)
-    }
-    onSelectionStartChanged: {
-        if (!sharing)
-            selectionMade(selectionStart, selectionEnd)
-    }
+    onSelectionEndChanged: tell()
+    onSelectionStartChanged: tell()
     onShareChanged: takeShare()
 
     FontMetrics {

@@ -9,7 +9,7 @@ namespace Korvi {
 
 // A piece of code in parts of some hundred lines, with its colours. While it is open only lines that have come to their
 // end are coloured.
-class CodeParts : public TextParts, public QQmlParserStatus {
+class CodeParts : public Korvi::TextParts, public QQmlParserStatus { // qualified, for qmllint to know it
     Q_OBJECT
     Q_INTERFACES(QQmlParserStatus)
     QML_ELEMENT

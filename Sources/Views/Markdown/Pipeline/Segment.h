@@ -14,7 +14,7 @@ struct TextBlock {
     qint64 number = 0;            // of a numberedListItem
     QString marker{};             // what stands before the runs: "  •  ", two spaces, or "12. "
     bool hasLeadingEmoji = false; // of a listItem: it has no bullet and other indents
-    QString content;              // the Markdown that the runs are made of, without the block's own marker
+    QString content{};            // the Markdown that the runs are made of, without the block's own marker
     std::vector<Run> runs{};
 
     bool operator==(const TextBlock&) const = default;
