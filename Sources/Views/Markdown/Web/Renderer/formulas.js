@@ -8,7 +8,9 @@
         `position:absolute;left:0;top:0;font-size:${em}px;color:${inherited};white-space:nowrap;font-variant-ligatures:none`
     // Letters that KaTeX has no font for, at the height of those that it has.
     const look = document.createElement('style')
-    look.textContent = '@font-face{font-family:KorviText;src:local("Inter");size-adjust:80%}' +
+    const faces = [['normal', 400, 'Regular'], ['normal', 700, 'Bold'], ['italic', 400, 'Italic'], ['italic', 700, 'Bold Italic']]
+    look.textContent = faces.map(([style, weight, name]) => '@font-face{font-family:KorviText;size-adjust:80%;' +
+        `font-style:${style};font-weight:${weight};src:local("Inter ${name}")}`).join('') +
         '.katex{font-family:KaTeX_Main,KorviText,sans-serif}'
     document.head.append(look)
     document.body.append(stage)
@@ -246,14 +248,16 @@
             return { error: 'nothing to draw' }
         const bases = [...html.querySelectorAll(':scope > .base')]
         const tag = html.querySelector(':scope > .tag')
-        if (tag) // stands at the edge; room for it on both sides, so that the formula stays in the middle
-            box.style.width =
-                `${Math.max(...bases.map(base => base.getBoundingClientRect().width)) + 2 * tag.getBoundingClientRect().width + 4 * em}px`
+        const edges = name => bases.map(base => base.getBoundingClientRect()[name])
+        if (tag) { // stands at the edge; room for it on both sides, so that the formula stays in the middle
+            const own = Math.max(...edges('right')) - Math.min(...edges('left'))
+            box.style.width = `${own + 2 * tag.getBoundingClientRect().width + 4 * em}px`
+        }
         const mark = document.createElement('span')
         mark.style.cssText = 'display:inline-block;width:0;height:0'
         ;(bases[0] ?? html).prepend(mark)
-        const left = tag ? box.getBoundingClientRect().left : Math.min(...bases.map(b => b.getBoundingClientRect().left))
-        const right = tag ? box.getBoundingClientRect().right : Math.max(...bases.map(b => b.getBoundingClientRect().right))
+        const left = tag ? box.getBoundingClientRect().left : Math.min(...edges('left'))
+        const right = tag ? box.getBoundingClientRect().right : Math.max(...edges('right'))
         const place = { x: left, y: mark.getBoundingClientRect().bottom }
         const struts = [...html.querySelectorAll(':scope > .base > .strut')].map(strut => strut.getBoundingClientRect())
         const items = []
