@@ -32,6 +32,7 @@ ChatViewModel::ChatViewModel(Dependencies dependencies, QObject* parent)
     : QObject(parent)
     , m_dependencies(dependencies)
     , m_directory({dependencies.chatService, dependencies.cache, dependencies.notifications})
+    , m_loader(dependencies.chatService, dependencies.scheduler)
     , m_stream({dependencies.chatService, dependencies.cache, dependencies.defaults, dependencies.scheduler,
                    dependencies.clock},
           m_messages)
@@ -55,11 +56,13 @@ ChatViewModel::ChatViewModel(Dependencies dependencies, QObject* parent)
         emit contentUpdateTriggerChanged();
         emit contentScrolled();
     });
-    connect(&m_stream, &AnswerStream::waitingEnded, this, [this](qint64 chatId) {
+    connect(&m_stream, &AnswerStream::touched, &m_loader, &MessageLoader::touch);
+    connect(&m_stream, &AnswerStream::comparisonWanted, this, [this](qint64 chatId) {
         if (chatId > 0)
-            m_scope.start(
-                [this, chatId] { return chatId == activeChatId() ? loadMessages(chatId) : verifyMessages(chatId); });
+            m_loader.load(chatId);
     });
+    connect(&m_loader, &MessageLoader::loaded, this, &ChatViewModel::messagesLoaded);
+    connect(&m_loader, &MessageLoader::failed, this, &ChatViewModel::messagesFailed);
     connect(&m_directory, &ChatDirectory::chatChanged, this, [this](const Chat& chat) {
         if (m_activeChat && m_activeChat->id == chat.id && *m_activeChat != chat)
             setActiveChat(chat);
@@ -100,9 +103,6 @@ Task<void> ChatViewModel::loadData() {
     co_await fetchCurrentUser();
     co_await m_directory.load();
     connectToService();
-    // What ended just before the last end of the client may not have been compared with what is stored.
-    for (const qint64 chatId : m_stream.takeRestoredEnds())
-        m_scope.start([this, chatId] { return verifyMessages(chatId); });
 }
 
 Task<void> ChatViewModel::fetchCurrentUser() {
@@ -117,7 +117,8 @@ Task<void> ChatViewModel::fetchCurrentUser() {
 }
 
 Task<void> ChatViewModel::prefetchRelatedData() {
-    return m_directory.prefetchMessages(m_dependencies.clock.now());
+    for (const qint64 chatId : m_directory.staleChats(m_dependencies.clock.now()))
+        co_await m_loader.loadNow(chatId);
 }
 
 void ChatViewModel::connectToService() {
@@ -135,6 +136,7 @@ bool ChatViewModel::isConnected() const {
 
 void ChatViewModel::organizationChanged() {
     m_directory.clear();
+    m_loader.clear();
     m_stream.dropAll();
     m_messages.reset({});
     setActiveChat(std::nullopt);
@@ -153,6 +155,7 @@ void ChatViewModel::organizationChanged() {
 void ChatViewModel::reset() {
     m_scope.cancel();
     m_draftTimer.cancel();
+    m_loader.clear();
     m_stream.reset();
     m_user.reset();
     m_messages.reset({});
@@ -264,7 +267,7 @@ void ChatViewModel::selectChat(qint64 chatId) {
             qCWarning(lcChat).noquote().nospace()
                 << "⚠️ [ChatViewModel] Chat mode '" << mode << "' is not in the catalogue";
     }
-    m_scope.start([this, chatId] { return loadMessages(chatId); });
+    m_loader.load(chatId);
 }
 
 void ChatViewModel::navigateToChat(qint64 chatId) {
@@ -290,56 +293,30 @@ void ChatViewModel::setActiveChat(std::optional<Chat> chat) {
     emit activeChatChanged();
 }
 
-Task<void> ChatViewModel::loadMessages(qint64 chatId) {
-    const QString organization = m_dependencies.cache.currentOrgSuffix();
-    quint64 turn = 0;
-    std::vector<ChatMessage> messages;
-    try {
-        do { // a list that was asked for before a question cannot know of it
-            turn = m_turns;
-            messages = co_await m_dependencies.chatService.getMessages(chatId);
-        } while (turn != m_turns);
-    } catch (const TaskCancelled&) {
-        throw;
-    } catch (const std::exception& error) {
-        qCWarning(lcChat).noquote() << "❌ [ChatViewModel] Error loading messages:" << error.what();
-        co_return;
-    }
-    if (activeChatId() != chatId || organization != m_dependencies.cache.currentOrgSuffix())
-        co_return;
+void ChatViewModel::messagesLoaded(qint64 chatId, const std::vector<ChatMessage>& messages) {
+    DataCacheManager& cache = m_dependencies.cache;
     if (m_stream.isUnderWay(chatId)) {
         qCInfo(lcChat) << "⏳ [ChatViewModel] Skipping message refresh — streaming in progress";
-        m_dependencies.cache.cacheMessages(messages, chatId);
+        cache.cacheMessages(messages, chatId);
         m_stream.noteMissingHistory(chatId);
-        co_return;
+        return;
     }
-    show(std::move(messages));
+    if (!m_stream.compare(chatId, messages)) {
+        if (m_loader.loadLater(chatId))
+            return;
+        m_stream.forgetExpected(chatId); // what is stored is what there is
+    }
+    if (chatId == activeChatId())
+        show(messages);
+    else
+        cache.cacheMessages(messages, chatId);
 }
 
-// Compares an answer that came over several lines with what is stored. A list that lacks the answer is too early.
-Task<void> ChatViewModel::verifyMessages(qint64 chatId) {
-    const QString organization = m_dependencies.cache.currentOrgSuffix();
-    try {
-        std::vector<ChatMessage> messages = co_await m_dependencies.chatService.getMessages(chatId);
-        if (organization != m_dependencies.cache.currentOrgSuffix())
-            co_return;
-        const bool isOpen = activeChatId() == chatId;
-        const auto known = isOpen ? MessageComposition::lastQuestion(m_messages.messages()) : std::nullopt;
-        const bool isComplete = !messages.empty() && MessageComposition::isAnswer(messages.back()) &&
-            (!known || MessageComposition::lastQuestion(messages) == known);
-        if (m_stream.isUnderWay(chatId))
-            m_stream.noteMissingHistory(chatId); // at its end, then
-        if (!isComplete || m_stream.isUnderWay(chatId))
-            co_return;
-        if (isOpen)
-            show(std::move(messages));
-        else
-            m_dependencies.cache.cacheMessages(messages, chatId);
-    } catch (const TaskCancelled&) {
-        throw;
-    } catch (const std::exception& error) {
-        qCWarning(lcChat).noquote() << "❌ [ChatViewModel] Error loading messages:" << error.what();
-    }
+void ChatViewModel::messagesFailed(qint64 chatId, bool isGone) {
+    if (isGone)
+        m_stream.forgetExpected(chatId);
+    else if (m_stream.chatsToCompare().contains(chatId))
+        m_loader.loadLater(chatId); // and with the next connection
 }
 
 void ChatViewModel::show(std::vector<ChatMessage> messages) {
@@ -403,7 +380,6 @@ void ChatViewModel::sendMessage(QString text) {
 }
 
 void ChatViewModel::send(const QString& text, const std::optional<QString>& editImageUrl) {
-    ++m_turns;
     const qint64 chatId = activeChatId();
     MessageComposition::Turn turn = MessageComposition::begin(
         MessageComposition::contentOf(text, editImageUrl), chatId, m_dependencies.clock, m_dependencies.random);
@@ -478,11 +454,17 @@ void ChatViewModel::handleSocketEvent(const SocketEvent& event) {
         [this](
             const SocketEvent::ThinkingChunk& chunk) { m_stream.receive(chunk.content, AnswerFold::Kind::thinking); },
         [this](const SocketEvent::Creation& creation) { created(creation.chat); },
-        [this](const SocketEvent::Connected&) { m_stream.connected(); },
+        [this](const SocketEvent::Connected&) { connected(); },
         [this](const SocketEvent::Error& error) { failed(error); },
         [this](const SocketEvent::StreamEnd&) { streamEnded(); }, [](const SocketEvent::ToolStart&) {},
         [](const SocketEvent::ToolEnd&) {}, [](const SocketEvent::ArtifactChunk&) {},
         [this](const SocketEvent::Disconnected&) { m_stream.disconnected(); }, [](const SocketEvent::Message&) {});
+}
+
+void ChatViewModel::connected() {
+    m_stream.connected();
+    for (const qint64 chatId : m_stream.chatsToCompare())
+        m_loader.load(chatId);
 }
 
 void ChatViewModel::created(const Chat& chat) {
@@ -517,14 +499,11 @@ void ChatViewModel::streamEnded() {
     if (!ending) {
         // An answer that nobody waited for any more: the open chat may be its own.
         if (m_activeChat)
-            m_scope.start([this, chatId = m_activeChat->id] { return loadMessages(chatId); });
+            m_loader.load(m_activeChat->id);
         return;
     }
     emit m_dependencies.notifications.didCompleteAIResponse();
-    // What came over several lines is compared with what is stored; and a new chat has got its title by now.
-    if (ending->isToBeVerified)
-        m_scope.start([this, chatId = ending->chatId] { return verifyMessages(chatId); });
-    if (ending->createdChat)
+    if (ending->createdChat) // it has got its title by now
         m_scope.start([this] { return m_directory.load(); });
 }
 

@@ -3,6 +3,7 @@
 #include "Chat/AnswerStream.h"
 #include "Chat/ChatDirectory.h"
 #include "Chat/MessageListModel.h"
+#include "Chat/MessageLoader.h"
 #include "Chat/ModelListModel.h"
 #include "Chat/ModelSelection.h"
 #include "Chat/SocketEvent.h"
@@ -159,13 +160,14 @@ signals:
 
 private:
     void send(const QString& text, const std::optional<QString>& editImageUrl);
+    void connected();
     void created(const Chat& chat);
     void failed(const SocketEvent::Error& error);
     void streamEnded();
     void organizationChanged();
     Task<void> fetchCurrentUser();
-    Task<void> loadMessages(qint64 chatId);
-    Task<void> verifyMessages(qint64 chatId);
+    void messagesLoaded(qint64 chatId, const std::vector<ChatMessage>& messages);
+    void messagesFailed(qint64 chatId, bool isGone);
     void show(std::vector<ChatMessage> messages);
     void openConversation(std::optional<Chat> chat);
     void setActiveChat(std::optional<Chat> chat);
@@ -181,6 +183,7 @@ private:
     std::optional<User> m_user;
     ChatDirectory m_directory;
     MessageListModel m_messages;
+    MessageLoader m_loader;
     AnswerStream m_stream;
     ModelSelection m_modelSelection;
     ModelListModel m_models;
@@ -193,7 +196,6 @@ private:
     bool m_showingModelSelector = false;
     int m_contentUpdateTrigger = 0;
     qint64 m_loadedChatId = -1; // the open chat, once its messages have come from the service
-    quint64 m_turns = 0;        // questions sent so far
     Timer m_hintTimer;
     Timer m_bannerTimer;
     Timer m_draftTimer;

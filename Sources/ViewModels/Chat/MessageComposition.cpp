@@ -1,5 +1,6 @@
 #include "Chat/MessageComposition.h"
 
+#include "Chat/ArtifactDraft.h"
 #include "Clock.h"
 
 #include <QHash>
@@ -134,21 +135,39 @@ QString joinedThinking(const ChatMessage& message) {
     return joined<MessageContent::Thinking>(message, {});
 }
 
-void removePlaceholders(ChatMessage& message) {
+bool removePlaceholders(ChatMessage& message) {
     if (!message.content)
-        return;
-    std::erase_if(*message.content, [](const MessageContent& block) {
-        return block.as<MessageContent::Generating>() || block.as<MessageContent::SearchInProgress>();
-    });
+        return false;
+    return std::erase_if(*message.content, [](const MessageContent& block) {
+        const auto* artifact = block.as<Artifact>();
+        return block.as<MessageContent::Generating>() || block.as<MessageContent::SearchInProgress>() ||
+            (artifact && ArtifactDraft::isPlaceholder(*artifact) && artifact->text.isEmpty());
+    }) > 0;
 }
 
 std::optional<std::ptrdiff_t> rowOfQuestion(const std::vector<ChatMessage>& messages, const QString& text) {
     for (std::ptrdiff_t row = std::ssize(messages) - 2; row >= 0; --row) {
         const auto message = messages.begin() + row;
-        if (isOfUser(*message) && message->text() == text && isAnswer(*(message + 1)))
+        if (asks(*message, text) && isAnswer(*(message + 1)))
             return row;
     }
     return std::nullopt;
+}
+
+bool asks(const ChatMessage& message, const QString& text) {
+    return isOfUser(message) && message.text().trimmed() == text.trimmed();
+}
+
+std::ptrdiff_t timesAsked(const std::vector<ChatMessage>& messages, const QString& text) {
+    return std::count_if(
+        messages.begin(), messages.end(), [&text](const ChatMessage& message) { return asks(message, text); });
+}
+
+const ChatMessage* answerTo(const std::vector<ChatMessage>& messages, const QString& text, std::ptrdiff_t time) {
+    const auto question = std::find_if(messages.begin(), messages.end(),
+        [&](const ChatMessage& message) { return asks(message, text) && --time == 0; });
+    const bool isAnswered = question != messages.end() && question + 1 != messages.end() && isAnswer(*(question + 1));
+    return isAnswered ? &*(question + 1) : nullptr;
 }
 
 std::optional<QString> lastQuestion(const std::vector<ChatMessage>& messages) {

@@ -35,11 +35,20 @@ std::vector<ChatMessage> mergeFileAttachments(const std::vector<ChatMessage>& lo
 QString joinedText(const ChatMessage& message, QStringView separator = {});
 QString joinedThinking(const ChatMessage& message);
 
-// Takes away what says that a tool is at work.
-void removePlaceholders(ChatMessage& message);
+// Takes away what says that a tool is at work, an artifact of which nothing has come included. Whether anything did.
+bool removePlaceholders(ChatMessage& message);
 
 // The last row with that question, if its answer is behind it.
 std::optional<std::ptrdiff_t> rowOfQuestion(const std::vector<ChatMessage>& messages, const QString& text);
+
+// Whether the user has sent these words with it. A service may strip what surrounds them.
+bool asks(const ChatMessage& message, const QString& text);
+
+// How often the user has sent these words.
+std::ptrdiff_t timesAsked(const std::vector<ChatMessage>& messages, const QString& text);
+
+// The answer to these words when they were sent for that time, the first being 1. Null while there is none.
+const ChatMessage* answerTo(const std::vector<ChatMessage>& messages, const QString& text, std::ptrdiff_t time);
 
 // The first text of the last message of the user; absent without one.
 std::optional<QString> lastQuestion(const std::vector<ChatMessage>& messages);
