@@ -27,12 +27,11 @@ public:
 
     using QObject::QObject;
 
-    static QString labelOf(const QString& kind);
     static QString extensionOf(const QString& kind);
 
     QString name() const { return m_name; }
     void setName(const QString& name);
-    QString label() const { return labelOf(m_name); }
+    QString label() const;
     Preview preview() const;
     QString language() const;
     QString extension() const { return extensionOf(m_name); }

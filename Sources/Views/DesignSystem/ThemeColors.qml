@@ -49,4 +49,5 @@ QtObject {
     readonly property color stageLit: "#d9565653"
     readonly property color stageScrim: "#a6000000"
     readonly property color viewer:  "#e6101010"
+    readonly property color paper:   "#ffffff" // under documents that bring their own colours
 }
