@@ -8,7 +8,8 @@ mkdir -m 700 "$XDG_RUNTIME_DIR"
 xvfb-run -a -s "-screen 0 800x600x24" dbus-run-session -- bash -c '
     dunst -conf /dev/null >/dev/null 2>&1 &
     server=$!
-    until dunstctl count displayed >/dev/null 2>&1; do kill -0 $server; sleep 0.1; done
+    until dbus-send --print-reply --dest=org.freedesktop.DBus / org.freedesktop.DBus.NameHasOwner \
+        string:org.freedesktop.Notifications | grep -q "boolean true"; do kill -0 $server; sleep 0.1; done
     status=0
     "$@" || status=$?
     kill $server

@@ -10,6 +10,8 @@
 #include <QDir>
 #include <QFile>
 
+#include <gtest/gtest.h>
+
 namespace Korvi::Test {
 
 // The way of a file from the user to the service: real files, the far side in the test's hands.

@@ -5,8 +5,10 @@
 #include "Cache/DataCacheManager.h"
 #include "Chat/ChatService.h"
 #include "Chat/ChatViewModel.h"
+#include "Chat/ComposerAttachments.h"
 #include "FakeRandom.h"
 #include "SimulatedService.h"
+#include "TestAttachments.h"
 
 #include <QLoggingCategory>
 
@@ -116,10 +118,13 @@ public:
 
     struct Client {
         explicit Client(World& world)
-            : service({world.Backend::client, world.sockets, world.virtualTime, world.random})
+            : files(world)
+            , service({world.Backend::client, world.sockets, world.virtualTime, world.random})
             , chat({service, world.users, world.cache, world.defaults, world.virtualTime, world.virtualTime,
-                  world.random, world.notifications}) {}
+                  world.random, world.notifications, attachments}) {}
 
+        TestAttachments files;
+        ComposerAttachments attachments{{files.intake, files.uploader, files.clipboard, files.random}};
         ChatService service;
         ChatViewModel chat;
         TaskScope scope;

@@ -52,7 +52,7 @@ Task<std::optional<Taken>> AttachmentIntake::takeFile(QUrl file) {
     if (path.isEmpty())
         co_return std::nullopt;
     const QString copy = newPath({}, u'-' + QFileInfo(path).fileName());
-    std::optional<Taken> taken = co_await m_workers.compute([path, copy, folder = m_folder]() -> std::optional<Taken> {
+    const auto copyFile = [path, copy, folder = m_folder]() -> std::optional<Taken> {
         const QFileInfo info(path);
         if (!info.isFile() || !info.isReadable()) // a pipe or a device would keep the worker waiting
             return std::nullopt;
@@ -67,7 +67,8 @@ Task<std::optional<Taken>> AttachmentIntake::takeFile(QUrl file) {
         else
             qCWarning(lcIntake) << "[Drop] A file could not be copied, using original URL";
         return found;
-    });
+    };
+    std::optional<Taken> taken = co_await m_workers.compute(copyFile);
     co_return std::move(taken);
 }
 
@@ -76,8 +77,8 @@ Task<std::optional<Taken>> AttachmentIntake::takeImageData(QByteArray data, QStr
     if (suffix.isEmpty())
         suffix = type == "image/jpeg"_L1 ? u"jpg"_s : u"png"_s;
     const QString path = newPath({}, u'.' + suffix);
-    const bool isWritten = co_await m_workers.compute(
-        [path, data, folder = m_folder] { return makePrivateFolder(folder) && write(path, data); });
+    const auto writeFile = [path, data, folder = m_folder] { return makePrivateFolder(folder) && write(path, data); };
+    const bool isWritten = co_await m_workers.compute(writeFile);
     if (!isWritten)
         co_return std::nullopt;
     std::optional<Taken> taken = Taken{.filename = u"image."_s + suffix,
@@ -89,9 +90,10 @@ Task<std::optional<Taken>> AttachmentIntake::takeImageData(QByteArray data, QStr
 
 Task<std::optional<QUrl>> AttachmentIntake::takeImage(QImage image) {
     const QString path = newPath(u"paste_"_s, u".png"_s);
-    const bool isWritten = co_await m_workers.compute([path, image, folder = m_folder] {
+    const auto saveImage = [path, image, folder = m_folder] {
         return makePrivateFolder(folder) && image.save(path, "PNG") && QFile::setPermissions(path, ownerOnly);
-    });
+    };
+    const bool isWritten = co_await m_workers.compute(saveImage);
     std::optional<QUrl> url = isWritten ? std::optional(QUrl::fromLocalFile(path)) : std::nullopt;
     co_return std::move(url);
 }

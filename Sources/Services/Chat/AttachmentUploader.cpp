@@ -8,8 +8,8 @@
 
 #include <QBuffer>
 #include <QFile>
-#include <QFileInfo>
 #include <QImageReader>
+#include <QLoggingCategory>
 #include <QPainter>
 
 namespace Korvi {
@@ -29,9 +29,22 @@ struct UploadResponse {
     static UploadResponse fromJson(const JsonReader& json) { return {.url = json.string("url"_L1)}; }
 };
 
+QString urlIn(const QByteArray& answer) {
+    try {
+        return decodeJson<UploadResponse>(answer).url;
+    } catch (const DecodingError& error) {
+        throw APIError::decodingError(error);
+    }
+}
+
+// Why it failed, in the service's own words if it said so.
 QString describe(const std::exception& error) {
-    if (const auto* api = dynamic_cast<const APIError*>(&error))
-        return api->errorDescription();
+    if (const auto* api = dynamic_cast<const APIError*>(&error)) {
+        const auto* refusal = api->asServerError();
+        const QString body = refusal ? refusal->body.value_or(QString()) : QString();
+        const QString said = extractMessage(body);
+        return said.isEmpty() || said == body.left(120) ? api->errorDescription() : said;
+    }
     if (const auto* url = dynamic_cast<const URLError*>(&error))
         return url->description;
     return QString::fromUtf8(error.what());
@@ -69,7 +82,8 @@ Task<QString> AttachmentUploader::uploadFile(
     QString type = mimeType.value_or(u"application/octet-stream"_s);
     std::unique_ptr<QIODevice> content;
     if (isImageName(filename)) {
-        const auto jpeg = co_await m_workers.compute([path] { return jpegOf(path, jpegQuality); });
+        const auto encode = [path] { return jpegOf(path, jpegQuality); };
+        const auto jpeg = co_await m_workers.compute(encode);
         if (jpeg) {
             auto buffer = std::make_unique<QBuffer>();
             buffer->setData(*jpeg);
@@ -86,18 +100,12 @@ Task<QString> AttachmentUploader::uploadFile(
     const QByteArray boundary = m_random.uuid().toString(QUuid::WithoutBraces).toLatin1();
     auto form = std::make_shared<MultipartBody>(std::move(content), filename, type, boundary);
     const QByteArray contentType = "multipart/form-data; boundary=" + boundary;
-    const QByteArray answer =
-        co_await m_client.upload(std::move(form), contentType, [onProgress](qint64 sent, qint64 total) {
-            if (total > 0)
-                onProgress(static_cast<double>(sent) / static_cast<double>(total));
-        });
-    UploadResponse response;
-    try {
-        response = decodeJson<UploadResponse>(answer);
-    } catch (const DecodingError& error) {
-        throw APIError::decodingError(error);
-    }
-    co_return std::move(response.url);
+    const std::function<void(qint64, qint64)> report = [onProgress](qint64 sent, qint64 total) {
+        if (total > 0)
+            onProgress(static_cast<double>(sent) / static_cast<double>(total));
+    };
+    const QByteArray answer = co_await m_client.upload(form, contentType, report);
+    co_return urlIn(answer);
 }
 
 Task<AttachmentUploader::Uploaded> AttachmentUploader::uploadAttachments(
@@ -112,11 +120,12 @@ Task<AttachmentUploader::Uploaded> AttachmentUploader::uploadAttachments(
         const QUrl from = *attachment.localURL;
         const QString filename = attachment.filename;
         const auto mimeType = attachment.mimeType;
+        const std::function<void(double)> report = [&attachment, onProgress](double part) {
+            attachment.uploadProgress = part;
+            onProgress(attachment);
+        };
         try {
-            const QString url = co_await uploadFile(from, filename, mimeType, [&attachment, onProgress](double part) {
-                attachment.uploadProgress = part;
-                onProgress(attachment);
-            });
+            const QString url = co_await uploadFile(from, filename, mimeType, report);
             attachment.remoteURL = url;
             attachment.uploadProgress = 1;
             if (attachment.category == FileTypeCategory::image)

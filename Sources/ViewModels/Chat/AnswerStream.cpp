@@ -2,6 +2,7 @@
 
 #include "Cache/DataCacheManager.h"
 #include "Chat/ChatService.h"
+#include "Chat/InlineCitations.h"
 #include "Chat/MessageComposition.h"
 #include "Chat/MessageListModel.h"
 #include "Clock.h"
@@ -32,16 +33,19 @@ AnswerStream::AnswerStream(Dependencies dependencies, MessageListModel& shown, Q
     , m_expected(dependencies.defaults, dependencies.cache)
     , m_silence({dependencies.chatService, dependencies.scheduler}, m_generations, *this) {}
 
-void AnswerStream::begin(Question question) {
+quint64 AnswerStream::begin(Question question, Files files) {
     Generation generation;
+    generation.isHeld = files == Files::onTheirWay;
+    generation.askedAt = m_dependencies.clock.now();
     generation.chatId = question.chatId;
     generation.question = std::move(question);
     generation.timesAsked = MessageComposition::timesAsked(m_shown.messages(), generation.question.text);
     const Generation* before = m_generations.open();
     generation.joins = generation.chatId < 0 && before && before->chatId < 0;
     emit touched(generation.chatId);
-    m_generations.begin(std::move(generation));
+    const quint64 serial = m_generations.begin(std::move(generation)).serial;
     settled();
+    return serial;
 }
 
 // In their order, and none past one of which it is not known whether it arrived: the answers come in the order of the
@@ -55,7 +59,7 @@ void AnswerStream::submitNext() {
             return;
         if (!generation.isWaiting())
             continue;
-        if (generation.joins)
+        if (generation.joins || generation.isHeld)
             return;
         if (!m_dependencies.chatService.isConnected())
             return m_dependencies.chatService.connect();
@@ -84,9 +88,9 @@ void AnswerStream::submit(Generation& generation) {
     saveJournal(); // written down before it goes out
     const Question& question = generation.question;
     if (question.chatId < 0)
-        service.createChat(question.model, question.text, question.imageUrls, {}, question.projectId);
+        service.createChat(question.model, question.text, question.imageUrls, question.files, question.projectId);
     else
-        service.sendMessage(question.chatId, question.text, question.imageUrls);
+        service.sendMessage(question.chatId, question.text, question.imageUrls, question.files);
 }
 
 bool AnswerStream::stop() {
@@ -96,6 +100,10 @@ bool AnswerStream::stop() {
     flush();
     generation->textPieces.clear();
     generation->thinkingPieces.clear();
+    generation->hasArtifactPieces = false;
+    ToolEvents::rest(generation->tools);
+    generation->imageWatchdog.cancel();
+    generation->endWatchdog.cancel();
     if (generation->isWaiting()) {
         giveBack(*generation);
     } else if (generation->chatId > 0) {
@@ -162,6 +170,14 @@ void AnswerStream::restore() {
     m_expected.restore();
     for (Generation& generation : m_journal.restore())
         m_generations.begin(std::move(generation));
+    // Their files were on their way, and are not there any more.
+    std::vector<Generation*> held;
+    for (Generation& generation : m_generations.all()) {
+        if (generation.isHeld && generation.state == Generation::State::running)
+            held.push_back(&generation);
+    }
+    for (Generation* generation : held)
+        giveBack(*generation);
     settled();
 }
 
@@ -216,9 +232,7 @@ AnswerStream::Owner AnswerStream::created(qint64 chatId) {
 void AnswerStream::receive(const QString& piece, AnswerFold::Kind kind) {
     if (m_guard.ownsPiece(piece, kind))
         return;
-    Generation* generation = m_generations.current();
-    if (generation && generation->chatId < 0)
-        generation = nullptr; // a new chat is told of before its answer begins
+    Generation* generation = addressee();
     if (generation) {
         takeNotice(*generation);
         if (kind == AnswerFold::Kind::text && generation->textHead.size() < ReplayGuard::headLength)
@@ -230,14 +244,19 @@ void AnswerStream::receive(const QString& piece, AnswerFold::Kind kind) {
         qCInfo(lcStream) << "⚠️ [ChatViewModel] Dropped a piece: no answer is under way";
         return;
     }
+    generation->endWatchdog.cancel();
     (kind == AnswerFold::Kind::text ? generation->textPieces : generation->thinkingPieces).append(piece);
+    flushLater();
+}
+
+void AnswerStream::flushLater() {
     if (m_flushTimer.isActive())
         return;
     // The first piece shows without delay, what follows in steps that a list can redraw.
     flush();
     m_flushTimer = m_dependencies.scheduler.every(flushInterval, [this] {
         const Generation* running = m_generations.current();
-        const bool isQuiet = !running || (running->textPieces.isEmpty() && running->thinkingPieces.isEmpty());
+        const bool isQuiet = !running || !running->hasNews();
         flush();
         // Without news there is nothing to wake up for; the next piece starts the timer again.
         if (isQuiet)
@@ -247,24 +266,27 @@ void AnswerStream::receive(const QString& piece, AnswerFold::Kind kind) {
 
 void AnswerStream::flush() {
     Generation* generation = m_generations.current();
-    if (!generation || (generation->textPieces.isEmpty() && generation->thinkingPieces.isEmpty()))
-        return;
-    if (!generation->isOpen) {
-        if (!generation->parked.empty())
-            foldInto(*generation, generation->parked.back());
-        return;
-    }
+    if (generation && generation->hasNews())
+        change(*generation, [&](ChatMessage& answer) { return foldInto(*generation, answer); });
+}
+
+bool AnswerStream::change(Generation& generation, const std::function<bool(ChatMessage&)>& apply) {
+    if (!generation.isOpen)
+        return !generation.parked.empty() && apply(generation.parked.back());
     const int last = m_shown.count() - 1;
     if (last < 0) {
         qCWarning(lcStream) << "⚠️ [ChatViewModel] updateLastMessage: no messages";
-        return;
+        return false;
     }
-    m_shown.update(last, [&](ChatMessage& answer) { return foldInto(*generation, answer); });
+    bool isChanged = false;
+    m_shown.update(last, [&](ChatMessage& answer) { return isChanged = apply(answer); });
+    return isChanged;
 }
 
 bool AnswerStream::foldInto(Generation& generation, ChatMessage& answer) {
     const QStringList thinking = std::exchange(generation.thinkingPieces, {});
     const QStringList text = std::exchange(generation.textPieces, {});
+    const bool hasArtifactPieces = std::exchange(generation.hasArtifactPieces, false);
     if (answer.role != ChatMessage::Role::ai) {
         qCWarning(lcStream) << "⚠️ [ChatViewModel] updateLastMessage: last message is not AI, it's"
                             << rawValue(answer.role);
@@ -274,9 +296,11 @@ bool AnswerStream::foldInto(Generation& generation, ChatMessage& answer) {
         answer.content.emplace();
     const AnswerFold::Outcome thought = generation.fold.fold(*answer.content, thinking, AnswerFold::Kind::thinking);
     const AnswerFold::Outcome told = generation.fold.fold(*answer.content, text, AnswerFold::Kind::text);
-    if (generation.isOpen && (thought.follow || told.follow))
+    const bool hasGrown = hasArtifactPieces && ToolEvents::applyArtifact(generation.tools, answer);
+    const bool isRepaired = ToolEvents::repairPlaceholder(generation.tools, answer);
+    if (generation.isOpen && (thought.follow || told.follow || hasGrown))
         emit followed();
-    return thought.changed || told.changed;
+    return thought.changed || told.changed || hasGrown || isRepaired;
 }
 
 // The service has the question, since this is of its answer.
@@ -313,7 +337,8 @@ void AnswerStream::connected() {
     for (Generation& generation : m_generations.all()) {
         generation.sawReconnect = generation.sawReconnect || generation.hasLeft();
         // The word to stop may have been lost with the line.
-        if (generation.state == Generation::State::stopped && !m_generations.runningOf(generation.chatId))
+        if (generation.state == Generation::State::stopped && !generation.isOverdue &&
+            !m_generations.runningOf(generation.chatId))
             m_dependencies.chatService.stopGeneration(generation.chatId);
     }
     submitNext();
@@ -323,6 +348,7 @@ void AnswerStream::connected() {
         return;
     qCInfo(lcStream) << "🔌 [ChatViewModel] Reconnected during generation — enabling replay dedup";
     generation->fold.beginReplay();
+    generation->tools.replay.begin();
     m_silence.connected(wasAwayTooLong);
 }
 
@@ -354,7 +380,9 @@ void AnswerStream::answered(Generation& generation, const std::vector<ChatMessag
         generation.thinkingTail = MessageComposition::joinedThinking(*answer).right(ReplayGuard::tailLength);
     }
     generation.isUnheardEnd = true;
-    finish(&generation);
+    const Ending ending = finish(&generation);
+    if (isRunning)
+        emit answerReady(ending.chatId, ending.askedAt);
 }
 
 void AnswerStream::ended(Generation& generation) {
@@ -385,8 +413,12 @@ void AnswerStream::giveBack(Generation& generation) {
         if (each.chatId == chatId && each.question.text == question.text && each.timesAsked > generation.timesAsked)
             --each.timesAsked;
     }
+    const bool hadFiles = generation.isHeld;
+    const quint64 serial = generation.serial;
     m_generations.remove(&generation);
     joinFollowers(-1);
+    if (hadFiles)
+        emit filesReturned(serial);
     emit questionReturned(question.text);
     emit touched(chatId);
     emit comparisonWanted(chatId);
@@ -436,7 +468,22 @@ std::optional<AnswerStream::Ending> AnswerStream::end() {
         }
         return std::nullopt;
     }
-    return generation ? std::optional(finish(generation)) : std::nullopt;
+    if (!generation)
+        return std::nullopt;
+    const bool isRunning = generation->state == Generation::State::running;
+    if (isRunning) {
+        change(*generation, [generation](ChatMessage& answer) {
+            // A tool that never came to its end: the service may know of it.
+            const bool wasAtWork = MessageComposition::removePlaceholders(answer);
+            generation->lacksHistory = generation->lacksHistory || wasAtWork;
+            const bool isCleaned = answer.content && cleanInlineCitations(*answer.content);
+            return wasAtWork || isCleaned;
+        });
+    }
+    const Ending ending = finish(generation);
+    if (isRunning)
+        emit answerReady(ending.chatId, ending.askedAt);
+    return ending;
 }
 
 std::optional<AnswerStream::Ending> AnswerStream::fail(std::optional<qint64> chatId) {
@@ -445,6 +492,11 @@ std::optional<AnswerStream::Ending> AnswerStream::fail(std::optional<qint64> cha
     Generation* generation = chatId ? m_generations.firstOf(*chatId) : m_generations.current();
     if (m_guard.ownsEnd(generation != nullptr) || !generation)
         return std::nullopt;
+    // What says that a tool is at work stays until the stored answer has been seen.
+    if (ChatMessage answer; !messagesOf(*generation).empty()) {
+        answer = messagesOf(*generation).back();
+        generation->lacksHistory = MessageComposition::removePlaceholders(answer) || generation->lacksHistory;
+    }
     if (generation->isHeard() || !generation->hasLeft())
         return finish(generation);
     // Nothing came of the question: it may have been refused, and then it is stored nowhere.
@@ -463,8 +515,10 @@ std::optional<AnswerStream::Ending> AnswerStream::fail(std::optional<qint64> cha
 
 AnswerStream::Ending AnswerStream::finish(Generation* generation) {
     qCInfo(lcStream) << "🏁 [ChatViewModel] Answer" << generation->serial << "of chat" << generation->chatId << "ended";
-    const Ending ending{
-        .chatId = generation->chatId, .wasOpen = generation->isOpen, .createdChat = generation->createsChat()};
+    const Ending ending{.chatId = generation->chatId,
+        .wasOpen = generation->isOpen,
+        .createdChat = generation->createsChat(),
+        .askedAt = generation->askedAt};
     const std::vector<ChatMessage>& messages = messagesOf(*generation);
     // Its frames may have been repeated or incomplete, or another's; what was read from the service is as it is stored.
     const bool isAdopted = generation->isUnheardEnd && generation->state == Generation::State::running;
@@ -485,7 +539,8 @@ AnswerStream::Ending AnswerStream::finish(Generation* generation) {
         m_guard.ended({.chatId = ending.chatId,
             .textHead = generation->textHead,
             .thinkingTail = generation->thinkingTail,
-            .at = m_dependencies.clock.now()});
+            .at = m_dependencies.clock.now(),
+            .toolHead = generation->tools.replay.head()});
         if (generation->isUnheardEnd) {
             m_guard.watch();
             relaxLater();

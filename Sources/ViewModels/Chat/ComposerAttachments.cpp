@@ -183,8 +183,8 @@ Task<AttachmentUploader::Uploaded> ComposerAttachments::upload(std::vector<ChatF
     const Counting counting(m_uploads, [this] { m_isUploading = m_uploads > 0; });
     for (const ChatFileAttachment& attachment : attachments)
         m_uploading.append(attachment);
-    AttachmentUploader::Uploaded uploaded = co_await m_dependencies.uploader.uploadAttachments(
-        std::move(attachments), [this](const ChatFileAttachment& attachment) { m_uploading.update(attachment); });
+    const AttachmentUploader::Progress report = [this](const ChatFileAttachment& each) { m_uploading.update(each); };
+    AttachmentUploader::Uploaded uploaded = co_await m_dependencies.uploader.uploadAttachments(attachments, report);
     for (const ChatFileAttachment& attachment : uploaded.attachments) {
         m_uploading.remove(attachment.id);
         if (attachment.uploadError)

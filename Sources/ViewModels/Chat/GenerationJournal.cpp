@@ -23,11 +23,26 @@ struct EndedEntry {
         return {{.chatId = json.integer("chatId"_L1),
             .textHead = json.string("textHead"_L1),
             .thinkingTail = json.string("thinkingTail"_L1),
-            .at = QDateTime::fromMSecsSinceEpoch(json.integer("at"_L1), Qt::UTC)}};
+            .at = QDateTime::fromMSecsSinceEpoch(json.integer("at"_L1), Qt::UTC),
+            .toolHead = json.optionalString("toolHead"_L1).value_or(QString()).toULongLong()}};
     }
     QJsonObject toJson() const {
         return {{"chatId"_L1, answer.chatId}, {"textHead"_L1, answer.textHead},
-            {"thinkingTail"_L1, answer.thinkingTail}, {"at"_L1, answer.at.toMSecsSinceEpoch()}};
+            {"thinkingTail"_L1, answer.thinkingTail}, {"toolHead"_L1, QString::number(answer.toolHead)},
+            {"at"_L1, answer.at.toMSecsSinceEpoch()}};
+    }
+};
+
+struct FileEntry {
+    SocketFrame::File file;
+
+    static FileEntry fromJson(const JsonReader& json) {
+        return {{.url = json.string("url"_L1),
+            .filename = json.string("filename"_L1),
+            .mimetype = json.string("mimetype"_L1)}};
+    }
+    QJsonObject toJson() const {
+        return {{"url"_L1, file.url}, {"filename"_L1, file.filename}, {"mimetype"_L1, file.mimetype}};
     }
 };
 
@@ -36,6 +51,7 @@ struct Entry {
     qint64 chatId = -1;
     bool isStopped = false;
     bool joins = false;
+    bool isHeld = false;
     bool hasLeft = false;
     bool isHeard = false;
     bool wasDoubtful = false;
@@ -48,15 +64,20 @@ struct Entry {
         QStringList imageUrls;
         for (const QJsonValue url : asked.raw().value("imageUrls"_L1).toArray())
             imageUrls.append(url.toString());
+        std::vector<SocketFrame::File> files;
+        for (FileEntry& entry : asked.optionalArray<FileEntry>("files"_L1).value_or(std::vector<FileEntry>()))
+            files.push_back(std::move(entry.file));
         return {
             .question = {.chatId = asked.integer("chatId"_L1),
                 .model = asked.string("model"_L1),
                 .text = asked.string("text"_L1),
                 .imageUrls = imageUrls,
+                .files = files,
                 .projectId = asked.optionalInteger("projectId"_L1)},
             .chatId = json.integer("chatId"_L1),
             .isStopped = json.boolean("isStopped"_L1),
             .joins = json.boolean("joins"_L1),
+            .isHeld = json.optionalBoolean("isHeld"_L1).value_or(false),
             .hasLeft = json.boolean("hasLeft"_L1),
             .isHeard = json.boolean("isHeard"_L1),
             .wasDoubtful = json.boolean("wasDoubtful"_L1),
@@ -69,8 +90,13 @@ struct Entry {
         QJsonObject asked{{"chatId"_L1, question.chatId}, {"model"_L1, question.model}, {"text"_L1, question.text},
             {"imageUrls"_L1, QJsonArray::fromStringList(question.imageUrls)}};
         insertIfPresent(asked, "projectId"_L1, question.projectId);
+        QJsonArray files;
+        for (const SocketFrame::File& file : question.files)
+            files.append(FileEntry{file}.toJson());
+        if (!files.isEmpty())
+            asked.insert("files"_L1, files);
         return {{"question"_L1, asked}, {"chatId"_L1, chatId}, {"isStopped"_L1, isStopped}, {"joins"_L1, joins},
-            {"hasLeft"_L1, hasLeft}, {"isHeard"_L1, isHeard}, {"wasDoubtful"_L1, wasDoubtful},
+            {"isHeld"_L1, isHeld}, {"hasLeft"_L1, hasLeft}, {"isHeard"_L1, isHeard}, {"wasDoubtful"_L1, wasDoubtful},
             {"isForgotten"_L1, isForgotten}, {"timesAsked"_L1, timesAsked}, {"turn"_L1, toJsonArray(turn)}};
     }
 };
@@ -121,6 +147,7 @@ void GenerationJournal::save(
             .chatId = generation.chatId,
             .isStopped = generation.state != Generation::State::running,
             .joins = generation.joins,
+            .isHeld = generation.isHeld,
             .hasLeft = generation.hasLeft(),
             .isHeard = generation.isHeard(),
             .wasDoubtful = generation.wasDoubtful,
@@ -162,6 +189,7 @@ std::vector<Generation> GenerationJournal::restore() {
         generation.lacksHistory = true;
         generation.sawReconnect = entry.hasLeft;
         generation.joins = entry.joins;
+        generation.isHeld = entry.isHeld;
         generation.stage = stageOf(entry);
         generation.wasDoubtful = entry.wasDoubtful || generation.isDoubtful();
         if (entry.isStopped || entry.turn.size() != 2) {

@@ -1,7 +1,12 @@
 #pragma once
 
 #include "Chat/AnswerFold.h"
+#include "Chat/SocketFrame.h"
+#include "Chat/ToolEvents.h"
 #include "ChatMessage.h"
+#include "Scheduler.h"
+
+#include <QDateTime>
 
 #include <list>
 
@@ -13,6 +18,7 @@ struct Question {
     QString model;      // of a new chat
     QString text;
     QStringList imageUrls;
+    std::vector<SocketFrame::File> files;
     std::optional<qint64> projectId; // of a new chat
 
     bool operator==(const Question&) const = default;
@@ -51,11 +57,19 @@ struct Generation {
     State state = State::running;
     std::vector<ChatMessage> parked; // the messages of its chat while another one is open
     AnswerFold fold;
+    ToolWork tools;
+    bool isHeld = false;    // its files are still on their way to the service
+    bool isOverdue = false; // a tool has failed, and its end may never come: not waited for, and stopped
+    QDateTime askedAt;      // UTC; invalid when that was before the last start
+    Timer imageWatchdog;
+    Timer endWatchdog;
     QString textHead; // of all that was received, shown or not
     QString thinkingTail;
     QStringList textPieces; // received, waiting for the next flush
     QStringList thinkingPieces;
+    bool hasArtifactPieces = false; // the same, in `tools`
 
+    bool hasNews() const { return !textPieces.isEmpty() || !thinkingPieces.isEmpty() || hasArtifactPieces; }
     bool createsChat() const { return question.chatId < 0; }
     bool isWaiting() const { return stage == Stage::waiting; }
     bool isDoubtful() const { return stage == Stage::doubtful; }

@@ -76,13 +76,44 @@ bool isAnswer(const ChatMessage& message) {
     return message.role == ChatMessage::Role::ai || message.role == ChatMessage::Role::assistant;
 }
 
-std::vector<MessageContent> contentOf(const QString& text, const std::optional<QString>& editImageUrl) {
+std::vector<MessageContent> contentOf(const QString& text, const std::optional<QString>& editImageUrl,
+    const std::vector<ChatFileAttachment>& attachments) {
+    const auto isImage = [](const ChatFileAttachment& each) { return each.category == FileTypeCategory::image; };
+    const auto addressOf = [](const ChatFileAttachment& each) {
+        return each.remoteURL.value_or(each.localURL.value_or(QUrl()).toString());
+    };
     std::vector<MessageContent> content;
+    const auto image = std::find_if(attachments.begin(), attachments.end(), isImage);
     if (editImageUrl)
         content.push_back({MessageContent::Image{*editImageUrl}});
+    else if (image != attachments.end())
+        content.push_back({MessageContent::Image{image->localURL.value_or(QUrl()).toString()}});
+    for (const ChatFileAttachment& each : attachments) {
+        if (!isImage(each))
+            content.push_back({File{.url = addressOf(each),
+                .filename = each.filename,
+                .mimetype = each.mimeType.value_or(u"application/octet-stream"_s)}});
+    }
     if (!text.isEmpty())
         content.push_back({Text{text}});
     return content;
+}
+
+bool relocate(ChatMessage& message, const QHash<QString, QString>& places) {
+    if (!message.content)
+        return false;
+    bool isChanged = false;
+    for (MessageContent& block : *message.content) {
+        auto* image = block.as<MessageContent::Image>();
+        auto* file = block.as<File>();
+        QString* url = image ? &image->url : file ? &file->url : nullptr;
+        const auto place = url ? places.find(*url) : places.end();
+        if (place == places.end())
+            continue;
+        *url = *place;
+        isChanged = true;
+    }
+    return isChanged;
 }
 
 Turn begin(std::vector<MessageContent> content, qint64 chatId, const Clock& clock, Random& random) {

@@ -1,6 +1,9 @@
 #pragma once
 
+#include "ChatFileAttachment.h"
 #include "ChatMessage.h"
+
+#include <QHash>
 
 namespace Korvi {
 
@@ -17,8 +20,12 @@ struct Turn {
     ChatMessage answer; // one empty text block
 };
 
-// The blocks of a question: the image to be edited, if any, then the text, if any.
-std::vector<MessageContent> contentOf(const QString& text, const std::optional<QString>& editImageUrl);
+// The blocks of a question: the image to be edited or else the first that is attached, the other files, then the text.
+// What is not at the service yet has its local address.
+std::vector<MessageContent> contentOf(const QString& text, const std::optional<QString>& editImageUrl,
+    const std::vector<ChatFileAttachment>& attachments = {});
+// Puts other addresses in the place of those that images and files have. Whether any did.
+bool relocate(ChatMessage& message, const QHash<QString, QString>& places);
 
 // The two messages that stand in the list before the service has said anything. Their ids are local: the service's
 // own come with the next reload.

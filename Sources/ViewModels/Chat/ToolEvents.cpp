@@ -317,11 +317,7 @@ bool repairPlaceholder(const ToolWork& work, ChatMessage& answer) {
 }
 
 void rest(ToolWork& work) {
-    work.hasGeneratingPlaceholder = false;
-    work.generatingPlaceholderType.clear();
-    work.showImageSkeleton = false;
-    work.currentToolStatus.clear();
-    work.webSearchState = {};
+    static_cast<ToolState&>(work) = {};
     work.artifactBuffer.clear();
 }
 

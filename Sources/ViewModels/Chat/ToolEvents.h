@@ -10,13 +10,19 @@ namespace Korvi {
 
 class Random;
 
-// What the tools of one answer are at. Belongs to the answer, open or not: shown again, it tells the same.
-struct ToolWork {
+// What a reader is told of tools at work.
+struct ToolState {
     bool hasGeneratingPlaceholder = false;
     QString generatingPlaceholderType; // "image", "video" or "file" while the block is to stand in the answer
     bool showImageSkeleton = false;
     QString currentToolStatus; // empty when no tool is at work
     WebSearchState webSearchState;
+
+    bool operator==(const ToolState&) const = default;
+};
+
+// What the tools of one answer are at. Belongs to the answer, open or not: shown again, it tells the same.
+struct ToolWork : ToolState {
     ArtifactDraft artifactBuffer;
     std::optional<StreamedArtifact> lastStreamedArtifact;
     ToolReplay replay;
