@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Artifact.h"
+#include "Chat/ArtifactSelection.h"
 #include "TaskScope.h"
 
 #include <QObject>
@@ -13,7 +13,6 @@
 
 namespace Korvi {
 
-class ArtifactSelection;
 class ChatService;
 class Desktop;
 class PdfPrinter;
