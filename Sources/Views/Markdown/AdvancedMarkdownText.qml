@@ -61,6 +61,14 @@ Item {
         monoFamily: Theme.monoFamily
         textSize: Theme.fontBody
     }
+    PartSelection {
+        id: selection
+
+        column: column
+        model: parts
+
+        onCaretMoved: (y, height) => view.caretMoved(y, height)
+    }
     PartColumn {
         id: column
 
@@ -86,11 +94,7 @@ Item {
                     parts: view.answerParts
                     style: view.textStyle
 
-                    onCaretLeaving: (direction, selecting) => selection.step(index, direction, selecting)
-                    onCaretMoved: (y, height) => {
-                        selection.follow(index)
-                        view.caretMoved(textPart.y + y, height)
-                    }
+                    onCaretMoved: (y, height) => view.caretMoved(textPart.y + y, height)
                     onCopyWanted: view.copyWanted(view.selectedText())
                 }
             },
@@ -156,14 +160,6 @@ Item {
                 view.copyWanted(view.selectedText())
         }
 
-        PartSelection {
-            id: selection
-
-            column: column
-            model: parts
-
-            onCaretMoved: (y, height) => view.caretMoved(y, height)
-        }
         FontMetrics {
             id: metrics
 

@@ -251,13 +251,10 @@ void AnswerParts::appendSource(std::vector<Part>& parts, int source, int firstSe
 void AnswerParts::replaceParts(std::size_t kept, std::vector<Part> parts, const Begin& begin) {
     const std::size_t before = m_parts.size();
     const std::size_t after = kept + parts.size();
-    if (before > after) {
-        beginRemoveRows({}, static_cast<int>(after), static_cast<int>(before) - 1);
-        m_parts.resize(after);
-        endRemoveRows();
-    }
     const std::size_t common = std::min(before, after);
     std::size_t firstChanged = common;
+    if (before > after)
+        beginRemoveRows({}, static_cast<int>(after), static_cast<int>(before) - 1);
     for (std::size_t i = kept; i < common; ++i) {
         const Part& part = parts[i - kept];
         const bool same = begin.change.continues && part.isOfSame(m_parts[i]) && part.source == begin.source &&
@@ -267,6 +264,10 @@ void AnswerParts::replaceParts(std::size_t kept, std::vector<Part> parts, const 
         m_parts[i] = part;
         m_parts[i].revision = ++m_revision;
         firstChanged = std::min(firstChanged, i);
+    }
+    if (before > after) {
+        m_parts.resize(after);
+        endRemoveRows();
     }
     if (firstChanged < common)
         emit dataChanged(index(static_cast<int>(firstChanged)), index(static_cast<int>(common) - 1));
@@ -334,9 +335,16 @@ QVariantList AnswerParts::citations() const {
     return list;
 }
 
-const Markdown::Segment& AnswerParts::segment(const Part& part) const {
-    return m_sources[static_cast<std::size_t>(part.source)]
-        .document->segments()[static_cast<std::size_t>(part.segment)];
+const Markdown::Segment* AnswerParts::segment(const Part& part) const {
+    const auto source = static_cast<std::size_t>(part.source);
+    const auto number = static_cast<std::size_t>(part.segment);
+    if (source >= m_sources.size() || !m_sources[source].document)
+        return nullptr;
+    const std::vector<Markdown::Segment>& segments = m_sources[source].document->segments();
+    if (number >= segments.size() || kindOf(segments[number]) != part.kind)
+        return nullptr;
+    const bool fits = part.kind != AnswerPartKind::text || part.range.last < paragraphCount(segments[number]);
+    return fits ? &segments[number] : nullptr;
 }
 
 std::vector<Paragraph> AnswerParts::paragraphs(int row) const {
@@ -345,12 +353,15 @@ std::vector<Paragraph> AnswerParts::paragraphs(int row) const {
         return all;
     const Part& part = m_parts[static_cast<std::size_t>(row)];
     const TextRange& range = part.range;
+    const Markdown::Segment* from = segment(part);
+    if (!from)
+        return all;
     for (int number = range.first; number <= range.last; ++number) {
-        Paragraph paragraph = paragraphOf(segment(part), number);
-        const qsizetype from = number == range.first ? range.from : 0;
-        const qsizetype to = number == range.last ? range.to : paragraph.length();
-        if (from > 0 || to < paragraph.length())
-            paragraph = paragraph.sliced(from, to);
+        Paragraph paragraph = paragraphOf(*from, number);
+        const qsizetype begin = number == range.first ? range.from : 0;
+        const qsizetype end = number == range.last ? range.to : paragraph.length();
+        if (begin > 0 || end < paragraph.length())
+            paragraph = paragraph.sliced(begin, end);
         all.push_back(std::move(paragraph));
     }
     return all;
@@ -360,8 +371,8 @@ const Markdown::Block* AnswerParts::special(int row) const {
     if (row < 0 || row >= count() || kind(row) == AnswerPartKind::text)
         return nullptr;
     const Part& part = m_parts[static_cast<std::size_t>(row)];
-    const Source& source = m_sources[static_cast<std::size_t>(part.source)];
-    return source.document ? &std::get<Markdown::SpecialSegment>(segment(part)).block : nullptr;
+    const Markdown::Segment* from = segment(part);
+    return from ? &std::get<Markdown::SpecialSegment>(*from).block : nullptr;
 }
 
 // The kind, and whether it continues, but nothing in it.
@@ -473,8 +484,9 @@ QVariant AnswerParts::data(const QModelIndex& index, int role) const {
     }
     if (const Markdown::Block* block = special(row))
         return dataOf(*block, role);
-    if (part.kind != AnswerPartKind::text)
-        return dataOf(m_sources[static_cast<std::size_t>(part.source)].block, role);
+    const auto source = static_cast<std::size_t>(part.source);
+    if (part.kind != AnswerPartKind::text && source < m_sources.size() && !m_sources[source].document)
+        return dataOf(m_sources[source].block, role);
     return {};
 }
 

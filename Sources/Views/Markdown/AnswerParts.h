@@ -110,7 +110,8 @@ private:
     void replaceParts(std::size_t kept, std::vector<Part> parts, const Begin& begin);
     void updateBeginning();
 
-    const Markdown::Segment& segment(const Part& part) const;
+    // Null while the texts have changed and the parts are about to.
+    const Markdown::Segment* segment(const Part& part) const;
     Paragraph outline(int row, Edge edge) const;
     double gap(int row) const;
     QString read(int row, qsizetype from, qsizetype to) const;

@@ -57,7 +57,8 @@ QStringList described(const AnswerParts& parts) {
 class Mirror {
 public:
     explicit Mirror(AnswerParts& parts)
-        : m_tester(&parts, QAbstractItemModelTester::FailureReportingMode::Fatal) {
+        : rows(described(parts))
+        , m_tester(&parts, QAbstractItemModelTester::FailureReportingMode::Fatal) {
         QObject::connect(&parts, &AnswerParts::rowsInserted, &m_context, [&](const QModelIndex&, int first, int last) {
             for (int row = first; row <= last; ++row)
                 rows.insert(row, described(parts, row));
