@@ -14,6 +14,7 @@
 #include "Linux/RoutePathMonitor.h"
 #include "Linux/SecretServiceKeychain.h"
 #include "Linux/SystemClock.h"
+#include "Markdown/FormulaEngine.h"
 #include "NotificationCenter.h"
 #include "Scenes.h"
 #include "Shell/AIDataConsent.h"
@@ -90,6 +91,7 @@ private:
     CacheManager m_caches;
     AboutViewModel m_about;
     DesktopAppearance m_appearance;
+    FormulaEngine m_formulas;
     Scenes m_scenes;
     TaskScope m_scope; // last: its tasks end before anything they use
 };

@@ -17,6 +17,7 @@ Item {
 
     signal caretMoved(real y, real height)
     signal copyWanted(string text)
+    signal enlargeWanted(string code) // of a diagram
 
     function selectedText(): string {
         return selection.selectedText()
@@ -111,19 +112,24 @@ Item {
             PartKind {
                 name: "mermaid"
 
-                RawPart {
-                    required property string code
+                MermaidView {
+                    id: diagram
 
-                    content: code
+                    onCaretMoved: (y, height) => view.caretMoved(diagram.y + y, height)
+                    onCopyWanted: text => view.copyWanted(selection.span ? view.selectedText() : text)
+                    onEnlargeWanted: code => view.enlargeWanted(code)
                 }
             },
             PartKind {
                 name: "latex"
 
-                RawPart {
-                    required property string formula
+                LaTeXView {
+                    id: latex
 
-                    content: formula
+                    color: view.textColor
+
+                    onCaretMoved: (y, height) => view.caretMoved(latex.y + y, height)
+                    onCopyWanted: text => view.copyWanted(selection.span ? view.selectedText() : text)
                 }
             },
             PartKind {
