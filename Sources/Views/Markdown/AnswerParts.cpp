@@ -378,9 +378,11 @@ const Markdown::Block* AnswerParts::special(int row) const {
 // The kind, and whether it continues, but nothing in it.
 Paragraph AnswerParts::outline(int row, Edge edge) const {
     const Part& part = m_parts[static_cast<std::size_t>(row)];
+    const Markdown::Segment* from = segment(part);
+    if (!from)
+        return {};
     const bool first = edge == Edge::top;
-    return {
-        paragraphKindOf(segment(part), first ? part.range.first : part.range.last), first && part.range.from > 0, {}};
+    return {paragraphKindOf(*from, first ? part.range.first : part.range.last), first && part.range.from > 0, {}};
 }
 
 double AnswerParts::gap(int row) const {
