@@ -37,14 +37,14 @@ void TableRows::setTable(const MarkdownTable& table) {
     const int count = now.headers.isEmpty() && now.rows.empty() ? 0 : static_cast<int>(now.rows.size()) + 1;
     // The last row may have been read before all of it was there.
     const std::size_t kept = std::min(before.rows.size(), now.rows.size()) - (before.rows.empty() ? 0 : 1);
-    const bool grew = m_count > 0 && count >= m_count && before.headers == now.headers
-        && before.alignments == now.alignments
-        && (before.rows.empty()
-            || std::equal(now.rows.begin(), now.rows.begin() + static_cast<std::ptrdiff_t>(kept), before.rows.begin()));
+    const bool grew = m_count > 0 && count >= m_count && before.headers == now.headers &&
+        before.alignments == now.alignments &&
+        (before.rows.empty() ||
+            std::equal(now.rows.begin(), now.rows.begin() + static_cast<std::ptrdiff_t>(kept), before.rows.begin()));
     if (!grew) {
         beginResetModel();
         m_count = count;
-        m_widths.reset(m_cellFont, m_headerFont, m_widest);
+        resetWidths();
         measureFrom(0);
         endResetModel();
     } else {
@@ -70,10 +70,16 @@ void TableRows::componentComplete() {
 void TableRows::restyle() {
     if (!m_isComplete)
         return;
-    m_widths.reset(m_cellFont, m_headerFont, m_widest);
+    resetWidths();
     measureFrom(0);
     if (m_count > 0)
         emit dataChanged(index(0), index(m_count - 1), {CellsRole});
+}
+
+void TableRows::resetWidths() {
+    QFont codeFont = m_cellFont;
+    codeFont.setFamily(m_codeFamily);
+    m_widths.reset(m_cellFont, m_headerFont, codeFont, m_widest);
 }
 
 void TableRows::measureFrom(int firstRow) {
