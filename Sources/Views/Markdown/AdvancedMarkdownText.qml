@@ -135,19 +135,22 @@ Item {
             PartKind {
                 name: "table"
 
-                RawPart {
-                    required property int revision
+                MarkdownTableView {
+                    id: table
 
-                    content: revision, parts.between(index, 0, index, 1)
+                    onCaretMoved: (y, height) => view.caretMoved(table.y + y, height)
+                    onCopyWanted: text => view.copyWanted(selection.span ? view.selectedText() : text)
                 }
             },
             PartKind {
                 name: "image"
 
-                RawPart {
-                    required property string url
+                ImageAttachmentView {
+                    id: image
 
-                    content: url
+                    onCaretMoved: (y, height) => view.caretMoved(image.y + y, height)
+                    onCopyWanted: text => view.copyWanted(selection.span ? view.selectedText() : text)
+                    onOpened: address => Qt.openUrlExternally(address)
                 }
             }
         ]

@@ -1,5 +1,6 @@
 #include "AnswerParts.h"
 
+#include "MarkdownTable.h"
 #include "Match.h"
 #include "ParagraphTable.h"
 #include "ParagraphsOf.h"
@@ -43,18 +44,6 @@ AnswerPartKind kindOf(const Markdown::Segment& segment) {
         [](const Block::Image&) { return AnswerPartKind::image; }, [](const auto&) { return AnswerPartKind::text; });
 }
 
-QVariantList alignmentFlags(const std::vector<Markdown::Alignment>& alignments) {
-    QVariantList flags;
-    for (const Markdown::Alignment alignment : alignments) {
-        switch (alignment) {
-        case Markdown::Alignment::leading: flags.append(Qt::AlignLeft); break;
-        case Markdown::Alignment::center: flags.append(Qt::AlignHCenter); break;
-        case Markdown::Alignment::trailing: flags.append(Qt::AlignRight); break;
-        }
-    }
-    return flags;
-}
-
 QVariant dataOf(const Markdown::Block& block, int role) {
     using Markdown::Block;
     if (const auto* code = block.as<Block::CodeBlock>()) {
@@ -69,13 +58,8 @@ QVariant dataOf(const Markdown::Block& block, int role) {
         if (role == AnswerParts::FormulaRole)
             return formula->formula;
     } else if (const auto* table = block.as<Block::Table>()) {
-        switch (role) {
-        case AnswerParts::HeadersRole: return table->headers;
-        case AnswerParts::RowsRole:
-            return QVariant::fromValue(QList<QStringList>(table->rows.begin(), table->rows.end()));
-        case AnswerParts::AlignmentsRole: return alignmentFlags(table->alignments);
-        default: break;
-        }
+        if (role == AnswerParts::TableRole)
+            return QVariant::fromValue(MarkdownTable(*table));
     } else if (const auto* image = block.as<Block::Image>()) {
         if (role == AnswerParts::UrlRole)
             return image->url;
@@ -111,13 +95,25 @@ QVariant dataOf(const MessageContent& block, int role) {
     return {};
 }
 
-QString readingOf(const Markdown::Block& block) {
+// Lines of a table, the header being number 0.
+QString readRows(const Markdown::Block::Table& table, qsizetype from, qsizetype to) {
+    Markdown::Block::Table part;
+    from = std::max<qsizetype>(from, 0);
+    to = std::min(to, static_cast<qsizetype>(table.rows.size()) + 1);
+    if (from >= to)
+        return {};
+    part.headers = from == 0 ? table.headers : table.rows[static_cast<std::size_t>(from - 1)];
+    part.rows.assign(table.rows.begin() + from, table.rows.begin() + to - 1);
+    return Markdown::tableAsTsv(part);
+}
+
+QString readingOf(const Markdown::Block& block, qsizetype from, qsizetype to) {
     using Markdown::Block;
     return match(
-        block.value, [](const Block::CodeBlock& code) { return code.code; },
+        block.value, [&](const Block::CodeBlock& code) { return code.code.mid(from, to - from); },
+        [&](const Block::Table& table) { return readRows(table, from, to); },
         [](const Block::MermaidBlock& diagram) { return diagram.code; },
         [](const Block::LatexBlock& formula) { return QStringLiteral("$$%1$$").arg(formula.formula); },
-        [](const Block::Table& table) { return Markdown::tableAsTsv(table); },
         [](const Block::Image& image) { return image.alt.value_or(image.url); }, [](const auto&) { return QString(); });
 }
 
@@ -399,8 +395,7 @@ QString AnswerParts::read(int row, qsizetype from, qsizetype to) const {
         const Markdown::Block* block = special(row);
         if (!block || from >= to)
             return {};
-        const QString all = readingOf(*block);
-        return kind(row) == AnswerPartKind::code ? all.mid(from, to - from) : all;
+        return readingOf(*block, from, to);
     }
     QString text;
     const std::vector<Paragraph> all = paragraphs(row);
@@ -427,8 +422,12 @@ int AnswerParts::lengthOf(int row) const {
         return 0;
     if (kind(row) != AnswerPartKind::text) {
         const Markdown::Block* block = special(row);
-        const auto* code = block ? block->as<Markdown::Block::CodeBlock>() : nullptr;
-        return code ? static_cast<int>(code->code.size()) : block ? 1 : 0;
+        if (!block)
+            return 0;
+        if (const auto* code = block->as<Markdown::Block::CodeBlock>())
+            return static_cast<int>(code->code.size());
+        const auto* table = block->as<Markdown::Block::Table>();
+        return table ? static_cast<int>(table->rows.size()) + 1 : 1;
     }
     qsizetype length = -1;
     for (const Paragraph& paragraph : paragraphs(row))
@@ -501,9 +500,7 @@ QHash<int, QByteArray> AnswerParts::roleNames() const {
         {LanguageRole, "language"},
         {CodeRole, "code"},
         {FormulaRole, "formula"},
-        {HeadersRole, "headers"},
-        {RowsRole, "rows"},
-        {AlignmentsRole, "alignments"},
+        {TableRole, "table"},
         {UrlRole, "url"},
         {AltRole, "alt"},
         {FilenameRole, "filename"},
