@@ -68,7 +68,7 @@ QtObject {
     }
 
     // The share of a part in what is selected over several.
-    function apply(part: int, item: Item): void {
+    function apply(part: int, item: var): void {
         if (item.persistentSelection === undefined)
             return
         item.persistentSelection = span !== null
@@ -164,7 +164,7 @@ QtObject {
         }
 
         function onPointerMoved(x, y) {
-            Qt.callLater(selection.drag, x, y)
+            Qt.callLater(selection.drag, x, y) // qmllint disable
         }
 
         function onPointerPressed(x, y) {
