@@ -98,7 +98,7 @@ Item {
             const second = part(2)
             verify(first.activeFocus)
             keyClick(Qt.Key_Right)
-            for (let i = 0; i < 5; ++i)
+            for (let i = 0; i < 4; ++i)
                 keyClick(Qt.Key_Right, Qt.ShiftModifier)
             compare(answer.selectedText(), "дин.")
             let presses = 0

@@ -473,7 +473,7 @@ Item {
             settled()
             list.column.scrollBy(-700)
             settled()
-            const part = shown.itemAt(shown.model.count - 1)
+            const part = shown.itemAt(shown.partAt(list.column.position + 100 - list.column.rowPosition(last)))
             const before = part.mapToItem(list, 0, 0).y
             answer(last, many + many)
             settled()

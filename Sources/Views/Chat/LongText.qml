@@ -39,11 +39,7 @@ PartColumn {
         copiesItself: false
         objectName: "textPart"
 
-        onCaretLeaving: (direction, selecting) => selection.step(index, direction, selecting)
-        onCaretMoved: (y, height) => {
-            selection.follow(index)
-            column.caretMoved(edit.y + y, height)
-        }
+        onCaretMoved: (y, height) => column.caretMoved(edit.y + y, height)
         onCopyWanted: column.copyWanted(column.selectedText())
     }
     // qmllint enable unqualified

@@ -18,7 +18,9 @@ constexpr double plainEstimate = 64; // pixels, where nobody estimates
 
 PartColumn::PartColumn(QQuickItem* parent)
     : QQuickItem(parent)
-    , m_items(*this, [this] { changed(); }) {}
+    , m_items(*this, [this] { changed(); }) {
+    setFiltersChildMouseEvents(true);
+}
 
 PartColumn::~PartColumn() {
     if (m_column)
@@ -41,7 +43,8 @@ void PartColumn::setModel(QAbstractItemModel* model) {
             [this](const QModelIndex& first, const QModelIndex& last, const QList<int>& roles) {
                 partsChanged(first.row(), last.row(), roles);
             });
-        connect(m_model, &Model::rowsRemoved, this, &PartColumn::resetParts);
+        connect(m_model, &Model::rowsRemoved, this,
+            [this](const QModelIndex&, int first, int last) { partsRemoved(first, last); });
         connect(m_model, &Model::rowsMoved, this, &PartColumn::resetParts);
         connect(m_model, &Model::layoutChanged, this, &PartColumn::resetParts);
         connect(m_model, &Model::modelReset, this, &PartColumn::resetParts);
@@ -114,6 +117,12 @@ void PartColumn::resetParts() {
 void PartColumn::partsInserted(int first, int last) {
     m_items.noteInsertion(first, last - first + 1);
     m_heights.insert(first, estimates(first, last - first + 1));
+    changed();
+}
+
+void PartColumn::partsRemoved(int first, int last) {
+    m_items.noteRemoval(first, last - first + 1);
+    m_heights.remove(first, last - first + 1);
     changed();
 }
 
@@ -230,6 +239,31 @@ void PartColumn::findColumn() {
     m_column = column;
     if (m_column)
         m_column->rememberParts(this);
+}
+
+// Only looks on: a handler of its own would come too late once a text has taken the pointer for itself.
+bool PartColumn::childMouseEventFilter(QQuickItem* item, QEvent* event) {
+    const auto place = [&] { return mapFromScene(static_cast<QMouseEvent*>(event)->scenePosition()); };
+    switch (event->type()) {
+    case QEvent::MouseButtonPress:
+        m_pointerIsDown = static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton &&
+            item->metaObject()->indexOfMethod("positionToRectangle(int)") >= 0;
+        if (m_pointerIsDown)
+            emit pointerPressed(place().x(), place().y());
+        break;
+    case QEvent::MouseMove:
+        if (m_pointerIsDown)
+            emit pointerMoved(place().x(), place().y());
+        break;
+    case QEvent::MouseButtonRelease:
+    case QEvent::UngrabMouse:
+        if (m_pointerIsDown)
+            emit pointerReleased();
+        m_pointerIsDown = false;
+        break;
+    default: break;
+    }
+    return false;
 }
 
 void PartColumn::componentComplete() {

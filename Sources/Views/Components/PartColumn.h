@@ -56,8 +56,13 @@ signals:
     void gapScaleChanged();
     void estimateChanged();
     void partMade(int part, QQuickItem* item);
+    // Where the pointer is that pressed a text in it, below its top left corner.
+    void pointerPressed(qreal x, qreal y);
+    void pointerMoved(qreal x, qreal y);
+    void pointerReleased();
 
 protected:
+    bool childMouseEventFilter(QQuickItem* item, QEvent* event) override;
     void componentComplete() override;
     void itemChange(ItemChange change, const ItemChangeData& data) override;
     void geometryChange(const QRectF& now, const QRectF& before) override;
@@ -65,6 +70,7 @@ protected:
 private:
     void resetParts();
     void partsInserted(int first, int last);
+    void partsRemoved(int first, int last);
     void partsChanged(int first, int last, const QList<int>& roles);
     static void appendKind(QQmlListProperty<PartKind>* list, PartKind* kind);
     double gap(int part) const; // pixels, above it
@@ -85,6 +91,7 @@ private:
     RowItems m_items;
     int m_gapRole = -1;
     qreal m_gapScale = 1;
+    bool m_pointerIsDown = false;
     bool m_estimatesOld = false;
     bool m_showingAll = false;
 };

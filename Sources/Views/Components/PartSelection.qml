@@ -4,8 +4,8 @@ import Korvi.Views // the types written in C++
 // Selects over all parts of a PartColumn, by the pointer and by the keyboard. Within one part, the part itself selects.
 //
 // A part takes part in it by what SelectableText has: length, selectedText, positionAt(), select(), deselect(),
-// persistentSelection, takeFocus() and, to be entered by the keyboard, takeCaretAt().
-PointHandler {
+// persistentSelection, takeFocus() and, to be entered by the keyboard, takeCaretAt() and caretLeaving().
+QtObject {
     id: selection
 
     required property PartColumn column
@@ -16,6 +16,7 @@ PointHandler {
     readonly property bool isBackward: span !== null
         && (span.headPart < span.anchorPart || span.headPart === span.anchorPart && span.head < span.anchor)
 
+    property bool isDragging: false
     property int pressedPart: -1
     property int pressedAt: 0
 
@@ -67,7 +68,7 @@ PointHandler {
     }
 
     // The share of a part in what is selected over several.
-    function apply(part: int, item: Item): void {
+    function apply(part: int, item: var): void {
         if (item.persistentSelection === undefined)
             return
         item.persistentSelection = span !== null
@@ -116,7 +117,7 @@ PointHandler {
     // The caret moved within a part.
     function follow(part: int): void {
         const item = column.itemAt(part)
-        if (!span || active || !item?.hasCaret || part !== span.headPart || item.cursorPosition === span.head)
+        if (!span || isDragging || !item?.hasCaret || part !== span.headPart || item.cursorPosition === span.head)
             return
         const border = isBackward ? item.length : 0
         if (item.selectionStart === item.selectionEnd && item.cursorPosition !== border)
@@ -125,33 +126,25 @@ PointHandler {
             span = Object.assign({}, span, { head: item.cursorPosition })
     }
 
+    function press(x: real, y: real): void {
+        span = null
+        pressedPart = column.partAt(y)
+        const item = column.itemAt(pressedPart)
+        isDragging = item?.positionAt !== undefined
+        if (isDragging)
+            pressedAt = item.positionAt(x - item.x, y - item.y)
+    }
+
     // After the part that was pressed has itself selected what it takes for the end.
-    function drag(): void {
-        const y = point.position.y
+    function drag(x: real, y: real): void {
         const part = column.partAt(y)
         const other = column.itemAt(part)
-        if (!active || pressedPart < 0 || !other?.positionAt || part === pressedPart && !span)
+        if (!isDragging || !other?.positionAt || part === pressedPart && !span)
             return
-        if (!span && column.focusedPart() !== pressedPart) // a button was pressed, no text
-            return
-        span = { anchorPart: pressedPart, anchor: pressedAt, headPart: part,
-            head: other.positionAt(point.position.x - other.x, y - other.y) }
+        span = { anchorPart: pressedPart, anchor: pressedAt, headPart: part, head: other.positionAt(x - other.x, y - other.y) }
         caretMoved(y, 0)
     }
 
-    onActiveChanged: {
-        if (!active)
-            return
-        span = null
-        pressedPart = column.partAt(point.pressPosition.y)
-        const item = column.itemAt(pressedPart)
-        const y = point.pressPosition.y - (item?.y ?? 0)
-        if (item?.positionAt && y >= 0 && y < item.height)
-            pressedAt = item.positionAt(point.pressPosition.x - item.x, y)
-        else
-            pressedPart = -1 // between two parts
-    }
-    onPointChanged: Qt.callLater(drag) // qmllint disable
     onSpanChanged: {
         for (let part = 0; part < model.count; ++part) {
             const item = column.itemAt(part)
@@ -160,10 +153,26 @@ PointHandler {
         }
     }
 
-    readonly property Connections making: Connections {
+    readonly property Connections watching: Connections {
         function onPartMade(part, item) {
+            if (item.caretLeaving) {
+                item.caretLeaving.connect((direction, selecting) => selection.step(item.index, direction, selecting))
+                item.caretMoved.connect(() => selection.follow(item.index))
+            }
             if (selection.span)
                 selection.apply(part, item)
+        }
+
+        function onPointerMoved(x, y) {
+            Qt.callLater(selection.drag, x, y) // qmllint disable
+        }
+
+        function onPointerPressed(x, y) {
+            selection.press(x, y)
+        }
+
+        function onPointerReleased() {
+            selection.isDragging = false
         }
 
         target: selection.column

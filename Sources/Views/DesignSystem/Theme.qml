@@ -49,6 +49,10 @@ ThemeColors {
     readonly property int roundButton: px(32)
     readonly property int actionHeight: px(26)
     readonly property int codeHeader: px(34)
+    readonly property int imageHeight: 420 // of an image in an answer, at the most
+    readonly property int imagePlaceholder: 240 // of one that is not there yet
+    readonly property int imageDecoded: 1600 // pixels, of the longer edge
+    readonly property int cellPadding: px(9) // above and below the text of a table
     readonly property int icon: px(16)
     readonly property int hairline: 1
     readonly property int haloWidth: 3

@@ -17,6 +17,7 @@ Item {
 
     signal caretMoved(real y, real height)
     signal copyWanted(string text)
+    signal enlargeWanted(string code) // of a diagram
 
     function selectedText(): string {
         return selection.selectedText()
@@ -61,6 +62,14 @@ Item {
         monoFamily: Theme.monoFamily
         textSize: Theme.fontBody
     }
+    PartSelection {
+        id: selection
+
+        column: column
+        model: parts
+
+        onCaretMoved: (y, height) => view.caretMoved(y, height)
+    }
     PartColumn {
         id: column
 
@@ -86,11 +95,7 @@ Item {
                     parts: view.answerParts
                     style: view.textStyle
 
-                    onCaretLeaving: (direction, selecting) => selection.step(index, direction, selecting)
-                    onCaretMoved: (y, height) => {
-                        selection.follow(index)
-                        view.caretMoved(textPart.y + y, height)
-                    }
+                    onCaretMoved: (y, height) => view.caretMoved(textPart.y + y, height)
                     onCopyWanted: view.copyWanted(view.selectedText())
                 }
             },
@@ -107,37 +112,45 @@ Item {
             PartKind {
                 name: "mermaid"
 
-                RawPart {
-                    required property string code
+                MermaidView {
+                    id: diagram
 
-                    content: code
+                    onCaretMoved: (y, height) => view.caretMoved(diagram.y + y, height)
+                    onCopyWanted: text => view.copyWanted(selection.span ? view.selectedText() : text)
+                    onEnlargeWanted: code => view.enlargeWanted(code)
                 }
             },
             PartKind {
                 name: "latex"
 
-                RawPart {
-                    required property string formula
+                LaTeXView {
+                    id: latex
 
-                    content: formula
+                    color: view.textColor
+
+                    onCaretMoved: (y, height) => view.caretMoved(latex.y + y, height)
+                    onCopyWanted: text => view.copyWanted(selection.span ? view.selectedText() : text)
                 }
             },
             PartKind {
                 name: "table"
 
-                RawPart {
-                    required property int revision
+                MarkdownTableView {
+                    id: table
 
-                    content: revision, parts.between(index, 0, index, 1)
+                    onCaretMoved: (y, height) => view.caretMoved(table.y + y, height)
+                    onCopyWanted: text => view.copyWanted(selection.span ? view.selectedText() : text)
                 }
             },
             PartKind {
                 name: "image"
 
-                RawPart {
-                    required property string url
+                ImageAttachmentView {
+                    id: image
 
-                    content: url
+                    onCaretMoved: (y, height) => view.caretMoved(image.y + y, height)
+                    onCopyWanted: text => view.copyWanted(selection.span ? view.selectedText() : text)
+                    onOpened: address => Qt.openUrlExternally(address)
                 }
             }
         ]
@@ -156,14 +169,6 @@ Item {
                 view.copyWanted(view.selectedText())
         }
 
-        PartSelection {
-            id: selection
-
-            column: column
-            model: parts
-
-            onCaretMoved: (y, height) => view.caretMoved(y, height)
-        }
         FontMetrics {
             id: metrics
 

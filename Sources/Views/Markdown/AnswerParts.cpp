@@ -1,5 +1,6 @@
 #include "AnswerParts.h"
 
+#include "MarkdownTable.h"
 #include "Match.h"
 #include "ParagraphTable.h"
 #include "ParagraphsOf.h"
@@ -43,18 +44,6 @@ AnswerPartKind kindOf(const Markdown::Segment& segment) {
         [](const Block::Image&) { return AnswerPartKind::image; }, [](const auto&) { return AnswerPartKind::text; });
 }
 
-QVariantList alignmentFlags(const std::vector<Markdown::Alignment>& alignments) {
-    QVariantList flags;
-    for (const Markdown::Alignment alignment : alignments) {
-        switch (alignment) {
-        case Markdown::Alignment::leading: flags.append(Qt::AlignLeft); break;
-        case Markdown::Alignment::center: flags.append(Qt::AlignHCenter); break;
-        case Markdown::Alignment::trailing: flags.append(Qt::AlignRight); break;
-        }
-    }
-    return flags;
-}
-
 QVariant dataOf(const Markdown::Block& block, int role) {
     using Markdown::Block;
     if (const auto* code = block.as<Block::CodeBlock>()) {
@@ -69,13 +58,8 @@ QVariant dataOf(const Markdown::Block& block, int role) {
         if (role == AnswerParts::FormulaRole)
             return formula->formula;
     } else if (const auto* table = block.as<Block::Table>()) {
-        switch (role) {
-        case AnswerParts::HeadersRole: return table->headers;
-        case AnswerParts::RowsRole:
-            return QVariant::fromValue(QList<QStringList>(table->rows.begin(), table->rows.end()));
-        case AnswerParts::AlignmentsRole: return alignmentFlags(table->alignments);
-        default: break;
-        }
+        if (role == AnswerParts::TableRole)
+            return QVariant::fromValue(MarkdownTable(*table));
     } else if (const auto* image = block.as<Block::Image>()) {
         if (role == AnswerParts::UrlRole)
             return image->url;
@@ -111,13 +95,25 @@ QVariant dataOf(const MessageContent& block, int role) {
     return {};
 }
 
-QString readingOf(const Markdown::Block& block) {
+// Lines of a table, the header being number 0.
+QString readRows(const Markdown::Block::Table& table, qsizetype from, qsizetype to) {
+    Markdown::Block::Table part;
+    from = std::max<qsizetype>(from, 0);
+    to = std::min(to, static_cast<qsizetype>(table.rows.size()) + 1);
+    if (from >= to)
+        return {};
+    part.headers = from == 0 ? table.headers : table.rows[static_cast<std::size_t>(from - 1)];
+    part.rows.assign(table.rows.begin() + from, table.rows.begin() + to - 1);
+    return Markdown::tableAsTsv(part);
+}
+
+QString readingOf(const Markdown::Block& block, qsizetype from, qsizetype to) {
     using Markdown::Block;
     return match(
-        block.value, [](const Block::CodeBlock& code) { return code.code; },
+        block.value, [&](const Block::CodeBlock& code) { return code.code.mid(from, to - from); },
+        [&](const Block::Table& table) { return readRows(table, from, to); },
         [](const Block::MermaidBlock& diagram) { return diagram.code; },
         [](const Block::LatexBlock& formula) { return QStringLiteral("$$%1$$").arg(formula.formula); },
-        [](const Block::Table& table) { return Markdown::tableAsTsv(table); },
         [](const Block::Image& image) { return image.alt.value_or(image.url); }, [](const auto&) { return QString(); });
 }
 
@@ -251,13 +247,10 @@ void AnswerParts::appendSource(std::vector<Part>& parts, int source, int firstSe
 void AnswerParts::replaceParts(std::size_t kept, std::vector<Part> parts, const Begin& begin) {
     const std::size_t before = m_parts.size();
     const std::size_t after = kept + parts.size();
-    if (before > after) {
-        beginRemoveRows({}, static_cast<int>(after), static_cast<int>(before) - 1);
-        m_parts.resize(after);
-        endRemoveRows();
-    }
     const std::size_t common = std::min(before, after);
     std::size_t firstChanged = common;
+    if (before > after)
+        beginRemoveRows({}, static_cast<int>(after), static_cast<int>(before) - 1);
     for (std::size_t i = kept; i < common; ++i) {
         const Part& part = parts[i - kept];
         const bool same = begin.change.continues && part.isOfSame(m_parts[i]) && part.source == begin.source &&
@@ -267,6 +260,10 @@ void AnswerParts::replaceParts(std::size_t kept, std::vector<Part> parts, const 
         m_parts[i] = part;
         m_parts[i].revision = ++m_revision;
         firstChanged = std::min(firstChanged, i);
+    }
+    if (before > after) {
+        m_parts.resize(after);
+        endRemoveRows();
     }
     if (firstChanged < common)
         emit dataChanged(index(static_cast<int>(firstChanged)), index(static_cast<int>(common) - 1));
@@ -334,9 +331,16 @@ QVariantList AnswerParts::citations() const {
     return list;
 }
 
-const Markdown::Segment& AnswerParts::segment(const Part& part) const {
-    return m_sources[static_cast<std::size_t>(part.source)]
-        .document->segments()[static_cast<std::size_t>(part.segment)];
+const Markdown::Segment* AnswerParts::segment(const Part& part) const {
+    const auto source = static_cast<std::size_t>(part.source);
+    const auto number = static_cast<std::size_t>(part.segment);
+    if (source >= m_sources.size() || !m_sources[source].document)
+        return nullptr;
+    const std::vector<Markdown::Segment>& segments = m_sources[source].document->segments();
+    if (number >= segments.size() || kindOf(segments[number]) != part.kind)
+        return nullptr;
+    const bool fits = part.kind != AnswerPartKind::text || part.range.last < paragraphCount(segments[number]);
+    return fits ? &segments[number] : nullptr;
 }
 
 std::vector<Paragraph> AnswerParts::paragraphs(int row) const {
@@ -345,12 +349,15 @@ std::vector<Paragraph> AnswerParts::paragraphs(int row) const {
         return all;
     const Part& part = m_parts[static_cast<std::size_t>(row)];
     const TextRange& range = part.range;
+    const Markdown::Segment* from = segment(part);
+    if (!from)
+        return all;
     for (int number = range.first; number <= range.last; ++number) {
-        Paragraph paragraph = paragraphOf(segment(part), number);
-        const qsizetype from = number == range.first ? range.from : 0;
-        const qsizetype to = number == range.last ? range.to : paragraph.length();
-        if (from > 0 || to < paragraph.length())
-            paragraph = paragraph.sliced(from, to);
+        Paragraph paragraph = paragraphOf(*from, number);
+        const qsizetype begin = number == range.first ? range.from : 0;
+        const qsizetype end = number == range.last ? range.to : paragraph.length();
+        if (begin > 0 || end < paragraph.length())
+            paragraph = paragraph.sliced(begin, end);
         all.push_back(std::move(paragraph));
     }
     return all;
@@ -360,16 +367,18 @@ const Markdown::Block* AnswerParts::special(int row) const {
     if (row < 0 || row >= count() || kind(row) == AnswerPartKind::text)
         return nullptr;
     const Part& part = m_parts[static_cast<std::size_t>(row)];
-    const Source& source = m_sources[static_cast<std::size_t>(part.source)];
-    return source.document ? &std::get<Markdown::SpecialSegment>(segment(part)).block : nullptr;
+    const Markdown::Segment* from = segment(part);
+    return from ? &std::get<Markdown::SpecialSegment>(*from).block : nullptr;
 }
 
 // The kind, and whether it continues, but nothing in it.
 Paragraph AnswerParts::outline(int row, Edge edge) const {
     const Part& part = m_parts[static_cast<std::size_t>(row)];
+    const Markdown::Segment* from = segment(part);
+    if (!from)
+        return {};
     const bool first = edge == Edge::top;
-    return {
-        paragraphKindOf(segment(part), first ? part.range.first : part.range.last), first && part.range.from > 0, {}};
+    return {paragraphKindOf(*from, first ? part.range.first : part.range.last), first && part.range.from > 0, {}};
 }
 
 double AnswerParts::gap(int row) const {
@@ -386,8 +395,7 @@ QString AnswerParts::read(int row, qsizetype from, qsizetype to) const {
         const Markdown::Block* block = special(row);
         if (!block || from >= to)
             return {};
-        const QString all = readingOf(*block);
-        return kind(row) == AnswerPartKind::code ? all.mid(from, to - from) : all;
+        return readingOf(*block, from, to);
     }
     QString text;
     const std::vector<Paragraph> all = paragraphs(row);
@@ -414,8 +422,12 @@ int AnswerParts::lengthOf(int row) const {
         return 0;
     if (kind(row) != AnswerPartKind::text) {
         const Markdown::Block* block = special(row);
-        const auto* code = block ? block->as<Markdown::Block::CodeBlock>() : nullptr;
-        return code ? static_cast<int>(code->code.size()) : block ? 1 : 0;
+        if (!block)
+            return 0;
+        if (const auto* code = block->as<Markdown::Block::CodeBlock>())
+            return static_cast<int>(code->code.size());
+        const auto* table = block->as<Markdown::Block::Table>();
+        return table ? static_cast<int>(table->rows.size()) + 1 : 1;
     }
     qsizetype length = -1;
     for (const Paragraph& paragraph : paragraphs(row))
@@ -473,8 +485,9 @@ QVariant AnswerParts::data(const QModelIndex& index, int role) const {
     }
     if (const Markdown::Block* block = special(row))
         return dataOf(*block, role);
-    if (part.kind != AnswerPartKind::text)
-        return dataOf(m_sources[static_cast<std::size_t>(part.source)].block, role);
+    const auto source = static_cast<std::size_t>(part.source);
+    if (part.kind != AnswerPartKind::text && source < m_sources.size() && !m_sources[source].document)
+        return dataOf(m_sources[source].block, role);
     return {};
 }
 
@@ -487,9 +500,7 @@ QHash<int, QByteArray> AnswerParts::roleNames() const {
         {LanguageRole, "language"},
         {CodeRole, "code"},
         {FormulaRole, "formula"},
-        {HeadersRole, "headers"},
-        {RowsRole, "rows"},
-        {AlignmentsRole, "alignments"},
+        {TableRole, "table"},
         {UrlRole, "url"},
         {AltRole, "alt"},
         {FilenameRole, "filename"},

@@ -34,9 +34,7 @@ public:
         LanguageRole,                // "language", string, of code; may be empty
         CodeRole,                    // "code", string, of code and diagrams
         FormulaRole,                 // "formula", string
-        HeadersRole,                 // "headers", list of strings, of a table
-        RowsRole,                    // "rows", list of lists of strings
-        AlignmentsRole,              // "alignments", list of Qt::AlignmentFlag
+        TableRole,                   // "table", MarkdownTable
         UrlRole,                     // "url", string, of images, videos, music and files
         AltRole,                     // "alt", string, of an image
         FilenameRole,                // "filename", string, of a file
@@ -63,7 +61,7 @@ public:
     const Markdown::Block* special(int row) const;
 
     // What is read from a character of one part up to a character of the same or a later one: code as code, a table as
-    // tab-separated lines, formulas as TeX. Parts that are not text or code are one character, or none.
+    // tab-separated lines, formulas as TeX. A character is a row in a table; other parts are one character, or none.
     Q_INVOKABLE QString between(int firstPart, int from, int lastPart, int to) const;
     Q_INVOKABLE int lengthOf(int part) const; // characters as drawn
     Q_INVOKABLE QString plainText() const;    // all that is read
@@ -110,7 +108,8 @@ private:
     void replaceParts(std::size_t kept, std::vector<Part> parts, const Begin& begin);
     void updateBeginning();
 
-    const Markdown::Segment& segment(const Part& part) const;
+    // Null while the texts have changed and the parts are about to.
+    const Markdown::Segment* segment(const Part& part) const;
     Paragraph outline(int row, Edge edge) const;
     double gap(int row) const;
     QString read(int row, qsizetype from, qsizetype to) const;

@@ -17,10 +17,11 @@ constexpr qsizetype longestMeasured = 400; // characters: more is wider than any
 
 }
 
-void ColumnWidths::reset(const QFont& cellFont, const QFont& headerFont, qreal widest) {
+void ColumnWidths::reset(const QFont& cellFont, const QFont& strongFont, const QFont& codeFont, qreal widest) {
     m_columns.clear();
     m_cellMetrics = QFontMetricsF(cellFont);
-    m_headerMetrics = QFontMetricsF(headerFont);
+    m_strongMetrics = QFontMetricsF(strongFont);
+    m_codeMetrics = QFontMetricsF(codeFont);
     m_widest = widest;
 }
 
@@ -36,9 +37,23 @@ void ColumnWidths::add(const QStringList& cells, const QFontMetricsF& metrics) {
             continue;
         ++column.measured;
         column.longest = std::max(column.longest, cell.size());
-        const qreal width = std::ceil(metrics.horizontalAdvance(TableCell::shownText(cell).left(longestMeasured))) + 1;
-        column.wanted = std::clamp(width, column.wanted, m_widest);
+        measure(column, cell, metrics);
     }
+}
+
+void ColumnWidths::measure(Column& column, const QString& cell, const QFontMetricsF& metrics) const {
+    qreal width = 0;
+    qreal word = 0;
+    for (const Markdown::Run& run : TableCell::runs(cell.left(longestMeasured))) {
+        const QFontMetricsF& used = run.style == Markdown::Style::code ? m_codeMetrics
+            : run.style == Markdown::Style::bold                       ? m_strongMetrics
+                                                                       : metrics;
+        width += used.horizontalAdvance(run.text);
+        for (const QString& part : run.text.split(u' '))
+            word = std::max(word, used.horizontalAdvance(part));
+    }
+    column.wanted = std::clamp(std::ceil(width) + 1, column.wanted, m_widest);
+    column.widestWord = std::clamp(std::ceil(word) + 1, column.widestWord, m_widest);
 }
 
 QList<qreal> ColumnWidths::fit(qreal available, qreal around, qreal readable) const {
@@ -56,17 +71,19 @@ QList<qreal> ColumnWidths::fit(qreal available, qreal around, qreal readable) co
         QList<qreal> sorted = widths;
         std::ranges::sort(sorted);
         qreal rest = room;
-        qreal limit = readable;
+        qreal limit = 0;
         for (qsizetype i = 0; i < sorted.size(); ++i) {
             const qreal share = rest / static_cast<qreal>(sorted.size() - i);
             if (sorted[i] > share) {
-                limit = std::max(readable, std::floor(share));
+                limit = std::floor(share);
                 break;
             }
             rest -= sorted[i];
         }
-        for (qreal& width : widths)
-            width = std::min(width, limit);
+        for (std::size_t i = 0; i < m_columns.size(); ++i) {
+            qreal& width = widths[static_cast<qsizetype>(i)];
+            width = std::min(width, std::max(limit, std::min(m_columns[i].widestWord, readable)));
+        }
     }
     for (qreal& width : widths)
         width += around;

@@ -1,30 +1,20 @@
 import QtQuick
 
-// A formula within a line of text.
-Item {
+// A formula within a line of text, over the room that the text keeps for it. The text beneath takes the pointer.
+LaTeXView {
     id: view
 
-    required property string formula
-    required property color color
-
-    readonly property real ascent: label.baselineOffset
+    readonly property real ascent: baselineOffset
 
     signal sizeChanged
 
-    height: label.implicitHeight
-    width: label.implicitWidth
+    enabled: false
+    height: implicitHeight
+    isBlock: false
+    width: implicitWidth
 
     Component.onCompleted: sizeChanged()
     onAscentChanged: sizeChanged()
     onHeightChanged: sizeChanged()
     onWidthChanged: sizeChanged()
-
-    Label {
-        id: label
-
-        color: view.color
-        font.family: Theme.monoFamily
-        font.pixelSize: Theme.fontCode
-        text: "$%1$".arg(view.formula)
-    }
 }

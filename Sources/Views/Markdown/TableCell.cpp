@@ -1,32 +1,20 @@
 #include "TableCell.h"
 
-#include "Pipeline/Inline.h"
 #include "Pipeline/TableText.h"
 
 #include <algorithm>
 
 namespace Korvi::TableCell {
 
-namespace {
-
-std::vector<Markdown::Run> runsOf(const QString& markdown) {
+std::vector<Markdown::Run> runs(const QString& markdown) {
     return Markdown::parseInlineMarkdown(Markdown::cleanLatex(markdown));
 }
 
-}
-
-QString shownText(const QString& markdown) {
-    QString text;
-    for (const Markdown::Run& run : runsOf(markdown))
-        text += run.text;
-    return text;
-}
-
 Markup markup(const QString& markdown, const QString& codeFamily, const QColor& code, const QColor& codeBackground) {
-    const std::vector<Markdown::Run> runs = runsOf(markdown);
+    const std::vector<Markdown::Run> shown = runs(markdown);
     Markup made;
-    made.isRich = std::ranges::any_of(runs, [](const auto& run) { return run.style != Markdown::Style::base; });
-    for (const Markdown::Run& run : runs) {
+    made.isRich = std::ranges::any_of(shown, [](const auto& run) { return run.style != Markdown::Style::base; });
+    for (const Markdown::Run& run : shown) {
         const QString text = made.isRich ? run.text.toHtmlEscaped() : run.text;
         switch (run.style) {
         case Markdown::Style::base: made.text += text; break;

@@ -1,12 +1,14 @@
 #pragma once
 
+#include "Pipeline/Inline.h"
+
 #include <QColor>
 #include <QString>
 
 namespace Korvi::TableCell {
 
-// The text of a cell as it is read: without TeX noise and inline markers.
-QString shownText(const QString& markdown);
+// What is shown of a cell: without TeX noise and inline markers.
+std::vector<Markdown::Run> runs(const QString& markdown);
 
 struct Markup {
     QString text;

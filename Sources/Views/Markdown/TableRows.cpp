@@ -44,7 +44,7 @@ void TableRows::setTable(const MarkdownTable& table) {
     if (!grew) {
         beginResetModel();
         m_count = count;
-        m_widths.reset(m_cellFont, m_headerFont, m_widest);
+        resetWidths();
         measureFrom(0);
         endResetModel();
     } else {
@@ -70,10 +70,16 @@ void TableRows::componentComplete() {
 void TableRows::restyle() {
     if (!m_isComplete)
         return;
-    m_widths.reset(m_cellFont, m_headerFont, m_widest);
+    resetWidths();
     measureFrom(0);
     if (m_count > 0)
         emit dataChanged(index(0), index(m_count - 1), {CellsRole});
+}
+
+void TableRows::resetWidths() {
+    QFont codeFont = m_cellFont;
+    codeFont.setFamily(m_codeFamily);
+    m_widths.reset(m_cellFont, m_headerFont, codeFont, m_widest);
 }
 
 void TableRows::measureFrom(int firstRow) {

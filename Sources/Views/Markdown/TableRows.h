@@ -25,7 +25,7 @@ class TableRows : public QAbstractListModel, public QQmlParserStatus {
     // Pixels.
     Q_PROPERTY(qreal available MEMBER m_available NOTIFY measuresChanged) // the width there is for all columns
     Q_PROPERTY(qreal around MEMBER m_around NOTIFY measuresChanged)       // what a column has beside its text
-    Q_PROPERTY(qreal readable MEMBER m_readable NOTIFY measuresChanged)   // width of a text that is not too narrow
+    Q_PROPERTY(qreal readable MEMBER m_readable NOTIFY measuresChanged)   // words up to this width are not broken
     Q_PROPERTY(qreal widest MEMBER m_widest NOTIFY styleChanged)          // of a text that is not wrapped
     Q_PROPERTY(QList<qreal> columnWidths READ columnWidths NOTIFY columnWidthsChanged)
     Q_PROPERTY(QList<int> alignments READ alignments NOTIFY alignmentsChanged) // Qt::Alignment, for each column
@@ -71,6 +71,7 @@ signals:
 
 private:
     void restyle();
+    void resetWidths();
     void measureFrom(int firstRow);
     void fitColumns();
     void align();

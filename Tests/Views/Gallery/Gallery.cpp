@@ -1,10 +1,13 @@
 // Shows parts of answers to those who change them: gallery FOLDER draws each *.qml beside this file in both schemes, in
 // three sizes of text, in a wide and in a narrow window, into FOLDER. gallery FOLDER NAME draws one of them.
+#include "MarkdownValues.h"
+
 #include <QDir>
 #include <QFileInfo>
 #include <QGuiApplication>
 #include <QImage>
 #include <QQmlComponent>
+#include <QQmlContext>
 #include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickView>
@@ -22,6 +25,7 @@ constexpr int wide = 808; // the reading column and what is around it
 constexpr int narrow = 520;
 
 void draw(const QFileInfo& file, const QString& scheme, int textSize, int width, const QString& folder) {
+    Korvi::MarkdownValues values; // outlives what is given them
     QQuickView view;
     QQmlComponent settings(view.engine());
     settings.setData("import QtQml; import Korvi.Views; QtObject { property var theme: Theme }", {});
@@ -30,6 +34,7 @@ void draw(const QFileInfo& file, const QString& scheme, int textSize, int width,
     theme->setProperty("scheme", scheme);
     theme->setProperty("textSize", textSize);
     theme->setProperty("reducedMotion", true);
+    view.rootContext()->setContextProperty("markdown", &values);
     view.setColor(theme->property("bg").value<QColor>());
     view.setResizeMode(QQuickView::SizeRootObjectToView);
     view.setSource(QUrl::fromLocalFile(file.filePath()));

@@ -96,7 +96,8 @@ void CitationList::append(int index, const QString& url) {
     matches.push_back({index, isFirst, url});
     if (!isFirst)
         return;
-    urls.insert(url, true);
+    urls.insert(url);
+    ++changes;
     byIndex[std::size_t(index)].push_back({.index = index, .url = url, .domain = domainOf(url)});
 }
 
@@ -105,6 +106,7 @@ void CitationList::truncate(qsizetype size) {
         const Match& last = matches.back();
         if (last.isFirst) {
             urls.remove(last.url);
+            ++changes;
             byIndex[std::size_t(last.index)].pop_back();
         }
         matches.pop_back();

@@ -4,7 +4,7 @@
 #include "Pattern.h"
 #include "Stage.h"
 
-#include <QHash>
+#include <QSet>
 
 namespace Korvi::Markdown {
 
@@ -14,7 +14,8 @@ public:
     qsizetype size() const { return qsizetype(matches.size()); }
     void append(int index, const QString& url);
     void truncate(qsizetype size);
-    std::vector<CitationSource> sorted() const; // by index, one for each URL
+    std::vector<CitationSource> sorted() const;  // by index, one for each URL
+    quint64 revision() const { return changes; } // another one after each change of the sources
 
 private:
     struct Match {
@@ -23,7 +24,8 @@ private:
         QString url;
     };
     std::vector<Match> matches;
-    QHash<QString, bool> urls;
+    QSet<QString> urls;
+    quint64 changes = 0;
     std::array<std::vector<CitationSource>, 100> byIndex;
 };
 
