@@ -27,6 +27,46 @@ public:
         return made;
     }
 
+    // All that an answer may consist of: headers, paragraphs with bold words, code and formulas, lists, code, tables.
+    QString mixed(qsizetype characters) {
+        QString made;
+        const auto words = [&](unsigned count) {
+            QString line;
+            for (unsigned i = 0; i < count; ++i) {
+                const QString next = word().trimmed().section(u'\n', 0, 0);
+                const unsigned style = dice(40);
+                line += style == 0 ? u"**" + next + u"** " : style == 1 ? u'`' + next + u"` " : next + u' ';
+            }
+            return line;
+        };
+        while (made.size() < characters) {
+            switch (dice(8)) {
+            case 0: made += QString(1 + dice(3), u'#') + u' ' + words(4) + u"\n\n"; break;
+            case 1:
+                for (unsigned i = 0; i < 4; ++i)
+                    made += (i % 2 ? u"- "_qs : QString::number(i + 1) + u". ") + words(6 + dice(20)) + u'\n';
+                made += u'\n';
+                break;
+            case 2:
+                made += u"```python\n"_qs;
+                for (unsigned i = 0; i < 6 + dice(20); ++i)
+                    made += u"    value = compute(index, 42)  # шаг\n"_qs;
+                made += u"```\n\n"_qs;
+                break;
+            case 3:
+                made += u"| Имя | Время | Память |\n|---|:-:|--:|\n"_qs;
+                for (unsigned i = 0; i < 3 + dice(6); ++i)
+                    made += u"| " + words(2) + u" | O(n) | 1 |\n";
+                made += u'\n';
+                break;
+            case 4: made += words(10) + u"$O(n \\log n)$ " + words(20) + u"\n\n"; break;
+            case 5: made += u"$$\nT(n) = 2T(n/2) + O(n)\n$$\n\n"_qs; break;
+            default: made += words(30 + dice(60)) + u"\n\n";
+            }
+        }
+        return made;
+    }
+
     unsigned dice(unsigned below) { return static_cast<unsigned>(m_dice()) % below; }
 
 private:

@@ -32,11 +32,8 @@ void ReplayGuard::clear() {
     m_isInReplay = false;
 }
 
-bool ReplayGuard::ownsCreation(qint64 chatId) {
-    if (!m_isWatching)
-        return false;
-    const auto owner = std::find_if(m_recent.begin() + static_cast<std::ptrdiff_t>(m_next), m_recent.end(),
-        [chatId](const Ended& answer) { return answer.chatId == chatId; });
+bool ReplayGuard::begins(const std::function<bool(const Ended&)>& holds) {
+    const auto owner = std::find_if(m_recent.begin() + static_cast<std::ptrdiff_t>(m_next), m_recent.end(), holds);
     m_isInReplay = owner != m_recent.end();
     if (m_isInReplay)
         m_next = static_cast<std::size_t>(owner - m_recent.begin());
@@ -45,23 +42,26 @@ bool ReplayGuard::ownsCreation(qint64 chatId) {
     return m_isInReplay;
 }
 
+bool ReplayGuard::ownsCreation(qint64 chatId) {
+    return m_isWatching && begins([chatId](const Ended& answer) { return answer.chatId == chatId; });
+}
+
 bool ReplayGuard::ownsPiece(const QString& piece, AnswerFold::Kind kind) {
     if (!m_isWatching || m_isInReplay)
         return m_isWatching;
     // Text comes from its beginning; of the reasoning, only what had not been confirmed.
-    const auto owner =
-        std::find_if(m_recent.begin() + static_cast<std::ptrdiff_t>(m_next), m_recent.end(), [&](const Ended& answer) {
-            if (kind == AnswerFold::Kind::thinking)
-                return answer.thinkingTail.contains(piece);
-            const QString& head = answer.textHead;
-            return !head.isEmpty() && (head.startsWith(piece) || piece.startsWith(head));
-        });
-    m_isInReplay = owner != m_recent.end();
-    if (m_isInReplay)
-        m_next = static_cast<std::size_t>(owner - m_recent.begin());
-    else
-        m_isWatching = false;
-    return m_isInReplay;
+    return begins([&](const Ended& answer) {
+        if (kind == AnswerFold::Kind::thinking)
+            return answer.thinkingTail.contains(piece);
+        const QString& head = answer.textHead;
+        return !head.isEmpty() && (head.startsWith(piece) || piece.startsWith(head));
+    });
+}
+
+bool ReplayGuard::ownsTool(quint64 fingerprint) {
+    if (!m_isWatching || m_isInReplay)
+        return m_isWatching;
+    return begins([fingerprint](const Ended& answer) { return answer.toolHead == fingerprint; });
 }
 
 bool ReplayGuard::ownsEnd(bool isBareEndExpected) {
@@ -70,7 +70,7 @@ bool ReplayGuard::ownsEnd(bool isBareEndExpected) {
     if (!m_isInReplay) {
         // An answer without a word leaves only its end to be repeated.
         const auto owner = std::find_if(m_recent.begin() + static_cast<std::ptrdiff_t>(m_next), m_recent.end(),
-            [](const Ended& answer) { return answer.textHead.isEmpty(); });
+            [](const Ended& answer) { return answer.textHead.isEmpty() && answer.toolHead == 0; });
         if (owner == m_recent.end() || isBareEndExpected) {
             m_isWatching = false;
             return false;
