@@ -69,7 +69,6 @@ void ParagraphDocument::setAll() {
     const std::vector<Paragraph> paragraphs = m_parts->paragraphs(m_row);
     if (paragraphs.empty() && m_paragraphs.empty())
         return;
-    m_sizes.clear(); // they are of another size now
     emit aboutToChange();
     rewrite(paragraphs, 0, 0);
     emit changed();
