@@ -13,11 +13,15 @@ using namespace Qt::Literals;
 
 namespace {
 
+QString besideProgram(const QString& file) {
+    return QCoreApplication::applicationDirPath() + u'/' + file;
+}
+
 // Beside the program, unless the environment names another one: several programs of one build can so talk to
 // several services.
 QString infoPath() {
     const QString named = qEnvironmentVariable("KORVI_INFO");
-    return named.isEmpty() ? QCoreApplication::applicationDirPath() + u"/Info.json"_s : named;
+    return named.isEmpty() ? besideProgram(u"Info.json"_s) : named;
 }
 
 // A program with another Info.json is another application: neither clears the other's folder.
@@ -66,7 +70,14 @@ KorviApp::KorviApp(std::unique_ptr<PathMonitor> paths, QObject* parent)
           {CacheManager::Kind::data, [this] { return m_cache.diskCacheSize(); }, [this] { m_cache.clearAll(); }},
       })
     , m_about(m_info)
-    , m_scenes({m_auth, m_chat, m_home, m_consent, m_onboarding, m_theme, m_caches, m_about}) {
+    , m_formulas(besideProgram(u"korvi-formulas"_s), besideProgram(u"web"_s), m_scheduler)
+    , m_downloads({m_transfer, m_desktop},
+          {QStandardPaths::writableLocation(QStandardPaths::DownloadLocation),
+              QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) + u"/korvi/opened"_s})
+    , m_artifactFiles({m_chatService, m_printer, m_desktop})
+    , m_scenes(
+          {m_auth, m_chat, m_home, m_consent, m_onboarding, m_theme, m_caches, m_about, m_downloads, m_artifactFiles},
+          m_formulas) {
     connect(&m_notifications, &NotificationCenter::didReceiveUnauthorizedError, this, &KorviApp::tokenDied);
     connect(&m_notifications, &NotificationCenter::didCompleteAIResponse, this, [this] {
         m_reviews.recordMessage();
