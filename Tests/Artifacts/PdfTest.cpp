@@ -53,8 +53,8 @@ TEST(PdfTest, APageIsPrintedAsItsScriptHasMadeItAndFetchesNothing) {
     QTcpServer server;
     ASSERT_TRUE(server.listen(QHostAddress::LocalHost));
     qputenv("KORVI_PREVIEW_OPTIONS", "--keep-network");
-    const QString text = printed(u"html"_s, u"Страница"_s,
-        uR"(<!-- a comment --><!DOCTYPE html><html lang="ru"><head><title>t</title>
+    const QString text =
+        printed(u"html"_s, u"Страница"_s, uR"(<!-- a comment --><!DOCTYPE html><html lang="ru"><head><title>t</title>
 <script src="http://127.0.0.1:%1/a.js"></script></head><body><h1>Отчёт</h1><p id="p"></p>
 <img src="http://127.0.0.1:%1/a.png"><script>p.textContent = 'из скрипта ' + (document.compatMode === 'CSS1Compat')
 fetch('http://127.0.0.1:%1/fetch'); location = 'http://127.0.0.1:%1/away'; window.open('http://127.0.0.1:%1/')

@@ -212,17 +212,25 @@ TEST_F(SandboxTest, TheProcessHasNoNetworkWhereTheKernelGrantsThat) {
 }
 
 TEST_F(SandboxTest, ScriptRunsAndHearsThePointerAndTheKeyboard) {
-    Shown shown(u"html"_s, uR"(<!doctype html><body style="margin:0">
-<div id="area" style="width:400px;height:300px;background:rgb(1,2,3)" tabindex="0"></div><script>
-area.onclick = event => { area.style.background = event.clientX === 50 ? 'rgb(4,5,6)' : 'rgb(200,0,0)'; area.focus() }
-area.onkeydown = event => { if (event.key === 'ж') area.style.background = 'rgb(0,160,0)' }
-</script>)"_s);
-    ASSERT_TRUE(shown.turns(QColor(1, 2, 3)));
+    Shown shown(
+        u"html"_s,
+        uR"(<!doctype html><body style="margin:0">
+<div id="area" style="width:400px;height:300px;background:rgb(1,2,3)" tabindex = "0" > </ div><script> area.onclick =
+                                                                                     event = >
+            {
+                area.style.background = event.clientX == = 50 ? 'rgb(4,5,6)' : 'rgb(200,0,0)';
+                area.focus()
+            } area.onkeydown = event = >
+            {
+                if (event.key == = 'ж')
+                    area.style.background = 'rgb(0,160,0)'
+            }</ script>) "_s);
+        ASSERT_TRUE(shown.turns(QColor(1, 2, 3)));
     ASSERT_TRUE(waitFor([&] { return shown.preview().status() == ArtifactPreview::Ready; }));
     const QPointF place(50, 60);
     for (const auto type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
-        QMouseEvent event(type, place, place, Qt::LeftButton, type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton,
-            Qt::NoModifier);
+        QMouseEvent event(type, place, place, Qt::LeftButton,
+            type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton, Qt::NoModifier);
         QCoreApplication::sendEvent(&shown.preview(), &event);
     }
     EXPECT_TRUE(shown.turns(QColor(4, 5, 6)));
@@ -234,10 +242,15 @@ area.onkeydown = event => { if (event.key === 'ж') area.style.background = 'rgb
 }
 
 TEST_F(SandboxTest, APictureIsShownAndItsScriptIsNotRun) {
-    Shown shown(u"svg"_s, uR"(<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 100 100" width="300" height="300">
-<rect id="r" width="100" height="100" fill="rgb(0,160,0)"/>
-<script>document.getElementById('r').setAttribute('fill', 'rgb(200,0,0)')</script></svg>)"_s);
-    EXPECT_TRUE(waitFor([&] { return shown.colour({200, 150}) == green; }, 20s));
+    Shown shown(u"svg"_s,
+        uR"(<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 100 100" width="300" height="300">
+<rect id="r" width="100" height="100" fill="rgb(0,160,0)" /
+            > <script> document.getElementById('r').setAttribute('fill', 'rgb(200,0,0)') < / script > </ svg>) "_s);
+        EXPECT_TRUE(waitFor(
+            [&] {
+                return shown.colour({200, 150}) == green;
+            },
+            20s));
     settle(50);
     EXPECT_EQ(shown.colour({200, 150}), green);
 }
@@ -249,7 +262,9 @@ TEST_F(SandboxTest, AnotherTextAndAnotherSizeAreShownByTheSameProcess) {
     shown.preview().setText(u"<body style='background:rgb(0,160,0)'>"_s);
     EXPECT_TRUE(shown.turns(green));
     shown.preview().setSize({300, 500});
-    EXPECT_TRUE(waitFor([&] { return shown.preview().frame().size() == QSize(300, 500) && shown.colour({150, 480}) == green; }));
+    EXPECT_TRUE(waitFor([&] {
+        return shown.preview().frame().size() == QSize(300, 500) && shown.colour({150, 480}) == green;
+    }));
     EXPECT_EQ(shown.preview().processId(), process);
 }
 

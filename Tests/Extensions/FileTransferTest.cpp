@@ -99,7 +99,8 @@ TEST_F(FileTransferTest, LeavesWhatWasThereWhenItFails) {
 }
 
 TEST_F(FileTransferTest, AsksNoHostWithoutEncryptionAndNoOtherScheme) {
-    for (const QString& url : {u"http://example.org/a"_s, u"file:///etc/passwd"_s, u"ftp://127.0.0.1/a"_s, u"data:,x"_s, u""_s})
+    for (const QString& url :
+        {u"http://example.org/a"_s, u"file:///etc/passwd"_s, u"ftp://127.0.0.1/a"_s, u"data:,x"_s, u""_s})
         EXPECT_FALSE(outcome(QUrl(url)).isEmpty()) << qPrintable(url);
     EXPECT_EQ(content(), "old");
 }

@@ -110,7 +110,8 @@ TEST_F(FilesTest, AFileIsFetchedOnceAndOpened) {
 }
 
 TEST_F(FilesTest, NothingThatMayStartAProgramIsOpened) {
-    for (const QString& name : {u"run.sh"_s, u"Game.AppImage"_s, u"link.DESKTOP"_s, u"setup.exe"_s, u"a.pdf.desktop"_s}) {
+    for (const QString& name :
+        {u"run.sh"_s, u"Game.AppImage"_s, u"link.DESKTOP"_s, u"setup.exe"_s, u"a.pdf.desktop"_s}) {
         EXPECT_FALSE(files.isOpenable(name));
         files.of(u"https://h/"_s + name, name)->open();
         transfer.finish("x");
