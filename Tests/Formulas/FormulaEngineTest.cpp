@@ -123,7 +123,7 @@ TEST_F(FormulaEngineTest, ADrawingStandsOnItsBaselineInItsSizeAndColour) {
     const QImage tiny = painted(engine, *fraction, 6, Qt::black);
     int darkest = 255;
     for (int y = 90; y < 100; ++y)
-        darkest = std::min(darkest, tiny.pixelColor(25, y).lightness());
+        darkest = std::min(darkest, tiny.pixelColor(22, y).lightness());
     EXPECT_LT(darkest, 60);
 }
 

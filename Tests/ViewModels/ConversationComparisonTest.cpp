@@ -101,6 +101,21 @@ TEST_F(ConversationComparison, AQuestionThatWasLostReturnsEvenWhenAnothersAnswer
     EXPECT_THAT(shown(), ElementsAre(u"user: b"_s, u"ai: Раз"_s));
 }
 
+TEST_F(ConversationComparison, AnAnswerThatBeginsLikeTheLastIsAskedForAtItsEnd) {
+    const QString same = u"Одинаковое начало двух ответов"_s;
+    ask(u"a"_s);
+    chunk(same);
+    end();
+    reconnect();
+    ask(u"b"_s);
+    chunk(same); // taken for a repeat, and so is its end
+    end();
+    EXPECT_TRUE(chat->isGenerating());
+    stored({u"a"_s, same, u"b"_s, same}); // at once: the ends of the next would be taken for its own
+    EXPECT_FALSE(chat->isGenerating());
+    EXPECT_THAT(shown(), ElementsAre(u"user: a"_s, u"ai: "_s + same, u"user: b"_s, u"ai: "_s + same));
+}
+
 TEST_F(ConversationComparison, TheSameWordsAreCountedAsOftenAsTheyWereAsked) {
     ask(u"да"_s);
     chunk(u"Раз"_s);

@@ -242,7 +242,7 @@ constexpr unsigned groups = 8; // side by side
 unsigned runs() {
     bool isNumber = false;
     const unsigned asked = qEnvironmentVariable("KORVI_INTERLEAVINGS").toUInt(&isNumber);
-    return isNumber ? asked : 96;
+    return isNumber ? asked : 128;
 }
 
 class Interleavings : public testing::TestWithParam<unsigned> {};

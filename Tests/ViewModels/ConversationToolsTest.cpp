@@ -166,6 +166,33 @@ TEST_F(ConversationToolsTest, ARepeatAfterALostLineDoublesNothing) {
     EXPECT_EQ(blocks(), u"\"\" search-1 \"Вот: да\" artifact-один один два"_s);
 }
 
+TEST_F(ConversationToolsTest, ARepeatOfWhatHasEndedIsNotTheNextAnswers) {
+    load({chatJson(1)});
+    chat->selectChat(1);
+    http.open(u"/chats/1/messages"_s).answer(listJson({}));
+    const auto play = [&] {
+        toolStart(u"searchWeb"_s);
+        toolArgs(u"searchWeb"_s, {{"query", "коты"}});
+        toolEnd(u"searchWeb"_s, {{"results", QJsonArray{QJsonObject{{"title", "t"}, {"url", "u"}}}}});
+        chunk(u"Про котов."_s);
+        end();
+    };
+    ask(u"коты"_s);
+    play();
+    service.breakOff();
+    ask(u"собаки"_s);
+    virtualTime.advance(40s);
+    service.accept();
+    play(); // its end had not been confirmed
+    EXPECT_TRUE(chat->isGenerating());
+    EXPECT_EQ(blocks(), u"\"\""_s);
+    toolStart(u"dalle"_s);
+    toolEnd(u"dalle"_s, {{"imageUrl", "https://i/1"}});
+    end();
+    EXPECT_EQ(blocks(), u"\"\n\n![image](https://i/1)\""_s);
+    EXPECT_EQ(told(chat->messages()->messages()[1]), u"\"\" search-1 \"Про котов.\""_s);
+}
+
 TEST_F(ConversationToolsTest, ALongArtifactGrowsInStepsAndIsSeenGrowing) {
     begin(7);
     toolStart(u"artifact"_s);
@@ -280,6 +307,9 @@ TEST_F(ConversationToolsTest, StoppedOrEndedAmidAnUploadNothingIsLost) {
 }
 
 TEST_F(ConversationToolsTest, APastedImageIsUploadedBeforeItIsSent) {
+    chat->setEditImage(makeFile(u"secret.png"_s).toString(), u"поправь"_s); // as an answer might name it
+    chat->setEditImage(QUrl::fromLocalFile(files->intakePath() + u"/../secret.png"_s).toString(), u"поправь"_s);
+    EXPECT_FALSE(chat->hasAttachments());
     files->clipboard.picture = QImage(2, 2, QImage::Format_RGB32);
     files->clipboard.text = true;
     EXPECT_FALSE(chat->attachments()->pasteImage());
@@ -322,6 +352,8 @@ TEST_F(ConversationToolsTest, TheRecordLivesAsLongAsTheAnswer) {
     const auto record = [&] { return GenerationStateManager(defaults, virtualTime, virtualTime).getPending(); };
     QSignalSpy ready(chat, &ChatViewModel::answerReady);
     QSignalSpy ended(chat, &ChatViewModel::generationEnded);
+    // Whoever tells of the answer still knows that it was tracked.
+    QObject::connect(chat, &ChatViewModel::answerReady, [&] { EXPECT_EQ(ended.count(), 0); });
     ask(u"нарисуй кота"_s);
     EXPECT_EQ(record()->chatId, -1);
     EXPECT_EQ(record()->type, u"image"_s);

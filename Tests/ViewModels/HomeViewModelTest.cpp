@@ -202,6 +202,26 @@ TEST_F(HomeTest, ComingToTheFrontRefreshesTheUserButNotRightAfterTheStart) {
     EXPECT_EQ(defaults.string(u"review_lastPromptVersion"_s), u"2.5"_s);
 }
 
+TEST_F(HomeTest, ComingBackOrWakingUpAsksWhatBecameOfTheAnswer) {
+    const Info info(QJsonObject{{"CFBundleShortVersionString", "2.5"}});
+    ReviewManager reviews(defaults, info, virtualTime, virtualTime);
+    SleepMonitor sleep;
+    SceneActivation activation(auth, chat, reviews, sleep, virtualTime);
+    auth.start();
+    sockets.accept();
+    chat.setCurrentInput(u"вопрос"_s);
+    chat.sendMessage();
+    activation.becameActive();
+    EXPECT_FALSE(chat.isRecovering()) << "it had not been away";
+    activation.becameInactive();
+    activation.becameActive();
+    EXPECT_TRUE(chat.isRecovering());
+    virtualTime.advance(3s);
+    EXPECT_FALSE(chat.isRecovering());
+    emit sleep.awoke();
+    EXPECT_TRUE(chat.isRecovering());
+}
+
 TEST(ChatBootstrap, LoadsOnceAndAgainOnlyWhenForced) {
     using State = ChatBootstrap::State;
     bool isAuthenticated = false;

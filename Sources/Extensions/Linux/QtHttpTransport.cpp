@@ -71,7 +71,10 @@ Async<HttpResponse> QtHttpTransport::send(HttpRequest request) {
         : m_manager.sendCustomRequest(outgoing, request.method, request.body);
     if (request.onUploadProgress)
         QObject::connect(reply, &QNetworkReply::uploadProgress, reply,
-            [report = request.onUploadProgress](qint64 sent, qint64 total) { report(sent, total); });
+            [report = request.onUploadProgress](qint64 sent, qint64 total) {
+                if (total > 0) // Qt ends with a report of nothing
+                    report(sent, total);
+            });
 
     auto* limit = new QTimer(reply);
     limit->setSingleShot(true);

@@ -30,9 +30,24 @@ qint64 MultipartBody::size() const {
     return m_head.size() + m_content->size() + m_tail.size();
 }
 
+// As much as there is room for: whoever reads takes less for the end.
 qint64 MultipartBody::readData(char* data, qint64 maxSize) {
+    const qint64 start = pos();
+    qint64 done = 0;
+    while (done < maxSize) {
+        const qint64 count = readPart(data + done, maxSize - done, start + done);
+        if (count < 0)
+            return -1;
+        if (count == 0)
+            break;
+        done += count;
+    }
+    return done;
+}
+
+// From one of the three; 0 at the end of the last, -1 when the file has become shorter.
+qint64 MultipartBody::readPart(char* data, qint64 maxSize, qint64 at) {
     const qint64 contentEnd = m_head.size() + m_content->size();
-    const qint64 at = pos();
     const auto copy = [&](const QByteArray& bytes, qint64 from) {
         const qint64 count = std::min<qint64>(maxSize, bytes.size() - from);
         std::copy_n(bytes.constData() + from, count, data);
@@ -40,13 +55,12 @@ qint64 MultipartBody::readData(char* data, qint64 maxSize) {
     };
     if (at < m_head.size())
         return copy(m_head, at);
-    if (at < contentEnd) {
-        if (m_content->pos() != at - m_head.size() && !m_content->seek(at - m_head.size()))
-            return -1;
-        const qint64 count = m_content->read(data, std::min(maxSize, contentEnd - at));
-        return count > 0 ? count : -1; // a file that has become shorter
-    }
-    return at < size() ? copy(m_tail, at - contentEnd) : -1;
+    if (at >= contentEnd)
+        return copy(m_tail, at - contentEnd);
+    if (m_content->pos() != at - m_head.size() && !m_content->seek(at - m_head.size()))
+        return -1;
+    const qint64 count = m_content->read(data, std::min(maxSize, contentEnd - at));
+    return count > 0 ? count : -1;
 }
 
 }

@@ -23,6 +23,8 @@ protected:
     qint64 writeData(const char*, qint64) override { return -1; }
 
 private:
+    qint64 readPart(char* data, qint64 maxSize, qint64 at);
+
     std::unique_ptr<QIODevice> m_content;
     QByteArray m_head;
     QByteArray m_tail;

@@ -98,10 +98,14 @@ Task<std::optional<QUrl>> AttachmentIntake::takeImage(QImage image) {
     co_return std::move(url);
 }
 
-void AttachmentIntake::discard(const QUrl& localURL) {
+bool AttachmentIntake::owns(const QUrl& localURL) const {
     const QString path = localURL.toLocalFile();
-    if (!path.isEmpty() && QFileInfo(path).absolutePath() == QFileInfo(m_folder).absoluteFilePath())
-        QFile::remove(path);
+    return !path.isEmpty() && QFileInfo(QDir::cleanPath(path)).absolutePath() == QFileInfo(m_folder).absoluteFilePath();
+}
+
+void AttachmentIntake::discard(const QUrl& localURL) {
+    if (owns(localURL))
+        QFile::remove(localURL.toLocalFile());
 }
 
 }

@@ -33,6 +33,8 @@ public:
     Task<std::optional<Taken>> takeImageData(QByteArray data, QString type);
     // A pasted one. Its file; absent when it cannot be written.
     Task<std::optional<QUrl>> takeImage(QImage image);
+    // Whether it is a file in the folder.
+    bool owns(const QUrl& localURL) const;
     // Removes a copy that is not needed any more. Other files stay.
     void discard(const QUrl& localURL);
 

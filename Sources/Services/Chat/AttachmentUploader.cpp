@@ -1,6 +1,7 @@
 #include "Chat/AttachmentUploader.h"
 
 #include "Backend/APIClient.h"
+#include "Backend/ErrorText.h"
 #include "Backend/MultipartBody.h"
 #include "Clock.h"
 #include "SupportedFileTypes.h"
@@ -38,16 +39,12 @@ QString urlIn(const QByteArray& answer) {
 }
 
 // Why it failed, in the service's own words if it said so.
-QString describe(const std::exception& error) {
-    if (const auto* api = dynamic_cast<const APIError*>(&error)) {
-        const auto* refusal = api->asServerError();
-        const QString body = refusal ? refusal->body.value_or(QString()) : QString();
-        const QString said = extractMessage(body);
-        return said.isEmpty() || said == body.left(120) ? api->errorDescription() : said;
-    }
-    if (const auto* url = dynamic_cast<const URLError*>(&error))
-        return url->description;
-    return QString::fromUtf8(error.what());
+QString reasonOf(const std::exception& error) {
+    const auto* api = dynamic_cast<const APIError*>(&error);
+    const auto* refusal = api ? api->asServerError() : nullptr;
+    const QString body = refusal ? refusal->body.value_or(QString()) : QString();
+    const QString said = extractMessage(body);
+    return said.isEmpty() || said == body.left(120) ? errorText(error) : said;
 }
 
 bool isImageName(const QString& filename) {
@@ -137,7 +134,7 @@ Task<AttachmentUploader::Uploaded> AttachmentUploader::uploadAttachments(
             throw;
         } catch (const std::exception& error) {
             // Names of files may be personal: only their kind is logged.
-            attachment.uploadError = describe(error);
+            attachment.uploadError = reasonOf(error);
             qCWarning(lcUploads).noquote() << "❌ [ChatViewModel] Failed to upload a file of type"
                                            << mimeType.value_or(u"?"_s) << *attachment.uploadError;
         }

@@ -1,7 +1,8 @@
 #include "Chat/GenerationStateManager.h"
 
-#include "Backend/APIError.h"
+#include "Backend/ErrorText.h"
 #include "Chat/ChatService.h"
+#include "Chat/StoredDate.h"
 #include "Clock.h"
 #include "Defaults.h"
 #include "JsonReader.h"
@@ -20,34 +21,19 @@ using Outcome = RecoveryResult::Outcome;
 
 const auto recordKey = QString::fromLatin1(GenerationStateManager::userDefaultsKey);
 
-// Dates are stored as seconds since the beginning of 2001.
-QDateTime referenceDate() {
-    return QDateTime(QDate(2001, 1, 1), QTime(0, 0), Qt::UTC);
-}
-
 PendingGeneration fromJson(const JsonReader& json) {
     return {.chatId = json.integer("chatId"_L1),
-        .startedAt = referenceDate().addMSecs(qRound64(json.number("startedAt"_L1) * 1000)),
+        .startedAt = StoredDate::fromSeconds(json.number("startedAt"_L1)),
         .lastMessageCount = json.integer("lastMessageCount"_L1),
         .type = json.string("type"_L1),
         .chatName = json.optionalString("chatName"_L1)};
-}
-
-// What a reader is told of an error.
-QString describe(const std::exception& error) {
-    if (const auto* api = dynamic_cast<const APIError*>(&error))
-        return api->errorDescription();
-    if (const auto* url = dynamic_cast<const URLError*>(&error))
-        return url->description;
-    return QString::fromUtf8(error.what());
 }
 
 }
 
 void GenerationStateManager::markStarted(
     qint64 chatId, qint64 messageCount, const QString& type, const std::optional<QString>& chatName) {
-    QJsonObject record{{"chatId"_L1, chatId},
-        {"startedAt"_L1, static_cast<double>(referenceDate().msecsTo(m_clock.now())) / 1000},
+    QJsonObject record{{"chatId"_L1, chatId}, {"startedAt"_L1, StoredDate::toSeconds(m_clock.now())},
         {"lastMessageCount"_L1, messageCount}, {"type"_L1, type}};
     insertIfPresent(record, "chatName"_L1, chatName);
     m_defaults.setData(recordKey, QJsonDocument(record).toJson(QJsonDocument::Compact));
@@ -119,7 +105,7 @@ Task<RecoveryResult> GenerationStateManager::recoverIfNeeded(ChatService& chatSe
     } catch (const TaskCancelled&) {
         throw;
     } catch (const std::exception& error) {
-        const QString reason = describe(error);
+        const QString reason = errorText(error);
         qCWarning(lcGenerationState).noquote() << "❌ [GenerationState] REST fallback failed:" << reason;
         co_return RecoveryResult{.outcome = Outcome::failed, .reason = reason};
     }

@@ -1,5 +1,6 @@
 #include "Shell/TaskNotificationManager.h"
 
+#include "Chat/StoredDate.h"
 #include "Clock.h"
 #include "Defaults.h"
 #include "JsonReader.h"
@@ -29,11 +30,6 @@ QString notificationId(qint64 chatId) {
     return u"answer-"_s + QString::number(chatId);
 }
 
-// Dates are stored as seconds since the beginning of 2001.
-QDateTime referenceDate() {
-    return QDateTime(QDate(2001, 1, 1), QTime(0, 0), Qt::UTC);
-}
-
 }
 
 TaskNotificationManager::TaskNotificationManager(
@@ -49,7 +45,7 @@ TaskNotificationManager::~TaskNotificationManager() = default;
 
 void TaskNotificationManager::trackGeneration(qint64 chatId, const QString& type, const QString& chatName) {
     const QJsonObject record{{"chatId"_L1, chatId}, {"type"_L1, type}, {"chatName"_L1, chatName},
-        {"startedAt"_L1, static_cast<double>(referenceDate().msecsTo(m_clock.now())) / 1000}};
+        {"startedAt"_L1, StoredDate::toSeconds(m_clock.now())}};
     m_defaults.setData(taskKey, QJsonDocument(record).toJson(QJsonDocument::Compact));
     qCInfo(lcTaskNotification).noquote().nospace()
         << "🔔 [TaskNotification] Tracking generation: chatId=" << chatId << ", type=" << type;
@@ -73,7 +69,7 @@ std::optional<PendingTask> TaskNotificationManager::pendingTask() const {
         return PendingTask{.chatId = json.integer("chatId"_L1),
             .type = json.string("type"_L1),
             .chatName = json.string("chatName"_L1),
-            .startedAt = referenceDate().addMSecs(qRound64(json.number("startedAt"_L1) * 1000))};
+            .startedAt = StoredDate::fromSeconds(json.number("startedAt"_L1))};
     } catch (const DecodingError&) {
         return std::nullopt;
     }

@@ -380,9 +380,9 @@ void AnswerStream::answered(Generation& generation, const std::vector<ChatMessag
         generation.thinkingTail = MessageComposition::joinedThinking(*answer).right(ReplayGuard::tailLength);
     }
     generation.isUnheardEnd = true;
-    const Ending ending = finish(&generation);
     if (isRunning)
-        emit answerReady(ending.chatId, ending.askedAt);
+        emit answerReady(generation.chatId, generation.askedAt);
+    finish(&generation);
 }
 
 void AnswerStream::ended(Generation& generation) {
@@ -464,7 +464,9 @@ std::optional<AnswerStream::Ending> AnswerStream::end() {
         // Two answers may begin alike: then it was the one that is waited for, and its chat has it.
         if (generation) {
             generation->sawReconnect = true;
+            m_mayBeShifted = true;
             m_silence.listen();
+            m_silence.ask();
         }
         return std::nullopt;
     }
@@ -480,10 +482,9 @@ std::optional<AnswerStream::Ending> AnswerStream::end() {
             return wasAtWork || isCleaned;
         });
     }
-    const Ending ending = finish(generation);
-    if (isRunning)
-        emit answerReady(ending.chatId, ending.askedAt);
-    return ending;
+    if (isRunning) // before its end, with which what is remembered of it goes
+        emit answerReady(generation->chatId, generation->askedAt);
+    return finish(generation);
 }
 
 std::optional<AnswerStream::Ending> AnswerStream::fail(std::optional<qint64> chatId) {
@@ -515,14 +516,12 @@ std::optional<AnswerStream::Ending> AnswerStream::fail(std::optional<qint64> cha
 
 AnswerStream::Ending AnswerStream::finish(Generation* generation) {
     qCInfo(lcStream) << "🏁 [ChatViewModel] Answer" << generation->serial << "of chat" << generation->chatId << "ended";
-    const Ending ending{.chatId = generation->chatId,
-        .wasOpen = generation->isOpen,
-        .createdChat = generation->createsChat(),
-        .askedAt = generation->askedAt};
+    const Ending ending{
+        .chatId = generation->chatId, .wasOpen = generation->isOpen, .createdChat = generation->createsChat()};
     const std::vector<ChatMessage>& messages = messagesOf(*generation);
     // Its frames may have been repeated or incomplete, or another's; what was read from the service is as it is stored.
     const bool isAdopted = generation->isUnheardEnd && generation->state == Generation::State::running;
-    const bool isInDoubt = (generation->sawReconnect || generation->lacksHistory) && !isAdopted;
+    const bool isInDoubt = (generation->sawReconnect || generation->lacksHistory || m_mayBeShifted) && !isAdopted;
     if (ending.chatId > 0 && ending.createdChat)
         m_answeredNewChats.insert(ending.chatId);
     if (ending.chatId > 0 && !generation->isForgotten) {
@@ -565,6 +564,7 @@ void AnswerStream::saveJournal() {
 }
 
 void AnswerStream::settled() {
+    m_mayBeShifted = m_mayBeShifted && m_generations.current();
     submitNext();
     const Generation* open = m_generations.open();
     m_isGenerating = open && open->state == Generation::State::running;

@@ -46,7 +46,6 @@ public:
         qint64 chatId = -1;
         bool wasOpen = false;
         bool createdChat = false;
-        QDateTime askedAt = {}; // UTC; invalid when that was before the last start
     };
 
     AnswerStream(Dependencies dependencies, MessageListModel& shown, QObject* parent = nullptr);
@@ -160,6 +159,7 @@ private:
     std::optional<StreamedArtifact> m_lastStreamedArtifact;
     QSet<qint64> m_answeredNewChats; // whose creation may be told again
     bool m_isGenerating = false;
+    bool m_mayBeShifted = false;       // an end may have been another's, and so may all that came since
     std::optional<QDateTime> m_lostAt; // when the line was lost
     Timer m_flushTimer;                // active while pieces keep coming
     Timer m_guardTimer;

@@ -23,6 +23,7 @@ Generation* AnswerStream::addressee() {
     while (generation && generation->isOverdue && hasFollower(generation)) {
         finish(generation);
         generation = m_generations.current();
+        m_mayBeShifted = true; // should it have been of the one before after all
     }
     // A new chat is told of before its answer begins.
     return generation && generation->chatId >= 0 ? generation : nullptr;

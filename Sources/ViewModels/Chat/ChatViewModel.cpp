@@ -245,6 +245,10 @@ bool ChatViewModel::hasAttachments() const {
 }
 
 void ChatViewModel::setEditImage(const QString& url, const QString& prompt) {
+    if (const QUrl image(url); image.isLocalFile() && !attachments()->isPasted(image)) {
+        qCWarning(lcChat) << "❌ [ChatViewModel] A local file is not an image to be edited";
+        return;
+    }
     setPendingEditImage(url);
     setCurrentInput(prompt);
     emit inputFocusRequested();

@@ -61,6 +61,9 @@ public:
     // Takes the image of the clipboard, if there is one and no text beside it. False when the text field is to paste.
     Q_INVOKABLE bool pasteImage();
 
+    // Whether the image was pasted here. No other local file may be uploaded as an image to be edited: the address may
+    // have come with an answer.
+    bool isPasted(const QUrl& image) const { return m_dependencies.intake.owns(image); }
     // The attachments that go with the message that is sent now.
     std::vector<ChatFileAttachment> takePending();
     // What was taken for a message that does not go: it waits again.

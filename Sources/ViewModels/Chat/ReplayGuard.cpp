@@ -1,6 +1,7 @@
 #include "Chat/ReplayGuard.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace Korvi {
 
@@ -14,6 +15,19 @@ void ReplayGuard::connected(const QDateTime& now) {
     m_isWatching = !m_recent.empty();
     m_isInReplay = false;
     m_next = 0;
+    m_mayBeRepeated = m_recent.size();
+}
+
+// Answers are repeated in their order and before anything else. What is not repeated to a connection is never
+// repeated again, and an answer that begins like it must not be taken for it. One without a word could not be told.
+void ReplayGuard::noneIsRepeated() {
+    m_isWatching = false;
+    const auto end = m_recent.begin() + static_cast<std::ptrdiff_t>(std::exchange(m_mayBeRepeated, 0));
+    const bool areKnown = std::all_of(m_recent.begin(), end,
+        [](const Ended& answer) { return !answer.textHead.isEmpty() || !answer.thinkingTail.isEmpty(); });
+    if (!areKnown || m_next > 0)
+        return;
+    m_recent.erase(m_recent.begin(), end);
 }
 
 void ReplayGuard::watch() {
@@ -28,6 +42,7 @@ void ReplayGuard::swallowOne() {
 
 void ReplayGuard::clear() {
     m_recent.clear();
+    m_mayBeRepeated = 0;
     m_isWatching = false;
     m_isInReplay = false;
 }
@@ -38,7 +53,7 @@ bool ReplayGuard::begins(const std::function<bool(const Ended&)>& holds) {
     if (m_isInReplay)
         m_next = static_cast<std::size_t>(owner - m_recent.begin());
     else
-        m_isWatching = false;
+        noneIsRepeated();
     return m_isInReplay;
 }
 
@@ -78,6 +93,7 @@ bool ReplayGuard::ownsEnd(bool isBareEndExpected) {
         m_next = static_cast<std::size_t>(owner - m_recent.begin());
     }
     m_isInReplay = false;
+    m_mayBeRepeated = 0;
     ++m_next;
     m_isWatching = m_next < m_recent.size();
     return true;

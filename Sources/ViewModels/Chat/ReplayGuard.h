@@ -51,11 +51,13 @@ public:
 private:
     // Whether a replay begins, of the first of the answers left for which that holds.
     bool begins(const std::function<bool(const Ended&)>& holds);
+    void noneIsRepeated();
 
     std::deque<Ended> m_recent; // in the order of their ends
     bool m_isWatching = false;  // a replay may come
     bool m_isInReplay = false;  // of m_recent[m_next]
     std::size_t m_next = 0;
+    std::size_t m_mayBeRepeated = 0; // of m_recent, until the first frame on a connection tells
 };
 
 }

@@ -129,13 +129,17 @@ void SilenceWatch::waitOn() {
         if (!m_generations.current())
             return;
         if (!m_heardLately && m_dependencies.chatService.isConnected())
-            m_scope.start([this] { return askWhetherComplete(); });
+            m_scope.start([this] { return askWhetherComplete(false); });
         m_patienceTimer.cancel();
         waitOn();
     });
 }
 
-Task<void> SilenceWatch::askWhetherComplete() {
+void SilenceWatch::ask() {
+    m_scope.start([this] { return askWhetherComplete(true); });
+}
+
+Task<void> SilenceWatch::askWhetherComplete(bool evenIfHeard) {
     const Generation* asked = m_generations.current();
     if (!asked || asked->chatId < 0 || asked->isForgotten)
         co_return;
@@ -143,7 +147,9 @@ Task<void> SilenceWatch::askWhetherComplete() {
     const qint64 chatId = asked->chatId;
     const std::optional<std::vector<ChatMessage>> stored = co_await storedMessages(chatId);
     Generation* generation = m_generations.current();
-    if (!stored || !generation || generation->serial != serial || m_heardLately || !isComplete(*generation, *stored))
+    if (!stored || !generation || generation->serial != serial)
+        co_return;
+    if ((m_heardLately && !evenIfHeard) || !isComplete(*generation, *stored))
         co_return;
     m_listener.answered(*generation, *stored);
 }

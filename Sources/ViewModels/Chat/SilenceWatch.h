@@ -49,6 +49,8 @@ public:
     void heardOf(const Generation& generation);
     // Nothing may come any more of the answer that is waited for.
     void listen();
+    // Perhaps the answer that is waited for has just ended.
+    void ask();
     bool isListening() const { return m_silenceTimer.isActive(); }
     // An error came before anything else did: was the question refused, and is it stored nowhere?
     void askAboutRefusal(quint64 serial);
@@ -61,7 +63,7 @@ private:
     void giveUp();
     void askLater(std::chrono::seconds delay, bool mayResend);
     Task<void> askAboutSilence(bool mayResend);
-    Task<void> askWhetherComplete();
+    Task<void> askWhetherComplete(bool evenIfHeard);
     Task<void> settleRefusal(quint64 serial);
     // Absent when the service cannot be asked.
     Task<std::optional<std::vector<ChatMessage>>> storedMessages(qint64 chatId);

@@ -58,7 +58,7 @@ void stream(const QString& text, Chance& chance, qsizetype longestPiece) {
 }
 
 TEST(StreamingDocument, EqualsTheWholeTextWhateverItsPieces) {
-    for (unsigned seed = 0; seed < 1500; ++seed) {
+    for (unsigned seed = 0; seed < 400; ++seed) {
         Chance chance(seed);
         const QString text = chance.answer(40);
         ASSERT_NO_FATAL_FAILURE(stream(text, chance, seed % 3 == 0 ? 1 : 20)) << "seed " << seed;
@@ -130,7 +130,7 @@ TEST(StreamingDocument, TellsWhatAGrowingEndKeeps) {
     document.append(u"y\n```\nшесть");
     EXPECT_EQ(document.lastChange(), (Change{.firstChangedSegment = 1, .added = 1, .continues = true, .kept = 6}));
     document.append(u"\n\n|a|\n|-|\n|1|\n|2");
-    EXPECT_EQ(document.lastChange(), (Change{.firstChangedSegment = 2, .added = 1, .continues = true, .kept = 1}));
+    EXPECT_EQ(document.lastChange(), (Change{.firstChangedSegment = 3, .added = 1}));
     document.append(u"3|\n|4|");
     EXPECT_EQ(document.lastChange(), (Change{.firstChangedSegment = 3, .continues = true, .kept = 1}));
     document.append(u"\n");

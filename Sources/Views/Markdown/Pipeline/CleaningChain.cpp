@@ -4,24 +4,14 @@
 
 namespace Korvi::Markdown {
 
-using namespace Qt::Literals;
-
 void CleaningChain::appendScalars(QStringView piece) {
-    QString whole;
-    if (!undecided.isEmpty()) {
-        whole = std::exchange(undecided, {}).append(piece);
-        piece = whole;
+    QString lines = std::exchange(half, {});
+    returns.read(piece, 0, piece.size(), lines);
+    if (!lines.isEmpty() && lines.back().isHighSurrogate()) {
+        half = lines.last(1);
+        lines.chop(1);
     }
-    if (!piece.isEmpty() && (piece.back().isHighSurrogate() || piece.back() == u'\r')) {
-        undecided = piece.last(1).toString();
-        piece.chop(1);
-    }
-    if (!piece.contains(QStringView(u"\r\n"))) {
-        appendWithoutEmojis(piece, withoutEmojis, oddSpace);
-        return;
-    }
-    const QString unixLines = piece.toString().replace("\r\n"_L1, "\n"_L1);
-    appendWithoutEmojis(unixLines, withoutEmojis, oddSpace);
+    appendWithoutEmojis(lines, withoutEmojis, oddSpace);
 }
 
 qsizetype CleaningChain::append(QStringView piece) {
@@ -32,7 +22,8 @@ qsizetype CleaningChain::append(QStringView piece) {
     kept = withoutGaps.update(withoutCitations.output(), kept);
     kept = withoutFileLinks.update(withoutGaps.output(), kept);
     kept = trimmed.update(withoutFileLinks.output(), kept);
-    return withoutStatus.update(trimmed.output(), kept);
+    kept = withoutStatus.update(trimmed.output(), kept);
+    return unixLines.update(withoutStatus.output(), kept);
 }
 
 }

@@ -15,16 +15,16 @@ public:
     // How many units of text() are as they were.
     qsizetype append(QStringView piece);
 
-    const QString& text() const { return withoutStatus.output(); }
+    const QString& text() const { return unixLines.output(); }
     const CitationList& citations() const { return found; }
 
 private:
     void appendScalars(QStringView piece);
 
-    // The first cleaner never takes anything back: it keeps what it cannot decide yet, which is a half of a pair, or of
-    // a line's end.
+    // The first two never take anything back.
+    ReturnDropper returns;
+    QString half; // of a surrogate pair: the other half has not come yet
     QString withoutEmojis;
-    QString undecided;
     bool oddSpace = false;
 
     CitationList found;
@@ -34,6 +34,7 @@ private:
     Stage<FileLinkRemover> withoutFileLinks{FileLinkRemover()};
     Stage<Trimmer> trimmed{Trimmer()}; // once for the two cleaners that trim: what they take out is never at an end
     Stage<StatusDropper> withoutStatus{StatusDropper()};
+    Stage<ReturnDropper> unixLines{ReturnDropper()}; // what was taken out may have stood in front of a new line
 };
 
 }

@@ -145,6 +145,25 @@ Written CitationRemover::read(QStringView input, qsizetype from, qsizetype to, Q
 FileLinkRemover::FileLinkRemover()
     : MatchRemover(fileLinkPattern()) {}
 
+Written ReturnDropper::read(QStringView input, qsizetype from, qsizetype to, QString& output) {
+    const Written written{output.size(), from};
+    while (from < to) {
+        if (input[from] == u'\r') {
+            ++waiting;
+            ++from;
+            continue;
+        }
+        if (input[from] != u'\n')
+            output.resize(output.size() + waiting, u'\r');
+        waiting = 0;
+        const qsizetype next = input.first(to).indexOf(u'\r', from);
+        const qsizetype end = next < 0 ? to : next;
+        output.append(input.sliced(from, end - from));
+        from = end;
+    }
+    return written;
+}
+
 Written GapCloser::read(QStringView input, qsizetype from, qsizetype to, QString& output) {
     const Written written{output.size(), from};
     qsizetype copied = from;

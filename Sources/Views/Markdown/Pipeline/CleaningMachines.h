@@ -88,6 +88,16 @@ public:
     FileLinkRemover();
 };
 
+// No carriage returns in front of a new line. Those at the end wait for what follows them.
+class ReturnDropper {
+public:
+    void wentBack() {}
+    Written read(QStringView input, qsizetype from, qsizetype to, QString& output);
+
+private:
+    qsizetype waiting = 0; // how many
+};
+
 // At most two new lines in a row.
 class GapCloser {
 public:

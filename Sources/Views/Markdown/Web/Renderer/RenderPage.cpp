@@ -18,7 +18,6 @@ constexpr char16_t broken[] = u"korvi: broken";
 
 RenderPage::RenderPage(QWebEngineProfile* profile, const QUrl& page, const QString& script, QObject* parent)
     : QWebEnginePage(profile, parent)
-    , m_page(page)
     , m_script(script) {
     connect(this, &QWebEnginePage::loadFinished, this, &RenderPage::loaded);
     connect(this, &QWebEnginePage::renderProcessTerminated, this, &RenderPage::fail);
@@ -27,6 +26,13 @@ RenderPage::RenderPage(QWebEngineProfile* profile, const QUrl& page, const QStri
     connect(this, &QWebEnginePage::certificateError, this,
         [](QWebEngineCertificateError error) { error.rejectCertificate(); });
     setVisible(true); // a hidden page's timers run once a second
+    open(page);
+}
+
+void RenderPage::open(const QUrl& page) {
+    fail();
+    m_page = page;
+    m_state = State::loading;
     load(page);
 }
 

@@ -22,6 +22,11 @@ public:
 
     void run(const QJsonObject& request, Answer answer);
 
+    // Goes on as that page, in the same renderer process. What was asked before is answered with nothing.
+    void open(const QUrl& page);
+
+    bool isBroken() const { return m_state == State::failed; }
+
 protected:
     bool acceptNavigationRequest(const QUrl& url, NavigationType type, bool isMainFrame) override;
     QWebEnginePage* createWindow(WebWindowType type) override;

@@ -65,7 +65,7 @@ void Renderer::run(const QJsonObject& request, RenderPage::Answer answer) {
 }
 
 RenderPage& Renderer::pageOfFormulas() {
-    if (!m_formulas) {
+    if (!m_formulas || m_formulas->isBroken()) {
         const QUrl url = m_bundle.addPage(u"formulas.html"_s, LaTeXWebView::generateLaTeXHTML({}, true));
         m_formulas = std::make_unique<RenderPage>(&m_profile, url, script(u"formulas.js"_s));
     }
@@ -73,12 +73,15 @@ RenderPage& Renderer::pageOfFormulas() {
 }
 
 RenderPage& Renderer::pageOfDiagrams(bool isDark) {
-    if (!m_diagrams || m_isDark != isDark) {
-        m_diagrams.reset();
-        m_isDark = isDark;
-        const QUrl url = m_bundle.addPage(u"diagrams.html"_s, MermaidWebView::generateMermaidHTML({}, isDark));
-        m_diagrams = std::make_unique<RenderPage>(&m_profile, url, script(u"diagrams.js"_s));
-    }
+    const auto page = [&] {
+        return m_bundle.addPage(
+            isDark ? u"dark.html"_s : u"light.html"_s, MermaidWebView::generateMermaidHTML({}, isDark));
+    };
+    if (!m_diagrams || m_diagrams->isBroken())
+        m_diagrams = std::make_unique<RenderPage>(&m_profile, page(), script(u"diagrams.js"_s));
+    else if (m_isDark != isDark)
+        m_diagrams->open(page());
+    m_isDark = isDark;
     return *m_diagrams;
 }
 

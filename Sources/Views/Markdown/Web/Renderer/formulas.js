@@ -253,12 +253,9 @@
             const own = Math.max(...edges('right')) - Math.min(...edges('left'))
             box.style.width = `${own + 2 * tag.getBoundingClientRect().width + 4 * em}px`
         }
-        const mark = document.createElement('span')
-        mark.style.cssText = 'display:inline-block;width:0;height:0'
-        ;(bases[0] ?? html).prepend(mark)
         const left = tag ? box.getBoundingClientRect().left : Math.min(...edges('left'))
         const right = tag ? box.getBoundingClientRect().right : Math.max(...edges('right'))
-        const place = { x: left, y: mark.getBoundingClientRect().bottom }
+        const place = { x: left, y: html.querySelector('.korvi-baseline').getBoundingClientRect().bottom }
         const struts = [...html.querySelectorAll(':scope > .base > .strut')].map(strut => strut.getBoundingClientRect())
         const items = []
         rules(html, place, items)
@@ -282,6 +279,11 @@
             } catch (error) {
                 box.textContent = ''
             }
+            // Before anything is measured: each change would have all of it laid out again.
+            const mark = document.createElement('span')
+            mark.className = 'korvi-baseline'
+            mark.style.cssText = 'display:inline-block;width:0;height:0'
+            ;(box.querySelector('.katex-html > .base') ?? box.querySelector('.katex-html'))?.prepend(mark)
             return box
         })
         stage.append(...boxes)
