@@ -48,6 +48,11 @@ ThemeColors {
     readonly property int buttonHeight: px(36)
     readonly property int roundButton: px(32)
     readonly property int actionHeight: px(26)
+    readonly property int codeHeader: px(34)
+    readonly property int imageHeight: 420 // of an image in an answer, at the most
+    readonly property int imagePlaceholder: 240 // of one that is not there yet
+    readonly property int imageDecoded: 1600 // pixels, of the longer edge
+    readonly property int cellPadding: px(9) // above and below the text of a table
     readonly property int icon: px(16)
     readonly property int hairline: 1
     readonly property int haloWidth: 3
@@ -78,6 +83,7 @@ ThemeColors {
     readonly property int jump: reducedMotion ? 0 : 250 // to another place of a list
     readonly property int pulse: 900
     readonly property int toolTipDelay: 600
+    readonly property int feedback: 1600 // a button says what it has done
     readonly property int patience: 1000 // before something is shown in place of what does not come
 
     // A length that was drawn for 13-pixel text.

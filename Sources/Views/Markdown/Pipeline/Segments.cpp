@@ -1,0 +1,61 @@
+#include "Segments.h"
+
+#include "BlockParser.h"
+#include "Characters.h"
+#include "Match.h"
+#include "SegmentList.h"
+#include "TextCache.h"
+
+namespace Korvi::Markdown {
+
+using namespace Qt::Literals;
+
+QString TextBlock::source() const {
+    switch (kind) {
+    case Kind::header: return QString(level, u'#') + u' ' + content;
+    case Kind::listItem: return hasLeadingEmoji ? content : u"- "_s + content;
+    case Kind::numberedListItem: return marker + content;
+    case Kind::paragraph: break;
+    }
+    return content;
+}
+
+std::optional<TextBlock> textBlockOf(const Block& block) {
+    using Kind = TextBlock::Kind;
+    const auto made = [](TextBlock text, const QString& content) {
+        text.content = content;
+        text.runs = parseInlineMarkdown(content);
+        return text;
+    };
+    if (const auto* header = block.as<Block::Header>())
+        return made({.kind = Kind::header, .level = header->level}, header->content);
+    if (const auto* item = block.as<Block::ListItem>()) {
+        const bool hasEmoji = startsWithEmoji(item->content);
+        return made({.kind = Kind::listItem, .marker = hasEmoji ? u"  "_s : u"  •  "_s, .hasLeadingEmoji = hasEmoji},
+            item->content);
+    }
+    if (const auto* item = block.as<Block::NumberedListItem>())
+        return made(
+            {.kind = Kind::numberedListItem, .number = item->number, .marker = QString::number(item->number) + u". "_s},
+            item->content);
+    if (const auto* paragraph = block.as<Block::Paragraph>()) {
+        const std::vector<TextPart> parts = parseInlineLatex(paragraph->content);
+        if (std::none_of(parts.begin(), parts.end(), [](const TextPart& part) { return part.isLatex; }))
+            return made({.kind = Kind::paragraph}, paragraph->content);
+    }
+    return {};
+}
+
+std::vector<Segment> groupBlocksIntoSegments(QStringView text) {
+    SegmentList segments;
+    for (Block& block : parseBlocks(text))
+        segments.append(std::move(block));
+    return segments.take();
+}
+
+std::vector<Segment> resolvedSegments(const QString& text) {
+    static TextCache<std::vector<Segment>, 50> cache;
+    return cache.value(text, [&] { return groupBlocksIntoSegments(text); });
+}
+
+}

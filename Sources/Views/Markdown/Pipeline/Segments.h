@@ -1,0 +1,16 @@
+#pragma once
+
+#include "Segment.h"
+
+namespace Korvi::Markdown {
+
+// A header, list item or paragraph as a text block. Anything else has none.
+std::optional<TextBlock> textBlockOf(const Block& block);
+
+// Blocks that can be shown as text together, and those between that cannot, of a cleaned text.
+std::vector<Segment> groupBlocksIntoSegments(QStringView text);
+
+// The same, remembered for the last texts (50 at most). For the main thread.
+std::vector<Segment> resolvedSegments(const QString& text);
+
+}
