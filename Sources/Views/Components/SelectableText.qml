@@ -8,7 +8,7 @@ TextEdit {
 
     property alias content: growing.text
     property bool hasCaret: false
-    readonly property real lineDistance: Math.max(0, Theme.leading(font.pixelSize) - metrics.height)
+    readonly property real lineDistance: Math.max(0, Theme.leading(font.pixelSize) - Math.ceil(metrics.height)) // lines are whole pixels
 
     signal caretMoved(real y, real height) // by the keyboard, or by a pointer that selects
 
