@@ -1,19 +1,30 @@
 #pragma once
 
+#include "Artifacts/ArtifactPrinter.h"
 #include "Backend/APIClient.h"
 #include "Backend/AuthenticationService.h"
 #include "Backend/UsersService.h"
 #include "Cache/DataCacheManager.h"
+#include "Chat/ArtifactExport.h"
 #include "Chat/ChatService.h"
 #include "Chat/ChatViewModel.h"
+#include "Chat/ComposerAttachments.h"
 #include "DesktopAppearance.h"
 #include "Linux/BrowserAuthentication.h"
+#include "Linux/DesktopNotifications.h"
+#include "Linux/LoginSleepMonitor.h"
+#include "Linux/QtClipboard.h"
+#include "Linux/QtFileTransfer.h"
 #include "Linux/QtHttpTransport.h"
 #include "Linux/QtScheduler.h"
 #include "Linux/QtWebSocketTransport.h"
 #include "Linux/RoutePathMonitor.h"
 #include "Linux/SecretServiceKeychain.h"
 #include "Linux/SystemClock.h"
+#include "Linux/ThreadWorkers.h"
+#include "Linux/XdgDesktop.h"
+#include "Markdown/FormulaEngine.h"
+#include "Media/FileDownloads.h"
 #include "NotificationCenter.h"
 #include "Scenes.h"
 #include "Shell/AIDataConsent.h"
@@ -26,6 +37,7 @@
 #include "Shell/Onboarding.h"
 #include "Shell/ReviewManager.h"
 #include "Shell/SceneActivation.h"
+#include "Shell/TaskNotificationManager.h"
 #include "Shell/ThemeManager.h"
 #include "SignIn/SocialAuthService.h"
 
@@ -52,11 +64,13 @@ public:
     AuthViewModel& auth() { return m_auth; }
     ChatViewModel& chat() { return m_chat; }
     HomeViewModel& home() { return m_home; }
+    TaskNotificationManager& taskNotifications() { return m_taskNotifications; }
     DeepLinkHandler& deepLinks() { return m_deepLinks; }
     const Scenes& scenes() const { return m_scenes; }
 
 private:
     void tokenDied();
+    void tellOfAnswers();
 
     Info m_info;
     SystemClock m_clock;
@@ -67,6 +81,10 @@ private:
     SecretServiceKeychain m_keychain;
     QtHttpTransport m_http;
     QtWebSocketTransport m_sockets;
+    ThreadWorkers m_workers;
+    QtClipboard m_clipboard;
+    DesktopNotifications m_desktopNotifications;
+    LoginSleepMonitor m_sleep;
     NotificationCenter m_notifications;
     AuthTokenStore m_tokens;
     APIClient m_client;
@@ -76,6 +94,10 @@ private:
     SocialAuthService m_social;
     ChatService m_chatService;
     DataCacheManager m_cache;
+    TaskNotificationManager m_taskNotifications;
+    AttachmentIntake m_intake;
+    AttachmentUploader m_uploader;
+    ComposerAttachments m_attachments;
     AuthViewModel m_auth;
     ChatViewModel m_chat;
     std::unique_ptr<PathMonitor> m_paths;
@@ -90,6 +112,12 @@ private:
     CacheManager m_caches;
     AboutViewModel m_about;
     DesktopAppearance m_appearance;
+    FormulaEngine m_formulas;
+    XdgDesktop m_desktop;
+    QtFileTransfer m_transfer;
+    FileDownloads m_downloads;
+    ArtifactPrinter m_printer;
+    ArtifactExport m_artifactFiles;
     Scenes m_scenes;
     TaskScope m_scope; // last: its tasks end before anything they use
 };

@@ -11,9 +11,12 @@ namespace Korvi {
 
 class AIDataConsent;
 class AboutViewModel;
+class ArtifactExport;
 class AuthViewModel;
 class CacheManager;
 class ChatViewModel;
+class FileDownloads;
+class FormulaEngine;
 class HomeViewModel;
 class Onboarding;
 class ThemeManager;
@@ -34,9 +37,11 @@ public:
         ThemeManager& theme;
         CacheManager& caches;
         AboutViewModel& about;
+        FileDownloads& downloads;
+        ArtifactExport& artifactFiles;
     };
 
-    explicit Scenes(ViewModels viewModels, QObject* parent = nullptr);
+    Scenes(ViewModels viewModels, FormulaEngine& formulas, QObject* parent = nullptr);
     ~Scenes() override;
 
     // False when the window cannot be made.

@@ -69,6 +69,13 @@ ThemeColors {
     readonly property int fontCodeBox: px(24)
     readonly property int fontDisplay: px(26)
 
+    // Formulas and diagrams.
+    readonly property int fontFormula: px(18)
+    readonly property int fontInlineFormula: px(14) // its small letters are as high as those of the words around it
+    readonly property real leastFormulaFit: 0.75 // of its size: a wide one is not made smaller than that
+    readonly property int pendingFormulaHeight: 40 // before it is known
+    readonly property int diagramMargin: 26 // above and below
+
     // Milliseconds.
     readonly property int quick: reducedMotion ? 0 : 120
     readonly property int calm: reducedMotion ? 0 : 180
@@ -77,6 +84,7 @@ ThemeColors {
     readonly property int pulse: 900
     readonly property int toolTipDelay: 600
     readonly property int feedback: 1600 // a button says what it has done
+    readonly property int patience: 1000 // before something is shown in place of what does not come
 
     // A length that was drawn for 13-pixel text.
     function px(length: real): int {

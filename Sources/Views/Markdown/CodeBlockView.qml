@@ -201,6 +201,8 @@ Item {
                             const y = edit.y + point.position.y
                             const part = column.partAt(y)
                             const other = column.itemAt(part)
+                            if (view.persistentSelection) // it goes beyond the code
+                                return
                             if (!active || !other || part === edit.index && !view.selectionSpansParts)
                                 return
                             const at = codeParts.startOf(part) + other.positionAt(point.position.x, y - other.y)

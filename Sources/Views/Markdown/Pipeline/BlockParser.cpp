@@ -1,15 +1,14 @@
 #include "BlockParser.h"
 
+#include "CleaningMachines.h"
 #include "LineParser.h"
 
 namespace Korvi::Markdown {
 
-using namespace Qt::Literals;
-
 std::vector<Block> parseBlocks(QStringView text) {
     QString unixLines;
-    if (text.contains(QStringView(u"\r\n"))) {
-        unixLines = text.toString().replace("\r\n"_L1, "\n"_L1);
+    if (text.contains(u'\r')) {
+        ReturnDropper().read(text, 0, text.size(), unixLines);
         text = unixLines;
     }
     std::vector<BlockPlace> places;

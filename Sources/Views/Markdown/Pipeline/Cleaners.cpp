@@ -6,8 +6,6 @@
 
 namespace Korvi::Markdown {
 
-using namespace Qt::Literals;
-
 namespace {
 
 template <class Machine>
@@ -54,13 +52,12 @@ QString cleanGenerationStatus(const QString& text) {
 }
 
 Cleaned clean(const QString& text) {
-    QString lines = text;
-    lines.replace("\r\n"_L1, "\n"_L1);
+    QString lines = run(ReturnDropper(), text);
     // Half of a pair at the end: the other half has not come yet.
     if (!lines.isEmpty() && lines.back().isHighSurrogate())
         lines.chop(1);
     Cleaned cleaned = cleanCitations(cleanVideoTags(stripEmojis(lines)));
-    cleaned.text = cleanGenerationStatus(cleanFileDownloadLinks(cleaned.text));
+    cleaned.text = run(ReturnDropper(), cleanGenerationStatus(cleanFileDownloadLinks(cleaned.text)));
     return cleaned;
 }
 

@@ -96,7 +96,8 @@ void CitationList::append(int index, const QString& url) {
     matches.push_back({index, isFirst, url});
     if (!isFirst)
         return;
-    urls.insert(url, true);
+    urls.insert(url);
+    ++changes;
     byIndex[std::size_t(index)].push_back({.index = index, .url = url, .domain = domainOf(url)});
 }
 
@@ -105,6 +106,7 @@ void CitationList::truncate(qsizetype size) {
         const Match& last = matches.back();
         if (last.isFirst) {
             urls.remove(last.url);
+            ++changes;
             byIndex[std::size_t(last.index)].pop_back();
         }
         matches.pop_back();
@@ -142,6 +144,25 @@ Written CitationRemover::read(QStringView input, qsizetype from, qsizetype to, Q
 
 FileLinkRemover::FileLinkRemover()
     : MatchRemover(fileLinkPattern()) {}
+
+Written ReturnDropper::read(QStringView input, qsizetype from, qsizetype to, QString& output) {
+    const Written written{output.size(), from};
+    while (from < to) {
+        if (input[from] == u'\r') {
+            ++waiting;
+            ++from;
+            continue;
+        }
+        if (input[from] != u'\n')
+            output.resize(output.size() + waiting, u'\r');
+        waiting = 0;
+        const qsizetype next = input.first(to).indexOf(u'\r', from);
+        const qsizetype end = next < 0 ? to : next;
+        output.append(input.sliced(from, end - from));
+        from = end;
+    }
+    return written;
+}
 
 Written GapCloser::read(QStringView input, qsizetype from, qsizetype to, QString& output) {
     const Written written{output.size(), from};

@@ -4,7 +4,7 @@
 #include "Pattern.h"
 #include "Stage.h"
 
-#include <QHash>
+#include <QSet>
 
 namespace Korvi::Markdown {
 
@@ -14,7 +14,8 @@ public:
     qsizetype size() const { return qsizetype(matches.size()); }
     void append(int index, const QString& url);
     void truncate(qsizetype size);
-    std::vector<CitationSource> sorted() const; // by index, one for each URL
+    std::vector<CitationSource> sorted() const;  // by index, one for each URL
+    quint64 revision() const { return changes; } // another one after each change of the sources
 
 private:
     struct Match {
@@ -23,7 +24,8 @@ private:
         QString url;
     };
     std::vector<Match> matches;
-    QHash<QString, bool> urls;
+    QSet<QString> urls;
+    quint64 changes = 0;
     std::array<std::vector<CitationSource>, 100> byIndex;
 };
 
@@ -84,6 +86,16 @@ private:
 class FileLinkRemover : public MatchRemover {
 public:
     FileLinkRemover();
+};
+
+// No carriage returns in front of a new line. Those at the end wait for what follows them.
+class ReturnDropper {
+public:
+    void wentBack() {}
+    Written read(QStringView input, qsizetype from, qsizetype to, QString& output);
+
+private:
+    qsizetype waiting = 0; // how many
 };
 
 // At most two new lines in a row.
