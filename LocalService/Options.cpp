@@ -44,6 +44,14 @@ void setModelForMode(Options& options, const std::string& text) {
     options.modelForMode[text.substr(0, equals)] = text.substr(equals + 1);
 }
 
+void setPublicUrl(Options& options, const std::string& url) {
+    if (!url.starts_with("http://") && !url.starts_with("https://"))
+        throw OptionsError("--public-url: нужен адрес с http:// или https://, а не «" + url + "»");
+    options.publicUrl = url;
+    while (options.publicUrl.ends_with('/'))
+        options.publicUrl.pop_back();
+}
+
 void setProvider(Options& options, const std::string& name) {
     if (name == "demo")
         options.provider = ProviderKind::demo;
@@ -86,6 +94,14 @@ constexpr std::array table{
         }},
     Option{"--no-model-titles", "", "не просить модель о названиях чатов: названием будут первые слова вопроса",
         [](Options& o, const std::string&) { o.modelTitles = false; }},
+    Option{"--no-tools", "", "не предлагать модели инструментов: документов, поиска, картинок",
+        [](Options& o, const std::string&) { o.modelTools = false; }},
+    Option{"--search-url", "URL", "поиск для модели: адрес, совместимый с SearXNG (без него поиска нет)",
+        [](Options& o, const std::string& v) { o.searchUrl = v; }},
+    Option{"--image-model", "МОДЕЛЬ", "модель, которая рисует, на том же сервере (без неё картинок нет)",
+        [](Options& o, const std::string& v) { o.imageModel = v; }},
+    Option{"--public-url", "URL",
+        "адрес службы для приложений, если он не такой, как у неё самой (перед ней TLS-сервер)", setPublicUrl},
     Option{"--allow-plain-http", "", "разрешить http:// не только для своего компьютера: ключ и текст пойдут открыто",
         [](Options& o, const std::string&) { o.allowPlainHttp = true; }},
     Option{"--dev-providers", "", "для разработки: вход с вымышленными учётными записями Google, Яндекса, VK и Apple",

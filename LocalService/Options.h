@@ -30,7 +30,15 @@ struct Options {
     std::map<std::string, std::string> modelForMode;
     /// The model names new chats, too.
     bool modelTitles = true;
+    /// The model may use tools.
+    bool modelTools = true;
     bool allowPlainHttp = false;
+    /// Where clients reach the service, if not at its own address: "https://example.com", without a trailing slash.
+    std::string publicUrl;
+    /// An endpoint that searches the web; empty: models are not offered a search.
+    std::string searchUrl;
+    /// The model that draws; empty: nobody does.
+    std::string imageModel;
     /// Stand-in accounts of other providers may sign in; only at a loopback address.
     bool devProviders = false;
     std::chrono::seconds modelIdle{180};

@@ -10,12 +10,13 @@ namespace korvi::service {
 
 namespace {
 
-std::unique_ptr<Provider> providerFor(asio::io_context& io, const Options& options) {
+std::unique_ptr<Provider> providerFor(
+    asio::io_context& io, FileStore& files, PdfText& pdfText, Typesetter& typesetter, const Options& options) {
     if (options.provider == ProviderKind::demo)
-        return std::make_unique<DemoProvider>(io, options.demoDelay);
-    return std::make_unique<OpenAiProvider>(io,
+        return std::make_unique<DemoProvider>(io, files, options.demoDelay);
+    return std::make_unique<OpenAiProvider>(io, files, pdfText, typesetter,
         OpenAiSettings{options.openaiUrl, options.openaiKey, options.model, options.modelForMode,
-            options.allowPlainHttp, options.modelIdle});
+            options.allowPlainHttp, options.modelIdle, options.modelTools, options.searchUrl, options.imageModel});
 }
 
 void printCode(const std::string& email, const std::string& code) {
@@ -30,11 +31,14 @@ Service::Service(const Options& options)
     , database_(folder_.database())
     , accounts_(database_)
     , chats_(database_)
+    , files_(database_, folder_.path() / "files")
+    , typesetter_(io_)
+    , pdfText_(io_)
     , signIn_(accounts_, printCode)
-    , provider_(providerFor(io_, options))
+    , provider_(providerFor(io_, files_, pdfText_, typesetter_, options))
     , titles_(io_, chats_, options.provider == ProviderKind::demo || !options.modelTitles ? nullptr : provider_.get())
-    , engine_(io_, chats_, *provider_, titles_)
-    , api_(signIn_, accounts_, chats_, engine_, options.devProviders)
+    , engine_(io_, chats_, files_, *provider_, titles_)
+    , api_(signIn_, accounts_, chats_, files_, engine_, typesetter_, options.devProviders)
     , http_(io_, api_, engine_, host_, options.port)
     , signals_(io_, SIGTERM, SIGINT) {
     // A full disk or a closed pipe is an error to report, not a reason to die.
@@ -44,14 +48,20 @@ Service::Service(const Options& options)
         if (!error)
             stop();
     });
+    files_.setOrigin(options.publicUrl.empty() ? origin() : options.publicUrl);
+    files_.sweep();
     engine_.recover();
     if (!options.isLoopback())
         logLine("служба доступна по сети без шифрования: поставьте перед ней сервер с TLS.");
 }
 
-std::string Service::address() const {
+std::string Service::origin() const {
     const bool isV6 = host_.find(':') != std::string::npos;
-    return "http://" + (isV6 ? "[" + host_ + "]" : host_) + ":" + std::to_string(http_.port()) + Api::basePath;
+    return "http://" + (isV6 ? "[" + host_ + "]" : host_) + ":" + std::to_string(http_.port());
+}
+
+std::string Service::address() const {
+    return origin() + Api::basePath;
 }
 
 void Service::run() {

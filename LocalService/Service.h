@@ -5,12 +5,15 @@
 #include "Chat/ChatTitles.h"
 #include "Core/Asio.h"
 #include "DataFolder.h"
+#include "Files/FileStore.h"
 #include "Http/Api.h"
 #include "Http/HttpServer.h"
 #include "Options.h"
 #include "Store/AccountStore.h"
 #include "Store/ChatStore.h"
 #include "Store/Database.h"
+#include "Tools/PdfText.h"
+#include "Tools/Typesetter.h"
 
 #include <boost/asio/signal_set.hpp>
 #include <memory>
@@ -30,6 +33,7 @@ public:
     void run();
 
 private:
+    std::string origin() const;
     void stop();
 
     asio::io_context io_{1};
@@ -38,6 +42,9 @@ private:
     Database database_;
     AccountStore accounts_;
     ChatStore chats_;
+    FileStore files_;
+    Typesetter typesetter_;
+    PdfText pdfText_;
     SignIn signIn_;
     std::unique_ptr<Provider> provider_;
     ChatTitles titles_;

@@ -65,7 +65,8 @@ std::vector<ChatMessage> conversation(int count, unsigned seed) {
         const unsigned length = i % 2 == 0 ? 10 + text.dice(200)
             : text.dice(10) == 0           ? 4000 + text.dice(8000)
                                            : 40 + text.dice(1500);
-        message.content = std::vector<MessageContent>{{MessageContent::Text{text.text(length)}}};
+        message.content =
+            std::vector<MessageContent>{{MessageContent::Text{i % 2 ? text.mixed(length) : text.text(length)}}};
         messages.push_back(std::move(message));
     }
     return messages;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QString>
+#include <QStringList>
 
 #include <random>
 
@@ -27,9 +27,54 @@ public:
         return made;
     }
 
+    // All that an answer may consist of: headers, paragraphs with bold words, code and formulas, lists, code, tables.
+    QString mixed(qsizetype characters) {
+        QString made;
+        while (made.size() < characters)
+            made += block() + "\n\n";
+        return made;
+    }
+
     unsigned dice(unsigned below) { return static_cast<unsigned>(m_dice()) % below; }
 
 private:
+    QString words(unsigned count) {
+        static const QStringList looks{"**%1**", "`%1`", "*%1*"};
+        QStringList line;
+        for (unsigned i = 0; i < count; ++i) {
+            const QString next = word().section(u'\n', 0, 0).trimmed();
+            const unsigned style = dice(40);
+            line.append(style < 3 ? looks.at(style).arg(next) : next);
+        }
+        return line.join(u' ');
+    }
+
+    QString block() {
+        QStringList lines;
+        switch (dice(8)) {
+        case 0: return QString(1 + static_cast<int>(dice(3)), u'#') + ' ' + words(4);
+        case 1:
+            for (unsigned i = 0; i < 4; ++i)
+                lines.append((i % 2 ? QString("- ") : QString("%1. ").arg(i + 1)) + words(6 + dice(20)));
+            break;
+        case 2:
+            lines.append("```python");
+            for (unsigned i = 0; i < 6 + dice(20); ++i)
+                lines.append("    value = compute(index, 42)  # шаг");
+            lines.append("```");
+            break;
+        case 3:
+            lines = QStringList{"| Имя | Время | Память |", "|---|:-:|--:|"};
+            for (unsigned i = 0; i < 3 + dice(6); ++i)
+                lines.append(QString("| %1 | O(n) | 1 |").arg(words(2)));
+            break;
+        case 4: return words(10) + " $O(n \\log n)$ " + words(20);
+        case 5: return "$$\nT(n) = 2T(n/2) + O(n)\n$$";
+        default: return words(30 + dice(60));
+        }
+        return lines.join(u'\n');
+    }
+
     std::mt19937 m_dice;
 };
 

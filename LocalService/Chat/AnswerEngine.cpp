@@ -1,6 +1,8 @@
 #include "Chat/AnswerEngine.h"
 
+#include "Chat/AnswerContent.h"
 #include "Chat/Frames.h"
+#include "Core/Json.h"
 #include "Core/Limits.h"
 #include "Core/Log.h"
 #include "Core/Time.h"
@@ -25,9 +27,11 @@ long long replayHorizon() {
 
 }
 
-AnswerEngine::AnswerEngine(asio::io_context& io, ChatStore& store, Provider& provider, ChatTitles& titles)
+AnswerEngine::AnswerEngine(
+    asio::io_context& io, ChatStore& store, FileStore& files, Provider& provider, ChatTitles& titles)
     : io_(io)
     , store_(store)
+    , files_(files)
     , provider_(provider)
     , titles_(titles)
     , storeTimer_(io)
@@ -165,7 +169,9 @@ void AnswerEngine::perform(const SessionRow& session, const CreateFrame& frame) 
     draft.projectId = frame.projectId;
     const auto answer = answerFor(session);
     answer->createsChat = true;
-    const ChatRow chat = store_.beginChat(draft, *answer, frame.content);
+    const auto content = files_.stored(frame.content, session.userId);
+    const ChatRow chat = store_.beginChat(draft, *answer, content);
+    files_.attach(content, chat.id);
     start(answer, chat.mode);
     // At once: the client reads the list again when the answer has ended.
     titles_.begin(chat, frame.content);
@@ -180,7 +186,9 @@ void AnswerEngine::perform(const SessionRow& session, const SendFrame& frame) {
             session, BadFrame{frame.chatId, "Слишком много ответов сразу. Дождитесь окончания одного из них."});
     const auto answer = answerFor(session);
     answer->chatId = chat->id;
-    store_.beginAnswer(*answer, frame.content);
+    const auto content = files_.stored(frame.content, session.userId);
+    store_.beginAnswer(*answer, content);
+    files_.attach(content, chat->id);
     start(answer, chat->mode);
 }
 
@@ -207,7 +215,7 @@ std::shared_ptr<Answer> AnswerEngine::answerFor(const SessionRow& session) {
 }
 
 void AnswerEngine::start(const std::shared_ptr<Answer>& answer, const std::string& mode) {
-    ProviderRequest request{mode, {}};
+    ProviderRequest request{mode, {}, answer->userId, answer->chatId};
     for (auto& message : store_.history(answer->chatId))
         request.history.push_back({message.role == "user" ? "user" : "assistant", std::move(message.content)});
 
@@ -227,21 +235,64 @@ void AnswerEngine::receive(long long messageId, ProviderEvent event) {
         return;
     if (auto* delta = std::get_if<ProviderDelta>(&event)) {
         append(found->second, delta->kind, std::move(delta->text));
-        if (found->second.size > limits::answer)
-            finish(messageId, AnswerState::failed,
-                "Ответ слишком длинный и остановлен. Текст до этого места сохранён — попросите продолжить.");
+    } else if (auto* tool = std::get_if<ProviderTool>(&event)) {
+        try {
+            append(found->second, std::move(*tool));
+        } catch (const StoreError& error) {
+            return finish(messageId, AnswerState::failed, error.what());
+        }
     } else if (const auto* failed = std::get_if<ProviderFailed>(&event)) {
         finish(messageId, AnswerState::failed, failed->message);
     } else {
         finish(messageId, AnswerState::done, {});
     }
+    if (const auto still = running_.find(messageId); still != running_.end() && still->second.size > limits::answer)
+        finish(messageId, AnswerState::failed,
+            "Ответ слишком длинный и остановлен. Текст до этого места сохранён — попросите продолжить.");
 }
 
 void AnswerEngine::append(Running& running, PieceKind kind, std::string text) {
     // A NUL would end the text for half of those who read it.
     std::erase(text, '\0');
+    if (kind == PieceKind::text && !text.empty() && std::exchange(running.endsWithPicture, false) && text[0] != '\n')
+        text.insert(0, "\n\n");
     running.size += text.size();
-    auto pieces = running.cutter.add(kind, text);
+    keepPieces(running, running.cutter.add(kind, text));
+}
+
+void AnswerEngine::append(Running& running, ProviderTool tool) {
+    using Phase = ProviderTool::Phase;
+    Answer& answer = *running.answer;
+    // What was said before the tool stands before it.
+    std::vector<Piece> pieces = running.cutter.finish();
+    std::string frame;
+    switch (tool.phase) {
+    case Phase::start: frame = frames::toolStart(tool.tool); break;
+    case Phase::progress: frame = frames::toolProgress(tool.tool); break;
+    case Phase::arguments:
+        if (const auto id = tool.tool == "artifact" ? stringAt(tool.data, "id") : std::nullopt)
+            tool.data["version"] = store_.nextArtifactVersion(answer.chatId, *id);
+        frame = frames::toolArguments(tool.tool, tool.data);
+        break;
+    case Phase::end:
+        if (tool.tool == "artifact")
+            tool.data["version"] = store_.addArtifact(answer.chatId,
+                {tool.data.value("id", ""), 0, tool.data.value("title", ""), tool.data.value("kind", ""),
+                    tool.data.value("text", "")});
+        // The picture joins the text, where the next piece must not be taken for a part of it.
+        if (const auto url = tool.tool == "generateImage" ? stringAt(tool.data, "imageUrl") : std::nullopt) {
+            running.cutter.addShown(imageMarkdown(files_.publishedText(*url)));
+            running.endsWithPicture = true;
+        }
+        frame = frames::toolEnd(tool.tool, tool.data);
+        break;
+    }
+    running.size += frame.size();
+    pieces.push_back({PieceKind::tool, std::move(frame)});
+    keepPieces(running, std::move(pieces));
+}
+
+void AnswerEngine::keepPieces(Running& running, std::vector<Piece> pieces) {
     if (pieces.empty())
         return;
     std::move(pieces.begin(), pieces.end(), std::back_inserter(running.answer->pieces));

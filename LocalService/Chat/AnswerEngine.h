@@ -6,6 +6,7 @@
 #include "Chat/Outbox.h"
 #include "Chat/PieceCutter.h"
 #include "Core/Asio.h"
+#include "Files/FileStore.h"
 #include "Providers/Provider.h"
 #include "Store/AccountStore.h"
 #include "Store/ChatStore.h"
@@ -24,7 +25,7 @@ namespace korvi::service {
 /// they are sent, so what a client has seen is in the database whatever happens next. Used from the service's thread.
 class AnswerEngine : private Outbox::Host {
 public:
-    AnswerEngine(asio::io_context& io, ChatStore& store, Provider& provider, ChatTitles& titles);
+    AnswerEngine(asio::io_context& io, ChatStore& store, FileStore& files, Provider& provider, ChatTitles& titles);
 
     /// At start-up: closes what a crash has left running and readies what sessions may come back for.
     void recover();
@@ -48,6 +49,8 @@ private:
         PieceCutter cutter;
         std::unique_ptr<ProviderStream> stream;
         std::size_t size = 0;
+        /// The text ends with a tool's picture, which stands in a line of its own.
+        bool endsWithPicture = false;
     };
     struct Session {
         std::string userId;
@@ -65,6 +68,8 @@ private:
 
     void receive(long long messageId, ProviderEvent event);
     void append(Running& running, PieceKind kind, std::string text);
+    void append(Running& running, ProviderTool tool);
+    void keepPieces(Running& running, std::vector<Piece> pieces);
     void finish(long long messageId, AnswerState state, const std::string& error);
     void scheduleStore(Answer& answer);
     void storeNow();
@@ -75,11 +80,13 @@ private:
     void expire();
 
     std::string createFrame(const Answer& answer) override;
+    std::string outgoing(std::string frame) override { return files_.publishedText(std::move(frame)); }
     void confirmed(const Answer& answer) override;
     void delivered(const Answer& answer) override;
 
     asio::io_context& io_;
     ChatStore& store_;
+    FileStore& files_;
     Provider& provider_;
     ChatTitles& titles_;
     asio::steady_timer storeTimer_;

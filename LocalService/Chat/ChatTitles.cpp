@@ -92,9 +92,9 @@ void ChatTitles::begin(const ChatRow& chat, const nlohmann::json& question) {
         if (!error)
             cancel(id);
     });
-    request.stream = provider_->start(
-        {chat.mode, {{"system", textPart(instruction)}, {"user", textPart("Первое сообщение разговора:\n\n" + asked)}}},
-        [this, id = chat.id](const ProviderEvent& event) { receive(id, event); });
+    ProviderRequest prompt{chat.mode,
+        {{"system", textPart(instruction)}, {"user", textPart("Первое сообщение разговора:\n\n" + asked)}}, {}, 0};
+    request.stream = provider_->start(prompt, [this, id = chat.id](const ProviderEvent& event) { receive(id, event); });
 }
 
 void ChatTitles::cancel(long long chatId) {

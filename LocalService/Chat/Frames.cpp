@@ -19,7 +19,25 @@ std::string create(const json& chat) {
 }
 
 std::string piece(const Piece& piece) {
+    if (piece.kind == PieceKind::tool)
+        return piece.body;
     return frame(piece.kind == PieceKind::text ? "chunk" : "thinking", {{"content", piece.body}});
+}
+
+std::string toolStart(const std::string& tool) {
+    return frame("tool_start", {{"tool", tool}});
+}
+
+std::string toolArguments(const std::string& tool, const json& arguments) {
+    return frame("tool_call_args", {{"tool", tool}, {"args", arguments}});
+}
+
+std::string toolProgress(const std::string& tool) {
+    return frame("tool_end", {{"tool", tool}, {"loading", true}});
+}
+
+std::string toolEnd(const std::string& tool, const json& content) {
+    return frame("tool_end", {{"tool", tool}, {"content", content}});
 }
 
 std::string end() {

@@ -47,7 +47,7 @@ std::optional<std::string> Outbox::nextOf(const Answer& answer) {
             lastThinking_ = index;
         }
         ++cursor_.frames;
-        return frames::piece(piece);
+        return piece.kind == PieceKind::tool ? host_.outgoing(frames::piece(piece)) : frames::piece(piece);
     }
     if (!answer.running() && cursor_.frames == front + answer.pieces.size()) {
         ++cursor_.frames;

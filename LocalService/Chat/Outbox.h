@@ -21,6 +21,8 @@ public:
         virtual ~Host() = default;
         /// The frame that announces the answer's new chat; empty if the chat is gone.
         virtual std::string createFrame(const Answer& answer) = 0;
+        /// A tool's frame as it goes out.
+        virtual std::string outgoing(std::string frame) { return frame; }
         virtual void confirmed(const Answer& answer) = 0;
         virtual void delivered(const Answer& answer) = 0;
     };

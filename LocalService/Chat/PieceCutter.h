@@ -27,6 +27,8 @@ public:
     std::vector<Piece> add(PieceKind kind, std::string_view delta);
     /// The rest, at the end of the answer. The cutter can go on afterwards as if nothing had been held.
     std::vector<Piece> finish();
+    /// The client's text has grown by something that was not cut here: the picture of a tool.
+    void addShown(std::string_view text) { shownText_ += text; }
 
 private:
     void advanceBorders();

@@ -8,9 +8,14 @@ namespace korvi::service::limits {
 using namespace std::chrono_literals;
 
 constexpr std::size_t body = std::size_t{1024} * 1024;
-/// What the HTTP parser takes in before it drops the connection without an answer: room to refuse politely, and for
-/// uploads of 10 MB.
-constexpr std::size_t parsedBody = std::size_t{12} * 1024 * 1024;
+/// Decimal, as the client counts them: any file, and video and audio.
+constexpr std::size_t upload = 10'000'000;
+constexpr std::size_t mediaUpload = 20'000'000;
+/// What a multipart body may hold beside its file.
+constexpr std::size_t uploadFrame = std::size_t{64} * 1024;
+constexpr std::size_t userFiles = std::size_t{2} * 1024 * 1024 * 1024;
+/// An upload that has become part of no chat by then is removed with the next start.
+constexpr auto unusedFileLife = 24h;
 constexpr std::size_t frame = std::size_t{1024} * 1024;
 constexpr std::size_t messageText = std::size_t{256} * 1024;
 constexpr std::size_t messageParts = 32;

@@ -41,11 +41,14 @@ json userJson(const UserRow& user) {
 
 }
 
-Api::Api(SignIn& signIn, AccountStore& accounts, ChatStore& chats, AnswerEngine& engine, bool devProviders)
+Api::Api(SignIn& signIn, AccountStore& accounts, ChatStore& chats, FileStore& files, AnswerEngine& engine,
+    Typesetter& typesetter, bool devProviders)
     : signIn_(signIn)
     , accounts_(accounts)
     , chats_(chats)
+    , files_(files)
     , engine_(engine)
+    , typesetter_(typesetter)
     , devProviders_(devProviders) {}
 
 const std::vector<Api::Route>& Api::routes() {
@@ -74,8 +77,20 @@ const std::vector<Api::Route>& Api::routes() {
     return table;
 }
 
+void Api::handle(const Request& request, const Respond& respond) {
+    if (!artifactPdf(request, respond))
+        respond(handle(request));
+}
+
 Response Api::handle(const Request& request) {
     const std::string_view path(request.path);
+    if (path.starts_with("/files/")) {
+        try {
+            return file(request);
+        } catch (const StoreError& error) {
+            return failure(500, error.what());
+        }
+    }
     std::string allowed;
     if (path.starts_with(basePath)) {
         for (const Route& route : routes()) {
@@ -95,8 +110,6 @@ Response Api::handle(const Request& request) {
 }
 
 Response Api::run(const Route& route, const Request& request, long long id) {
-    if (request.body.size() > limits::body)
-        return failure(413, "Запрос слишком большой: можно не больше 1 МБ.");
     try {
         Context context{request, {}, json::object(), id};
         if (route.access == Access::signedIn) {
@@ -199,6 +212,7 @@ Response Api::self(const Context& context) {
 Response Api::deleteSelf(const Context& context) {
     engine_.userRemoved(context.session.userId);
     accounts_.removeUser(context.session.userId);
+    files_.userRemoved(context.session.userId);
     return {200, {{"success", true}}, {}};
 }
 
@@ -220,7 +234,7 @@ Response Api::messages(const Context& context) {
         return failure(404, noSuchChat);
     json data = json::array();
     for (const MessageRow& message : chats_.messages(context.session.userId, context.id, context.session.id))
-        data.push_back(message.toJson());
+        data.push_back(files_.published(message.toJson()));
     return {200, {{"data", std::move(data)}}, {}};
 }
 
@@ -244,9 +258,12 @@ Response Api::setFavorite(const Context& context) {
 }
 
 Response Api::deleteChat(const Context& context) {
-    if (!chats_.removeChat(context.session.userId, context.id))
+    if (!chats_.chat(context.session.userId, context.id))
         return failure(404, noSuchChat);
+    const auto files = files_.onlyUsedBy(context.id);
+    chats_.removeChat(context.session.userId, context.id);
     engine_.chatRemoved(context.session.userId, context.id);
+    files_.remove(files);
     return {200, {{"success", true}}, {}};
 }
 

@@ -9,7 +9,10 @@
 
 namespace korvi::service {
 
-/// REST and socket on one port. Everything runs on the thread of `io`.
+/// REST, files and socket on one port. Everything runs on the thread of `io`.
+///
+/// A body is read as it comes: an upload goes to its file in small parts, anything else is bounded before it is read. A
+/// request that is refused gets its answer although its body is still on the way.
 class HttpServer {
 public:
     /// Listens at once; throws std::runtime_error with a message for the user if that is not possible. `port` 0: a free one.
@@ -21,7 +24,7 @@ public:
 
 private:
     struct Impl;
-    std::unique_ptr<Impl> impl_;
+    std::shared_ptr<Impl> impl_;
 };
 
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string_view>
+#include <unistd.h>
 
 namespace korvi::service {
 
@@ -17,7 +18,26 @@ int hexValue(char c) {
     return -1;
 }
 
-std::string decoded(std::string_view text) {
+std::vector<std::pair<std::string, std::string>> pairs(std::string_view text) {
+    std::vector<std::pair<std::string, std::string>> result;
+    while (!text.empty()) {
+        const auto pair = text.substr(0, text.find('&'));
+        const auto equals = pair.find('=');
+        result.emplace_back(percentDecoded(pair.substr(0, equals)),
+            equals == std::string_view::npos ? std::string() : percentDecoded(pair.substr(equals + 1)));
+        text.remove_prefix(std::min(text.size(), pair.size() + 1));
+    }
+    return result;
+}
+
+}
+
+OpenFile::~OpenFile() {
+    if (descriptor_ >= 0)
+        ::close(descriptor_);
+}
+
+std::string percentDecoded(std::string_view text) {
     std::string result;
     for (std::size_t i = 0; i < text.size(); ++i) {
         if (text[i] == '%' && i + 2 < text.size() && hexValue(text[i + 1]) >= 0 && hexValue(text[i + 2]) >= 0) {
@@ -30,24 +50,10 @@ std::string decoded(std::string_view text) {
     return result;
 }
 
-std::vector<std::pair<std::string, std::string>> pairs(std::string_view text) {
-    std::vector<std::pair<std::string, std::string>> result;
-    while (!text.empty()) {
-        const auto pair = text.substr(0, text.find('&'));
-        const auto equals = pair.find('=');
-        result.emplace_back(decoded(pair.substr(0, equals)),
-            equals == std::string_view::npos ? std::string() : decoded(pair.substr(equals + 1)));
-        text.remove_prefix(std::min(text.size(), pair.size() + 1));
-    }
-    return result;
-}
-
-}
-
 void setTarget(Request& request, const std::string& target) {
     const std::string_view whole(target);
     const auto mark = whole.find('?');
-    request.path = decoded(whole.substr(0, mark));
+    request.path = percentDecoded(whole.substr(0, mark));
     if (mark != std::string_view::npos)
         request.query = pairs(whole.substr(mark + 1));
 }

@@ -78,8 +78,10 @@ void prepare(TransferPtr& transfer) {
     curl_easy_setopt(easy, CURLOPT_NOPROXY, "localhost,127.0.0.1,::1");
     curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
     curl_easy_setopt(easy, CURLOPT_HTTPHEADER, transfer->headers);
-    curl_easy_setopt(easy, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(post.body.size()));
-    curl_easy_setopt(easy, CURLOPT_POSTFIELDS, post.body.c_str());
+    if (!post.isGet) {
+        curl_easy_setopt(easy, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(post.body.size()));
+        curl_easy_setopt(easy, CURLOPT_POSTFIELDS, post.body.c_str());
+    }
     curl_easy_setopt(easy, CURLOPT_CONNECTTIMEOUT, static_cast<long>(post.connectTimeout.count()));
     curl_easy_setopt(easy, CURLOPT_LOW_SPEED_LIMIT, 1L);
     curl_easy_setopt(easy, CURLOPT_LOW_SPEED_TIME, static_cast<long>(post.idleTimeout.count()));

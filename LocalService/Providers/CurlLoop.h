@@ -19,6 +19,8 @@ struct HttpOutcome {
 };
 
 struct HttpPost {
+    /// A GET after all: nothing is sent.
+    bool isGet = false;
     std::string url;
     std::vector<std::string> headers;
     std::string body;

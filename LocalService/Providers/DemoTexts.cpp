@@ -23,7 +23,14 @@ constexpr std::string_view friendly =
 - **таблицу** — сравнение в несколько столбцов;
 - **размышление** — сначала ход мысли, потом ответ;
 - **медленный ответ** — текст, который приходит около двадцати секунд;
-- **ошибку** — ответ, который обрывается на середине.
+- **ошибку** — ответ, который обрывается на середине;
+- **найди…** — поиск в сети с результатами и картинками;
+- **источники** — ссылки прямо в тексте ответа;
+- **нарисуй…** — картинка; **медленную картинку** или **картинку с ошибкой**;
+- **видео** — короткий ролик;
+- **документ** — файл PDF, **текстовый файл** — простой текст;
+- **артефакт** — HTML, SVG, Python, Markdown, Mermaid или LaTeX на выбор;
+- **инструменты** — всё сразу в одном ответе.
 
 Чтобы разговаривать с настоящей моделью, запустите службу с `--provider openai` и укажите её адрес.)";
 
@@ -212,7 +219,28 @@ constexpr std::array chapters{
         "сегодня в таблице больше ста сорока тысяч знаков, включая клинопись, с которой всё началось"},
 };
 
-constexpr std::string_view longTail = R"(## Итог в таблице
+constexpr std::string_view longTail = R"(## Как одно выросло из другого
+
+```mermaid
+flowchart LR
+    A[Клинопись] --> B[Иероглифы]
+    B --> C[Финикийский алфавит]
+    C --> D[Греческий]
+    D --> E[Кириллица]
+    D --> F[Латиница]
+```
+
+### Что нужно письменности
+
+1. Знаки, которые пишут все *одинаково*.
+2. Порядок: `А` стоит раньше `Б`, и это знает каждый.
+3. То, на чём пишут: глина, папирус, бумага, экран.
+
+#### Сколько знаков хватит
+
+Из $n$ знаков можно составить $n^k$ слов длиной $k$: двадцати двух букв хватает на $22^3 = 10648$ слов из трёх букв. О самом алфавите и о Юникоде подробнее рассказывают музеи и стандарты. [[1]](https://www.britishmuseum.org/collection/galleries/mesopotamia-6000-1500-bc) [[2]](https://home.unicode.org/)
+
+## Итог в таблице
 
 | Веха | Когда | Что изменилось |
 |---|---|---|
@@ -284,6 +312,11 @@ constexpr std::array topics{
 
 }
 
+DemoEcho demoEcho(std::string_view question) {
+    const std::string asked = firstWords(question, quoteLength);
+    return {"> " + asked + "\n\n", "\n\nЭто был ответ на «" + asked + "»."};
+}
+
 DemoAnswer demoAnswer(std::string_view question) {
     const std::string lower = lowerCase(question);
     DemoAnswer answer{{}, std::string(friendly), {}, 1};
@@ -298,7 +331,8 @@ DemoAnswer demoAnswer(std::string_view question) {
         const std::string asked = firstWords(question, quoteLength);
         if (!answer.thinking.empty())
             answer.thinking = "Спросили: " + asked + "\n" + answer.thinking;
-        answer.text = "> " + asked + "\n\n" + answer.text + "\n\nЭто был ответ на «" + asked + "».";
+        const DemoEcho echo = demoEcho(question);
+        answer.text = echo.head + answer.text + echo.tail;
     }
     return answer;
 }

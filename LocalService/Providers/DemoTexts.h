@@ -16,6 +16,13 @@ struct DemoAnswer {
     int slowness = 1;
 };
 
+/// What stands before and after an answer that is to be told from all others.
+struct DemoEcho {
+    std::string head;
+    std::string tail;
+};
+DemoEcho demoEcho(std::string_view question);
+
 /// Deterministic: the first row of the table whose word stands in the question decides.
 DemoAnswer demoAnswer(std::string_view question);
 

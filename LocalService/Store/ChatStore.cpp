@@ -1,5 +1,6 @@
 #include "Store/ChatStore.h"
 
+#include "Chat/AnswerContent.h"
 #include "Core/Json.h"
 #include "Core/Limits.h"
 #include "Core/Time.h"
@@ -91,18 +92,6 @@ json MessageRow::toJson() const {
         {"usageTokens", 0}};
 }
 
-json contentOf(const std::vector<Piece>& pieces) {
-    json content = json::array();
-    for (std::size_t i = 0; i < pieces.size();) {
-        const PieceKind kind = pieces[i].kind;
-        std::string text;
-        for (; i < pieces.size() && pieces[i].kind == kind; ++i)
-            text += pieces[i].body;
-        content.push_back({{"type", kind == PieceKind::text ? "text" : "thinking"}, {"text", std::move(text)}});
-    }
-    return content;
-}
-
 std::vector<ChatRow> ChatStore::chats(const std::string& userId) {
     return db_.run([&](soci::session& sql) {
         return selectChats(sql, "user_id = :u ORDER BY is_favorite DESC, updated_at DESC, id DESC", userId, 0);
@@ -152,7 +141,7 @@ std::vector<MessageRow> ChatStore::messages(const std::string& userId, long long
             chatId, &userId, &sessionId);
         for (auto& row : rows)
             if (row.content.empty() && row.role == "ai")
-                row.content = contentOf(pieces(sql, row.id));
+                row.content = contentOf(pieces(sql, row.id), AnswerState::running);
         return rows;
     });
 }
@@ -222,9 +211,26 @@ void insertPieces(soci::session& sql, Answer& answer) {
     for (std::size_t i = answer.stored; i < answer.pieces.size(); ++i) {
         // The statement reads it through its binding, which the analyzer cannot see.
         seq = static_cast<long long>(i); // NOLINT(clang-analyzer-deadcode.DeadStores)
-        kind = answer.pieces[i].kind == PieceKind::text ? "text" : "thinking";
+        kind = nameOf(answer.pieces[i].kind);
         body = answer.pieces[i].body;
         insert.execute(true);
+    }
+}
+
+/// Artifacts that an interruption has left unfinished: they are shown, so they can be asked for.
+void insertArtifacts(soci::session& sql, long long chatId, const json& blocks) {
+    const std::string now = toIso8601(WallClock::now());
+    for (const json& block : blocks) {
+        if (block["type"] != "artifact")
+            continue;
+        const auto id = block["id"].get<std::string>();
+        const auto title = block["title"].get<std::string>();
+        const auto kind = block["kind"].get<std::string>();
+        const auto text = block["text"].get<std::string>();
+        const int version = block.value("version", 1);
+        sql << "INSERT OR IGNORE INTO artifacts(chat_id, id, version, title, kind, text, created_at) "
+               "VALUES(:c, :i, :v, :t, :k, :x, :n)",
+            use(chatId), use(id), use(version), use(title), use(kind), use(text), use(now);
     }
 }
 
@@ -243,7 +249,9 @@ void ChatStore::storePieces(const std::vector<Answer*>& answers) {
 void ChatStore::endAnswer(Answer& answer) {
     db_.transact([&](soci::session& sql) {
         insertPieces(sql, answer);
-        const std::string content = dumpJson(contentOf(answer.pieces));
+        const json blocks = contentOf(answer.pieces, answer.state);
+        insertArtifacts(sql, answer.chatId, blocks);
+        const std::string content = dumpJson(blocks);
         const std::string state(nameOf(answer.state));
         const std::string now = toIso8601(WallClock::now());
         sql << "UPDATE messages SET content = :b WHERE id = :m", use(content), use(answer.messageId);
@@ -348,8 +356,41 @@ std::vector<Piece> ChatStore::pieces(soci::session& sql, long long messageId) {
         into(kind), into(body), use(messageId));
     query.execute();
     while (query.fetch())
-        result.push_back({kind == "text" ? PieceKind::text : PieceKind::thinking, body});
+        result.push_back({pieceKindOf(kind), body});
     return result;
+}
+
+int ChatStore::nextArtifactVersion(long long chatId, const std::string& id) {
+    return db_.run([&](soci::session& sql) {
+        int latest = 0;
+        sql << "SELECT coalesce(max(version), 0) FROM artifacts WHERE chat_id = :c AND id = :i", into(latest),
+            use(chatId), use(id);
+        return latest + 1;
+    });
+}
+
+int ChatStore::addArtifact(long long chatId, const ArtifactRow& artifact) {
+    const int version = nextArtifactVersion(chatId, artifact.id);
+    const std::string now = toIso8601(WallClock::now());
+    db_.run([&](soci::session& sql) {
+        sql << "INSERT INTO artifacts(chat_id, id, version, title, kind, text, created_at) "
+               "VALUES(:c, :i, :v, :t, :k, :x, :n)",
+            use(chatId), use(artifact.id), use(version), use(artifact.title), use(artifact.kind), use(artifact.text),
+            use(now);
+    });
+    return version;
+}
+
+std::optional<ArtifactRow> ChatStore::artifact(
+    const std::string& userId, long long chatId, const std::string& id, int version) {
+    return db_.run([&](soci::session& sql) -> std::optional<ArtifactRow> {
+        ArtifactRow row;
+        sql << "SELECT a.id, a.version, a.title, a.kind, a.text FROM artifacts a JOIN chats c ON c.id = a.chat_id "
+               "WHERE c.user_id = :u AND a.chat_id = :c AND a.id = :i AND a.version = :v",
+            into(row.id), into(row.version), into(row.title), into(row.kind), into(row.text), use(userId), use(chatId),
+            use(id), use(version);
+        return sql.got_data() ? std::optional(row) : std::nullopt;
+    });
 }
 
 }

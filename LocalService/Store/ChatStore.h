@@ -33,8 +33,13 @@ struct MessageRow {
     nlohmann::json toJson() const;
 };
 
-/// The content blocks of an answer made of these pieces: neighbours of one kind form one block.
-nlohmann::json contentOf(const std::vector<Piece>& pieces);
+struct ArtifactRow {
+    std::string id;
+    int version = 0;
+    std::string title;
+    std::string kind;
+    std::string text;
+};
 
 /// Chats, their messages and the answers that are being written. Every query names the user whose rows it means.
 class ChatStore {
@@ -65,6 +70,12 @@ public:
     void storeConfirmation(const Answer& answer);
     /// The final frame has arrived or is out of date: the pieces are no longer needed.
     void forgetPieces(const Answer& answer);
+
+    /// Stores the artifact as the next version of its id in the chat and returns its number.
+    int addArtifact(long long chatId, const ArtifactRow& artifact);
+    int nextArtifactVersion(long long chatId, const std::string& id);
+    std::optional<ArtifactRow> artifact(
+        const std::string& userId, long long chatId, const std::string& id, int version);
 
     /// Closes what a crash has left running: its pieces become its message.
     void closeInterrupted(const std::string& error);

@@ -43,6 +43,20 @@ constexpr std::array<std::string_view, Database::schemaVersion> migrations{
     ALTER TABLE answers ADD COLUMN create_confirmed INTEGER NOT NULL DEFAULT 0;
     ALTER TABLE answers ADD COLUMN pieces_confirmed INTEGER NOT NULL DEFAULT 0;
     )",
+    R"(
+    CREATE TABLE files(
+        id TEXT PRIMARY KEY, user_id TEXT NOT NULL REFERENCES users(id) ON DELETE CASCADE,
+        name TEXT NOT NULL, type TEXT NOT NULL, size INTEGER NOT NULL, created_at INTEGER NOT NULL);
+    CREATE INDEX files_of_user ON files(user_id);
+    CREATE TABLE file_uses(
+        file_id TEXT NOT NULL REFERENCES files(id) ON DELETE CASCADE,
+        chat_id INTEGER NOT NULL REFERENCES chats(id) ON DELETE CASCADE, PRIMARY KEY(file_id, chat_id)) WITHOUT ROWID;
+    CREATE INDEX file_uses_of_chat ON file_uses(chat_id);
+    CREATE TABLE artifacts(
+        chat_id INTEGER NOT NULL REFERENCES chats(id) ON DELETE CASCADE, id TEXT NOT NULL, version INTEGER NOT NULL,
+        title TEXT NOT NULL, kind TEXT NOT NULL, text TEXT NOT NULL, created_at TEXT NOT NULL,
+        PRIMARY KEY(chat_id, id, version)) WITHOUT ROWID;
+    )",
 };
 
 std::string connectString(const std::filesystem::path& file) {

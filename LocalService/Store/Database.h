@@ -16,7 +16,7 @@ namespace korvi::service {
 /// program is never touched: the constructor throws a StoreError that names it.
 class Database {
 public:
-    static constexpr int schemaVersion = 2;
+    static constexpr int schemaVersion = 3;
 
     explicit Database(const std::filesystem::path& file);
 

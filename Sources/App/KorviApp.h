@@ -6,14 +6,20 @@
 #include "Cache/DataCacheManager.h"
 #include "Chat/ChatService.h"
 #include "Chat/ChatViewModel.h"
+#include "Chat/ComposerAttachments.h"
 #include "DesktopAppearance.h"
 #include "Linux/BrowserAuthentication.h"
+#include "Linux/DesktopNotifications.h"
+#include "Linux/LoginSleepMonitor.h"
+#include "Linux/QtClipboard.h"
 #include "Linux/QtHttpTransport.h"
 #include "Linux/QtScheduler.h"
 #include "Linux/QtWebSocketTransport.h"
 #include "Linux/RoutePathMonitor.h"
 #include "Linux/SecretServiceKeychain.h"
 #include "Linux/SystemClock.h"
+#include "Markdown/FormulaEngine.h"
+#include "Linux/ThreadWorkers.h"
 #include "NotificationCenter.h"
 #include "Scenes.h"
 #include "Shell/AIDataConsent.h"
@@ -26,6 +32,7 @@
 #include "Shell/Onboarding.h"
 #include "Shell/ReviewManager.h"
 #include "Shell/SceneActivation.h"
+#include "Shell/TaskNotificationManager.h"
 #include "Shell/ThemeManager.h"
 #include "SignIn/SocialAuthService.h"
 
@@ -52,11 +59,13 @@ public:
     AuthViewModel& auth() { return m_auth; }
     ChatViewModel& chat() { return m_chat; }
     HomeViewModel& home() { return m_home; }
+    TaskNotificationManager& taskNotifications() { return m_taskNotifications; }
     DeepLinkHandler& deepLinks() { return m_deepLinks; }
     const Scenes& scenes() const { return m_scenes; }
 
 private:
     void tokenDied();
+    void tellOfAnswers();
 
     Info m_info;
     SystemClock m_clock;
@@ -67,6 +76,10 @@ private:
     SecretServiceKeychain m_keychain;
     QtHttpTransport m_http;
     QtWebSocketTransport m_sockets;
+    ThreadWorkers m_workers;
+    QtClipboard m_clipboard;
+    DesktopNotifications m_desktopNotifications;
+    LoginSleepMonitor m_sleep;
     NotificationCenter m_notifications;
     AuthTokenStore m_tokens;
     APIClient m_client;
@@ -76,6 +89,10 @@ private:
     SocialAuthService m_social;
     ChatService m_chatService;
     DataCacheManager m_cache;
+    TaskNotificationManager m_taskNotifications;
+    AttachmentIntake m_intake;
+    AttachmentUploader m_uploader;
+    ComposerAttachments m_attachments;
     AuthViewModel m_auth;
     ChatViewModel m_chat;
     std::unique_ptr<PathMonitor> m_paths;
@@ -90,6 +107,7 @@ private:
     CacheManager m_caches;
     AboutViewModel m_about;
     DesktopAppearance m_appearance;
+    FormulaEngine m_formulas;
     Scenes m_scenes;
     TaskScope m_scope; // last: its tasks end before anything they use
 };

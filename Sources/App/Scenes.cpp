@@ -1,6 +1,7 @@
 #include "Scenes.h"
 
 #include "Chat/ChatViewModel.h"
+#include "Markdown/FormulaEngine.h"
 #include "Shell/AIDataConsent.h"
 #include "Shell/AboutViewModel.h"
 #include "Shell/AuthViewModel.h"
@@ -27,9 +28,10 @@ void raise(QWindow* window) {
 
 }
 
-Scenes::Scenes(ViewModels viewModels, QObject* parent)
+Scenes::Scenes(ViewModels viewModels, FormulaEngine& formulas, QObject* parent)
     : QObject(parent)
     , m_viewModels(viewModels) {
+    formulas.serve(m_engine);
     connect(&m_viewModels.home, &HomeViewModel::settingsRequested, this, &Scenes::openSettings);
     connect(&m_viewModels.auth, &AuthViewModel::isAuthenticatedChanged, this, [this] {
         if (!m_viewModels.auth.isAuthenticated())

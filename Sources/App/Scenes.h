@@ -14,6 +14,7 @@ class AboutViewModel;
 class AuthViewModel;
 class CacheManager;
 class ChatViewModel;
+class FormulaEngine;
 class HomeViewModel;
 class Onboarding;
 class ThemeManager;
@@ -36,7 +37,7 @@ public:
         AboutViewModel& about;
     };
 
-    explicit Scenes(ViewModels viewModels, QObject* parent = nullptr);
+    Scenes(ViewModels viewModels, FormulaEngine& formulas, QObject* parent = nullptr);
     ~Scenes() override;
 
     // False when the window cannot be made.

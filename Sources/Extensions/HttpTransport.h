@@ -7,8 +7,12 @@
 #include <QUrl>
 
 #include <chrono>
+#include <functional>
+#include <memory>
 #include <utility>
 #include <vector>
+
+class QIODevice;
 
 namespace Korvi {
 
@@ -19,8 +23,11 @@ struct HttpRequest {
     QUrl url;
     HttpHeaders headers;
     QByteArray body;
-    std::chrono::milliseconds timeout = std::chrono::seconds(60);         // without any data coming or going
-    std::chrono::milliseconds resourceTimeout = std::chrono::seconds(30); // in all
+    // Sent instead of `body`, as it is read: open, of known size.
+    std::shared_ptr<QIODevice> bodyDevice = nullptr;
+    std::function<void(qint64 sent, qint64 total)> onUploadProgress = nullptr; // bytes
+    std::chrono::milliseconds timeout = std::chrono::seconds(60);              // without any data coming or going
+    std::chrono::milliseconds resourceTimeout = std::chrono::seconds(30);      // in all
 };
 
 struct HttpResponse {

@@ -24,6 +24,8 @@ signals:
     void projectChatDeleted(qint64 chatId);
     // Another organization, or none, is the current one: what was loaded belongs to the former.
     void organizationDidChange();
+    // A session of the agent has come to its end; `fromNotification`: the user has asked to see it.
+    void agentSessionCompleted(const QString& sessionId, bool fromNotification);
     // The machine has a network again, or none any more.
     void networkDidBecomeAvailable();
     void networkDidBecomeUnavailable();

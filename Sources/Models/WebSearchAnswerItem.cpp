@@ -28,7 +28,10 @@ WebSearchAnswerItem::WebSearchAnswerItem(QString itemText, std::optional<std::ve
     static const QRegularExpression citation(uR"(\[?\[(\d{1,2})\]\]?\((https?://[^)]+)\))"_s);
     static const QRegularExpression gap(uR"(\n{3,})"_s);
 
-    for (auto it = citation.globalMatch(text); it.hasNext();) {
+    // Every citation ends with a bracket: behind the last one there is none, and looking for it would be slow.
+    const qsizetype end = text.lastIndexOf(u')') + 1;
+    QString cited = text.first(end);
+    for (auto it = citation.globalMatch(cited); it.hasNext();) {
         const QRegularExpressionMatch found = it.next();
         const QString url = found.captured(2);
         const bool known = std::any_of(citationSources.begin(), citationSources.end(),
@@ -39,8 +42,8 @@ WebSearchAnswerItem::WebSearchAnswerItem(QString itemText, std::optional<std::ve
     std::stable_sort(citationSources.begin(), citationSources.end(),
         [](const CitationSource& a, const CitationSource& b) { return a.index < b.index; });
 
-    cleanedText = text;
-    cleanedText.remove(citation);
+    cleanedText = cited.remove(citation);
+    cleanedText += QStringView(text).sliced(end);
     cleanedText.replace(gap, u"\n\n"_s);
     cleanedText = cleanedText.trimmed();
 }

@@ -135,23 +135,29 @@ QQuickItem* Person::see(const QString& objectName) const {
     return found.value(0);
 }
 
-QStringList Person::read(const QString& objectName) const {
+QList<QQuickItem*> Person::seeAll(const QString& objectName) const {
     QList<QQuickItem*> found;
     collect(window()->contentItem(), objectName, found);
     std::sort(found.begin(), found.end(),
         [](const QQuickItem* a, const QQuickItem* b) { return a->mapToScene({}).y() < b->mapToScene({}).y(); });
+    return found;
+}
+
+QStringList Person::readQuestions() const {
     QStringList texts;
-    for (const QQuickItem* item : found)
+    for (const QQuickItem* item : seeAll(u"userText"_s))
         texts.append(item->property("text").toString());
     return texts;
 }
 
-QStringList Person::readQuestions() const {
-    return read(u"userText"_s);
-}
-
 QStringList Person::readAnswers() const {
-    return read(u"answerText"_s);
+    QStringList texts;
+    for (const QQuickItem* item : seeAll(u"answerText"_s)) {
+        QString text;
+        QMetaObject::invokeMethod(item->property("model").value<QObject*>(), "markdown", Q_RETURN_ARG(QString, text));
+        texts.append(text);
+    }
+    return texts;
 }
 
 }

@@ -41,14 +41,14 @@ public:
     // What the item that has the keyboard is called; empty without one.
     QString focus() const;
     QStringList readQuestions() const; // the bubbles on the screen, from the top
-    QStringList readAnswers() const;
+    QStringList readAnswers() const;   // as they were written
 
     KorviApp& app() { return *m_app; }
     ChatViewModel& chat() { return m_app->chat(); }
 
 private:
-    QStringList read(const QString& objectName) const;
-    QQuickWindow* window() const; // the one in front
+    QList<QQuickItem*> seeAll(const QString& objectName) const; // from the top
+    QQuickWindow* window() const;                               // the one in front
 
     QTemporaryDir m_home;
     FakePaths* m_paths = nullptr; // the client's

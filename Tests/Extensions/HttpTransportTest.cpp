@@ -3,10 +3,13 @@
 #include "Running.h"
 #include "WaitFor.h"
 
+#include <QBuffer>
 #include <QTcpServer>
 #include <QTcpSocket>
 
 #include <gmock/gmock.h>
+
+#include <algorithm>
 
 namespace Korvi::Test {
 namespace {
@@ -205,6 +208,49 @@ TEST_F(HttpTransportTest, CookiesOfTheServiceComeBackForTheSocketsHandshake) {
     ASSERT_EQ(code(*ended(get(server.url()))), "answer 200");
     EXPECT_EQ(http->cookieHeader(server.url(u"/"_s)), "a=1; b=2");
     EXPECT_EQ(http->cookieHeader(QUrl(u"http://127.0.0.2/"_s)), QByteArray());
+}
+
+// A server that reads a request to its end before it answers.
+class PatientServer : public QTcpServer {
+public:
+    PatientServer() {
+        EXPECT_TRUE(listen(QHostAddress::LocalHost));
+        connect(this, &QTcpServer::newConnection, this, [this] {
+            QTcpSocket* socket = nextPendingConnection();
+            connect(socket, &QTcpSocket::readyRead, this, [this, socket] {
+                received += socket->readAll();
+                const qsizetype head = received.indexOf("\r\n\r\n") + 4;
+                if (head > 4 && received.size() - head >= expected)
+                    socket->write(answer("200 OK", "{}"));
+            });
+        });
+    }
+    QByteArray received;
+    qsizetype expected = 0;
+};
+
+TEST_F(HttpTransportTest, ABodyIsReadFromItsDeviceAndItsProgressTold) {
+    PatientServer patient;
+    const QByteArray content = QByteArray("0123456789abcdef").repeated(100'000);
+    patient.expected = content.size();
+    auto body = std::make_shared<QBuffer>();
+    body->setData(content);
+    ASSERT_TRUE(body->open(QIODevice::ReadOnly));
+    std::vector<qint64> steps;
+    HttpRequest request = get(QUrl(u"http://127.0.0.1:%1/x"_s.arg(patient.serverPort())));
+    request.method = "POST";
+    request.bodyDevice = body;
+    request.onUploadProgress = [&](qint64 sent, qint64 total) {
+        steps.push_back(sent);
+        EXPECT_TRUE(total == content.size() || total <= 0) << total;
+    };
+    const auto running = ended(request);
+    EXPECT_EQ(code(*running), "answer 200");
+    EXPECT_TRUE(patient.received.toLower().contains("content-length: 1600000\r\n"));
+    EXPECT_TRUE(patient.received.endsWith(content));
+    EXPECT_TRUE(std::is_sorted(steps.begin(), steps.end()));
+    EXPECT_FALSE(steps.empty());
+    EXPECT_EQ(*std::max_element(steps.begin(), steps.end()), content.size());
 }
 
 }

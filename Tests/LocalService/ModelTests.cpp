@@ -1,11 +1,8 @@
 #include "Chat/ChatTitles.h"
-#include "Support/Client.h"
-#include "Support/FakeModel.h"
+#include "Support/Conversation.h"
 
 #include <csignal>
-#include <cstdlib>
 #include <gmock/gmock.h>
-#include <thread>
 
 namespace korvi::service::test {
 namespace {
@@ -13,55 +10,6 @@ namespace {
 using nlohmann::json;
 using testing::HasSubstr;
 using testing::Not;
-
-/// The service in front of a model that follows these scripts.
-struct Conversation {
-    explicit Conversation(std::vector<FakeModel::Script> scripts, std::vector<std::string> more = {},
-        std::vector<FakeModel::Script> titles = {})
-        : model(std::move(scripts), std::move(titles)) {
-        std::vector<std::string> arguments{
-            "--provider", "openai", "--openai-url", model.url(), "--model-for", "auto=small-model"};
-        arguments.insert(arguments.end(), more.begin(), more.end());
-        if (!model.givesTitles())
-            arguments.push_back("--no-model-titles");
-        ::setenv("KORVI_OPENAI_KEY", "key-of-the-test", 1);
-        service = std::make_unique<ServiceProcess>(folder.path(), arguments);
-        ::unsetenv("KORVI_OPENAI_KEY");
-        token = signIn(*service, "user@example.com");
-        client = std::make_unique<ChatClient>(service->port(), token);
-    }
-
-    std::vector<json> ask(const std::string& text) {
-        client->send(createFrame(text));
-        return client->receiveAnswer();
-    }
-
-    std::string nameOf(long long chat) const {
-        const json chats = request(service->port(), "GET", "/chats", {}, token).body["data"];
-        for (const json& each : chats)
-            if (each["id"] == chat)
-                return each["name"];
-        return {};
-    }
-    /// Waits for it; a name that does not come is found by the test's time limit.
-    void expectName(long long chat, const std::string& name) const {
-        while (nameOf(chat) != name)
-            std::this_thread::yield();
-    }
-
-    TemporaryFolder folder;
-    FakeModel model;
-    std::unique_ptr<ServiceProcess> service;
-    std::string token;
-    std::unique_ptr<ChatClient> client;
-};
-
-std::vector<std::string> split(const std::string& text, std::size_t size) {
-    std::vector<std::string> parts{streamHead()};
-    for (std::size_t at = 0; at < text.size(); at += size)
-        parts.push_back(text.substr(at, size));
-    return parts;
-}
 
 TEST(Model, AStreamIsFoldedHoweverItIsSplit) {
     const std::string body = ": keep-alive\r\n\r\n" + event({{"role", "assistant"}, {"content", ""}}) +

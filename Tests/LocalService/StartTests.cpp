@@ -25,7 +25,7 @@ TEST(Start, OneLineTellsAddressAndFolderAndTheFilesAreClosedToOthers) {
     };
     EXPECT_EQ(mode(data), 0700U);
     for (const auto& file : std::filesystem::directory_iterator(data))
-        EXPECT_EQ(mode(file.path()), 0600U) << file.path();
+        EXPECT_EQ(mode(file.path()), file.is_directory() ? 0700U : 0600U) << file.path();
     service.signal(SIGTERM);
     EXPECT_EQ(service.wait(), 0);
     EXPECT_EQ(service.errors(), "");

@@ -55,6 +55,7 @@ public:
     }
     // From now on nothing arrives, in either direction, and neither end knows.
     void doom() { m_isDoomed = true; }
+    bool isDoomed() const { return m_isDoomed; }
     bool breakLine() {
         if (!isOpen())
             return false;

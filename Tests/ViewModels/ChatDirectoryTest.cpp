@@ -121,8 +121,6 @@ TEST_F(ChatDirectoryTest, AnswersForTheFormerOrganizationAreNotTakenForThisOnes)
     http.hold(u"/chats"_s);
     run([this] { return directory.load(); });
     FakeHttp::Exchange& formerList = http.last();
-    run([this] { return directory.prefetchMessages(virtualTime.now()); });
-    FakeHttp::Exchange& formerMessages = http.last();
     run([this] { return directory.toggleFavorite(1); });
     FakeHttp::Exchange& formerFavorite = http.last();
 
@@ -130,11 +128,9 @@ TEST_F(ChatDirectoryTest, AnswersForTheFormerOrganizationAreNotTakenForThisOnes)
     directory.clear();
     load({chat(7, u"Общий"_s)});
     formerList.answer(list({chat(1, u"Свой"_s)}));
-    formerMessages.answer(messages(1));
     formerFavorite.answer(chat(1, u"Свой"_s, u",\"isFavorite\":true"_s));
     EXPECT_THAT(shown(), ElementsAre(u"Общий"_s));
     EXPECT_THAT(cached(), ElementsAre(u"Общий"_s));
-    EXPECT_EQ(cache.getCachedMessages(1), std::nullopt);
 }
 
 }

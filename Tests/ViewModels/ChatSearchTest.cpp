@@ -1,5 +1,6 @@
 #include "Chat/ChatFilterModel.h"
 #include "Chat/ChatQuickFindModel.h"
+#include "Chat/FoundChat.h"
 #include "Chat/FuzzyMatch.h"
 #include "Chat/SearchText.h"
 #include "Printing.h"
@@ -84,7 +85,7 @@ QStringList namesIn(const QAbstractItemModel& model) {
 
 QStringList marksIn(const QAbstractItemModel& model, int row) {
     const QString name = model.index(row, 0).data(Names::Name).toString();
-    const QVariantList marks = model.index(row, 0).data(ChatFilterModel::MarksRole).toList();
+    const QVariantList marks = model.index(row, 0).data(FoundChat::MarksRole).toList();
     QStringList marked;
     for (qsizetype i = 0; i + 1 < marks.size(); i += 2)
         marked.append(name.mid(marks[i].toInt(), marks[i + 1].toInt()));

@@ -5,8 +5,10 @@
 #include "Cache/DataCacheManager.h"
 #include "Chat/ChatService.h"
 #include "Chat/ChatViewModel.h"
+#include "Chat/ComposerAttachments.h"
 #include "FakeRandom.h"
 #include "FakeSocket.h"
+#include "TestAttachments.h"
 
 #include <QJsonArray>
 
@@ -30,6 +32,7 @@ protected:
         client_.reset();
         client_ = std::make_unique<Client>(*this);
         chat = &client_->chat;
+        files = &client_->files;
     }
     // The same, signed in.
     void restart() {
@@ -67,6 +70,13 @@ protected:
     void created(int id) { service.push(frame(QStringLiteral("create"), chatJson(id))); }
     void chunk(const QString& text) { service.push(frame(QStringLiteral("chunk"), {{"content", text}})); }
     void thinking(const QString& text) { service.push(frame(QStringLiteral("thinking"), {{"content", text}})); }
+    void toolStart(const QString& tool) { service.push(frame(QStringLiteral("tool_start"), {{"tool", tool}})); }
+    void toolArgs(const QString& tool, const QJsonObject& args) {
+        service.push(frame(QStringLiteral("tool_call_args"), {{"tool", tool}, {"args", args}}));
+    }
+    void toolEnd(const QString& tool, const QJsonObject& content) {
+        service.push(frame(QStringLiteral("tool_end"), {{"tool", tool}, {"content", content}}));
+    }
     void end() { service.push(frame(QStringLiteral("end"), {})); }
     void error(const QString& message, int chatId = 0) {
         QJsonObject data{{"message", message}};
@@ -107,14 +117,18 @@ protected:
     UsersService users{client};
     DataCacheManager cache{defaults, virtualTime};
     ChatViewModel* chat = nullptr;
+    TestAttachments* files = nullptr;
 
 private:
     struct Client {
         explicit Client(ChatViewModelTest& test)
-            : service({test.client, test.service, test.virtualTime, test.random})
+            : files(test)
+            , service({test.client, test.service, test.virtualTime, test.random})
             , chat({service, test.users, test.cache, test.defaults, test.virtualTime, test.virtualTime, test.random,
-                  test.notifications}) {}
+                  test.notifications, attachments}) {}
 
+        TestAttachments files;
+        ComposerAttachments attachments{{files.intake, files.uploader, files.clipboard, files.random}};
         ChatService service;
         ChatViewModel chat;
     };

@@ -91,9 +91,69 @@ TEST_F(ConversationState, MessagesOfTheFormerOrganizationAreNotCachedForTheNext)
     chat->selectChat(2);
     defaults.setString(u"currentOrganizationId"_s, u"org"_s);
     emit notifications.organizationDidChange();
-    http.open(u"/chats/2/messages"_s).answer(messagesJson(2, {u"чужое"_s}));
+    EXPECT_FALSE(http.hasOpen(u"/chats/2/messages"_s));
     EXPECT_EQ(cache.getCachedMessages(2), std::nullopt);
     EXPECT_EQ(chat->activeProjectId(), std::nullopt);
+}
+
+TEST_F(ConversationState, AnEmptyChatIsToldFromOneWhoseMessagesHaveNotCome) {
+    const QString messages = u"/chats/1/messages"_s;
+    EXPECT_TRUE(chat->areMessagesLoaded()) << "a new chat has none to come";
+    http.hold(messages);
+    chat->selectChat(1);
+    EXPECT_FALSE(chat->areMessagesLoaded());
+    http.open(messages).answer("{}", 500);
+    EXPECT_FALSE(chat->areMessagesLoaded());
+    virtualTime.advance(3s);
+    http.open(messages).fail(URLError::Code::notConnectedToInternet);
+    service.breakOff();
+    virtualTime.advance(2s);
+    service.accept(); // "they appear when the connection returns"
+    http.open(messages).answer(messagesJson(1, {}));
+    EXPECT_TRUE(chat->areMessagesLoaded());
+    EXPECT_EQ(chat->messages()->count(), 0);
+    chat->selectChat(2);
+    EXPECT_TRUE(chat->areMessagesLoaded()); // at once
+    chat->selectChat(1);
+    EXPECT_FALSE(chat->areMessagesLoaded());
+    chat->createChat();
+    EXPECT_TRUE(chat->areMessagesLoaded());
+}
+
+TEST_F(ConversationState, TheStatusSaysWhatBecameOfTheConnection) {
+    EXPECT_EQ(chat->connectionStatus(), u"Connected"_s);
+    http.fail(u"/sockets/ticket"_s, URLError::Code::notConnectedToInternet);
+    service.breakOff();
+    virtualTime.advance(5s);
+    EXPECT_EQ(chat->connectionStatus(), u"Reconnecting..."_s) << "nobody asked for it";
+    chat->reconnect();
+    EXPECT_EQ(chat->connectionStatus(), u"Failed"_s);
+    http.hold(u"/sockets/ticket"_s);
+    chat->reconnect();
+    EXPECT_EQ(chat->connectionStatus(), u"Connecting..."_s);
+    http.open(u"/sockets/ticket"_s).answer(R"({"ticket":"t"})");
+    service.accept();
+    EXPECT_EQ(chat->connectionStatus(), u"Connected"_s);
+
+    http.hold(u"/chats"_s);
+    emit notifications.organizationDidChange();
+    EXPECT_EQ(chat->connectionStatus(), u"Connecting..."_s) << "the line has been given up";
+}
+
+TEST_F(ConversationState, AnErrorStaysForItsTimeWhateverTheLineDoes) {
+    chat->selectChat(1);
+    ask(u"a"_s);
+    chunk(u"Раз"_s);
+    error(u"Занято"_s, 1);
+    service.breakOff();
+    virtualTime.advance(3s);
+    service.accept();
+    chat->reconnect();
+    service.accept();
+    EXPECT_EQ(chat->generationError(), u"Занято"_s);
+    EXPECT_TRUE(chat->canRetryError());
+    virtualTime.advance(5s);
+    EXPECT_EQ(chat->generationError(), QString());
 }
 
 }

@@ -5,6 +5,7 @@
 #include "Cache/DataCacheManager.h"
 #include "Chat/ChatService.h"
 #include "Chat/ChatViewModel.h"
+#include "Chat/ComposerAttachments.h"
 #include "FakeRandom.h"
 #include "FakeSocket.h"
 #include "FakeWebAuthentication.h"
@@ -14,6 +15,8 @@
 #include "Shell/ReviewManager.h"
 #include "Shell/SceneActivation.h"
 #include "SignIn/SocialAuthService.h"
+#include "SleepMonitor.h"
+#include "TestAttachments.h"
 
 #include <gtest/gtest.h>
 
@@ -52,7 +55,10 @@ protected:
     ChatService chatService{{client, sockets, virtualTime, random}};
     AuthViewModel auth{{client, authentication, users, social, virtualTime, [this] { home.forgetConversations(); }}};
     DataCacheManager cache{defaults, virtualTime};
-    ChatViewModel chat{{chatService, users, cache, defaults, virtualTime, virtualTime, random, notifications}};
+    TestAttachments files{*this};
+    ComposerAttachments attachments{{files.intake, files.uploader, files.clipboard, random}};
+    ChatViewModel chat{
+        {chatService, users, cache, defaults, virtualTime, virtualTime, random, notifications, attachments}};
     DeepLinkHandler deepLinks;
     Onboarding onboarding{defaults, [this] { return auth.isAuthenticated(); }};
     HomeViewModel home{{auth, chat, chatService, notifications, deepLinks, onboarding}};
@@ -171,7 +177,8 @@ TEST_F(HomeTest, ADraftWaitsForItsUserAndForNobodyElse) {
 TEST_F(HomeTest, ComingToTheFrontRefreshesTheUserButNotRightAfterTheStart) {
     const Info info(QJsonObject{{"CFBundleShortVersionString", "2.5"}});
     ReviewManager reviews(defaults, info, virtualTime, virtualTime);
-    SceneActivation activation(auth, reviews, virtualTime);
+    SleepMonitor sleep;
+    SceneActivation activation(auth, chat, reviews, sleep, virtualTime);
     http.hold(u"/user"_s);
     auth.start();
     activation.becameActive(); // while the first check runs
@@ -193,6 +200,26 @@ TEST_F(HomeTest, ComingToTheFrontRefreshesTheUserButNotRightAfterTheStart) {
     EXPECT_EQ(defaults.integer(u"review_sessionCount"_s), 4);
     virtualTime.advance(2s);
     EXPECT_EQ(defaults.string(u"review_lastPromptVersion"_s), u"2.5"_s);
+}
+
+TEST_F(HomeTest, ComingBackOrWakingUpAsksWhatBecameOfTheAnswer) {
+    const Info info(QJsonObject{{"CFBundleShortVersionString", "2.5"}});
+    ReviewManager reviews(defaults, info, virtualTime, virtualTime);
+    SleepMonitor sleep;
+    SceneActivation activation(auth, chat, reviews, sleep, virtualTime);
+    auth.start();
+    sockets.accept();
+    chat.setCurrentInput(u"вопрос"_s);
+    chat.sendMessage();
+    activation.becameActive();
+    EXPECT_FALSE(chat.isRecovering()) << "it had not been away";
+    activation.becameInactive();
+    activation.becameActive();
+    EXPECT_TRUE(chat.isRecovering());
+    virtualTime.advance(3s);
+    EXPECT_FALSE(chat.isRecovering());
+    emit sleep.awoke();
+    EXPECT_TRUE(chat.isRecovering());
 }
 
 TEST(ChatBootstrap, LoadsOnceAndAgainOnlyWhenForced) {

@@ -1,4 +1,6 @@
 // Runs the tst_*.qml files beside it. A warning of the QML engine, a binding loop among them, ends the run.
+#include "MarkdownValues.h"
+
 #include <QQmlContext>
 #include <QQmlEngine>
 #include <QQuickWindow>
@@ -25,6 +27,7 @@ class Setup : public QObject {
 public slots:
     void qmlEngineAvailable(QQmlEngine* engine) {
         engine->rootContext()->setContextProperty("keyboard", &m_keyboard);
+        engine->rootContext()->setContextProperty("markdown", &m_markdown);
         connect(engine, &QQmlEngine::warnings, this, [](const QList<QQmlError>& warnings) {
             for (const QQmlError& warning : warnings)
                 qFatal("QML warning: %s", qUtf8Printable(warning.toString()));
@@ -33,6 +36,7 @@ public slots:
 
 private:
     Keyboard m_keyboard;
+    Korvi::MarkdownValues m_markdown;
 };
 
 QUICK_TEST_MAIN_WITH_SETUP(views, Setup)

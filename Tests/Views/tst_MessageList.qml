@@ -48,14 +48,19 @@ Item {
         readonly property string paragraph: "Сортировка слиянием делит список пополам и сливает половины. "
 
         function add(isUser, text) {
-            messages.append({ messageId: nextId++, isUser: isUser, text: text, thinking: isUser ? "" : "Ход мысли.",
-                isStreaming: !isUser })
+            messages.append({ messageId: nextId++, isUser: isUser, text: text, question: isUser ? text : "",
+                content: isUser ? "" : text, thinking: isUser ? "" : "Ход мысли.", isStreaming: !isUser })
+        }
+
+        function answer(row, text) {
+            messages.setProperty(row, "text", text)
+            messages.setProperty(row, "content", text)
         }
 
         function grow(times) {
             const last = messages.count - 1
             for (let i = 0; i < times; ++i)
-                messages.setProperty(last, "text", messages.get(last).text + paragraph + "\n")
+                answer(last, messages.get(last).text + paragraph + "\n\n")
             settled()
         }
 
@@ -213,7 +218,7 @@ Item {
             keyClick(data.key, data.modifiers)
             const menu = findChild(list, "messageMenu")
             tryVerify(() => menu.opened)
-            compare(offered(), ["Копировать", "Повторить", "Удалить"])
+            compare(offered(), ["Копировать", "Копировать как Markdown", "Повторить", "Удалить"])
             keyClick(Qt.Key_Escape)
             tryVerify(() => !menu.visible)
             verify(list.column.itemAt(messages.count - 1).activeFocus, "the keyboard is back on the row")
@@ -221,7 +226,7 @@ Item {
             list.focusRow(messages.count - 3)
             keyClick(data.key, data.modifiers)
             tryVerify(() => menu.opened)
-            compare(offered(), ["Копировать", "Удалить"])
+            compare(offered(), ["Копировать", "Копировать как Markdown", "Удалить"])
             menu.close()
         }
 
@@ -237,7 +242,11 @@ Item {
             }
             deletion.clear()
             retry.clear()
+            answer(last, "# Слияние\n\nСлово **жирно**.\n- раз\n- `два`")
+            settled()
             choose("copyItem")
+            compare(clipboard(), "Слияние\n\nСлово жирно.\n\n• раз\n• два")
+            choose("copyMarkdownItem")
             compare(clipboard(), messages.get(last).text)
             choose("retryItem")
             compare(retry.count, 1)
@@ -272,24 +281,24 @@ Item {
 
         function test_selectionSurvivesStreamingAndIsCopied() {
             const row = focusLast()
-            const answer = findChild(row, "textPart")
-            answer.select(5, 25)
-            const selected = answer.selectedText
+            const shown = findChild(row, "textPart")
+            shown.select(5, 25)
+            const selected = shown.selectedText
             grow(5)
-            compare(answer.selectedText, selected)
-            answer.select(3, answer.length)
-            const toTheEnd = answer.selectedText
+            compare(shown.selectedText, selected)
+            shown.select(3, shown.length)
+            const toTheEnd = shown.selectedText
             grow(2)
-            compare(answer.selectedText, toTheEnd)
-            answer.forceActiveFocus()
+            compare(shown.selectedText, toTheEnd)
+            shown.forceActiveFocus()
             keySequence("Ctrl+C")
-            compare(clipboard().length, toTheEnd.length)
+            compare(clipboard(), toTheEnd.replace(/\n/g, "\n\n").trim())
 
             keyClick(Qt.Key_Menu)
             const menu = findChild(list, "messageMenu")
             tryVerify(() => menu.opened)
-            compare(offered(), ["Копировать", "Копировать выделенное", "Удалить"])
-            compare(answer.selectedText, toTheEnd, "the menu leaves the selection alone")
+            compare(offered(), ["Копировать", "Копировать как Markdown", "Копировать выделенное", "Удалить"])
+            compare(shown.selectedText, toTheEnd, "the menu leaves the selection alone")
             keyClick(Qt.Key_Escape)
             tryVerify(() => !menu.visible)
         }
@@ -297,31 +306,31 @@ Item {
         function test_caretSelectsByKeyboard() {
             const row = focusLast()
             keySequence("Ctrl+C")
-            compare(clipboard(), messages.get(messages.count - 1).text)
+            compare(clipboard(), messages.get(messages.count - 1).text.trim())
             keyClick(Qt.Key_Return)
-            const answer = findChild(row, "textPart")
-            verify(answer.activeFocus)
-            verify(answer.cursorVisible)
+            const shown = findChild(row, "textPart")
+            verify(shown.activeFocus)
+            verify(shown.cursorVisible)
             keyClick(Qt.Key_Right)
             keyClick(Qt.Key_Right, Qt.ShiftModifier)
             keyClick(Qt.Key_Right, Qt.ShiftModifier)
-            compare(answer.selectedText, paragraph.slice(1, 3))
+            compare(shown.selectedText, paragraph.slice(1, 3))
             keyClick(Qt.Key_Down, Qt.ShiftModifier)
             keySequence("Ctrl+C")
-            compare(clipboard(), answer.selectedText)
+            compare(clipboard(), shown.selectedText)
             keyClick(Qt.Key_Escape)
             verify(row.activeFocus)
-            verify(!answer.cursorVisible)
+            verify(!shown.cursorVisible)
             keySequence("Ctrl+A")
-            compare(answer.selectedText.length, answer.length)
+            compare(shown.selectedText.length, shown.length)
         }
 
         function test_mouseSelectsAndArrowsStillScroll() {
             const row = list.column.itemAt(messages.count - 1)
-            const answer = findChild(row, "textPart")
-            mouseDrag(answer, 5, answer.height - 30, 150, 0, Qt.LeftButton, Qt.NoModifier, 50)
-            verify(answer.selectedText.length > 5, answer.selectedText)
-            verify(answer.activeFocus)
+            const shown = findChild(row, "textPart")
+            mouseDrag(shown, 5, shown.height - 30, 150, 0, Qt.LeftButton, Qt.NoModifier, 50)
+            verify(shown.selectedText.length > 5, shown.selectedText)
+            verify(shown.activeFocus)
             const before = list.column.position
             keyClick(Qt.Key_PageUp)
             verify(list.column.position < before)
@@ -389,30 +398,30 @@ Item {
         }
 
         function test_textSizeKeepsWhatIsRead() {
-            messages.setProperty(9, "text", paragraph.repeat(60))
+            answer(9, paragraph.repeat(60))
             list.column.positionAtRow(9)
             settled()
             list.column.scrollBy(300)
             settled()
-            const answer = findChild(list.column.itemAt(9), "textPart")
-            const top = () => answer.mapFromItem(list, 0, list.column.topPadding).y
-            const read = answer.positionAt(0, top())
-            const below = top() - answer.positionToRectangle(read).y
+            const shown = findChild(list.column.itemAt(9), "textPart")
+            const top = () => shown.mapFromItem(list, 0, list.column.topPadding).y
+            const read = shown.positionAt(0, top())
+            const below = top() - shown.positionToRectangle(read).y
             for (const size of [20, 11, 13]) {
                 Theme.textSize = size
                 settled()
-                fuzzyCompare(top() - answer.positionToRectangle(read).y, below, 1, "size " + size)
+                fuzzyCompare(top() - shown.positionToRectangle(read).y, below, 1, "size " + size)
             }
         }
 
         function test_selectionGoesOverTheBordersOfParts() {
             const last = messages.count - 1
-            messages.setProperty(last, "text", (paragraph.repeat(4) + "\n").repeat(40))
+            answer(last, (paragraph.repeat(4).trim() + "\n\n").repeat(40))
             settled()
             const text = messages.get(last).text
-            const answer = findChild(list.column.itemAt(last), "answerText")
+            const column = findChild(list.column.itemAt(last), "answerText")
             // The border between the last two parts, in view.
-            const lower = answer.itemAt(answer.model.count - 1)
+            const lower = column.itemAt(column.model.count - 1)
             list.column.scrollBy(-200)
             settled()
             list.column.scrollTo(list.column.rowPosition(last) + lower.mapToItem(list.column.itemAt(last), 0, 0).y - 200)
@@ -424,49 +433,49 @@ Item {
             settled()
             mouseRelease(list, 160, y + 50)
             settled()
-            const selected = answer.selectedText()
+            const selected = column.selectedText()
             verify(selected.indexOf("\n") > 0, selected)
             verify(text.indexOf(selected) >= 0, "as it stands in the text: " + selected)
-            const shown = answer.itemAt(answer.model.count - 2).selectedText + "\n" + lower.selectedText
-            compare(shown.replace(/\u2029/g, "\n"), selected)
+            const shown = column.itemAt(column.model.count - 2).selectedText + "\n" + lower.selectedText
+            compare(shown.replace(/\n/g, "\n\n"), selected)
             keySequence("Ctrl+C")
             compare(clipboard(), selected)
 
             list.focusRow(last)
             keySequence("Ctrl+A")
             keySequence("Ctrl+C")
-            compare(clipboard(), text)
+            compare(clipboard(), text.trim())
             list.focusRow(last - 1)
-            compare(answer.selectedText(), "")
+            compare(column.selectedText(), "")
         }
 
         // 256 KB, and as much again that comes while it is read.
         function test_answerOfAnyLengthCostsWhatIsSeen() {
             const last = messages.count - 1
-            const many = (paragraph.repeat(4) + "\n").repeat(550)
-            messages.setProperty(last, "text", many)
+            const many = (paragraph.repeat(4) + "\n\n").repeat(550)
+            answer(last, many)
             settled()
-            const answer = findChild(list.column.itemAt(last), "answerText")
-            verify(answer.height > 20000, answer.height)
+            const shown = findChild(list.column.itemAt(last), "answerText")
+            verify(shown.height > 20000, shown.height)
             compare(Math.round(list.distanceToEnd), 0)
-            verify(answer.liveParts() <= 4, answer.liveParts() + " parts")
+            verify(shown.liveParts() <= 4, shown.liveParts() + " parts")
 
             for (let i = 0; i < 60; ++i) {
-                const part = answer.itemAt(answer.partAt(list.column.position + list.height / 2
+                const part = shown.itemAt(shown.partAt(list.column.position + list.height / 2
                     - list.column.rowPosition(last)))
                 const before = part.mapToItem(list, 0, 0).y
                 list.column.scrollBy(-300)
                 list.column.forceLayout()
                 verify(Math.abs(part.mapToItem(list, 0, 0).y - before - 300) <= 1, "screen " + i)
-                verify(answer.liveParts() <= 4, answer.liveParts() + " parts")
+                verify(shown.liveParts() <= 4, shown.liveParts() + " parts")
             }
             list.showEnd()
             settled()
             list.column.scrollBy(-700)
             settled()
-            const part = answer.itemAt(answer.model.count - 1)
+            const part = shown.itemAt(shown.partAt(list.column.position + 100 - list.column.rowPosition(last)))
             const before = part.mapToItem(list, 0, 0).y
-            messages.setProperty(last, "text", many + many)
+            answer(last, many + many)
             settled()
             compare(part.mapToItem(list, 0, 0).y, before)
             verify(!list.following)
@@ -519,7 +528,7 @@ Item {
             findChild(row, "copyButton").forceActiveFocus(Qt.TabFocusReason)
             compare(list.column.focusedRow, messages.count - 1)
             keyClick(Qt.Key_Space)
-            compare(clipboard(), messages.get(messages.count - 1).text)
+            compare(clipboard(), messages.get(messages.count - 1).text.trim())
         }
     }
 }

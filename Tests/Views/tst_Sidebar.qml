@@ -115,6 +115,21 @@ FocusScope {
             verify(search.activeFocus)
         }
 
+        function test_whatWasFoundIsNotElided() {
+            const name = "Очень длинное название чата, в конце которого стоит искомое слово мотокультиватор и ещё немного"
+            chats.setProperty(5, "name", name)
+            type("мотокульт")
+            compare(names(), [name])
+            const shown = findChild(rowOn(0), "chatName")
+            const place = name.indexOf("мотокульт")
+            verify(shown.cut > 0 && shown.cut < place, "cut " + shown.cut)
+            verify(shown.text.startsWith("…"))
+            compare(shown.Accessible.name, name)
+            search.clear()
+            type("Очень")
+            compare(findChild(rowOn(0), "chatName").cut, 0)
+        }
+
         function headings() {
             list.forceLayout()
             const texts = []

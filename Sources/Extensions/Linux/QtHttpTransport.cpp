@@ -66,14 +66,22 @@ Async<HttpResponse> QtHttpTransport::send(HttpRequest request) {
     outgoing.setTransferTimeout(static_cast<int>(request.timeout.count()));
     for (const auto& [name, value] : request.headers)
         outgoing.setRawHeader(name, value);
-    QNetworkReply* reply = m_manager.sendCustomRequest(outgoing, request.method, request.body);
+    QNetworkReply* reply = request.bodyDevice
+        ? m_manager.sendCustomRequest(outgoing, request.method, request.bodyDevice.get())
+        : m_manager.sendCustomRequest(outgoing, request.method, request.body);
+    if (request.onUploadProgress)
+        QObject::connect(reply, &QNetworkReply::uploadProgress, reply,
+            [report = request.onUploadProgress](qint64 sent, qint64 total) {
+                if (total > 0) // Qt ends with a report of nothing
+                    report(sent, total);
+            });
 
     auto* limit = new QTimer(reply);
     limit->setSingleShot(true);
     QObject::connect(limit, &QTimer::timeout, reply, &QNetworkReply::abort);
     limit->start(request.resourceTimeout);
 
-    QObject::connect(reply, &QNetworkReply::finished, reply, [reply, resolver]() mutable {
+    QObject::connect(reply, &QNetworkReply::finished, reply, [reply, resolver, body = request.bodyDevice]() mutable {
         reply->deleteLater();
         const QVariant status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);
         // Qt reports 4xx and 5xx as errors too. Any other error, be it behind a good status, means

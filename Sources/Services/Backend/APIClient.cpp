@@ -3,6 +3,7 @@
 #include "Log.h"
 #include "NotificationCenter.h"
 
+#include <QIODevice>
 #include <QStringDecoder>
 
 namespace Korvi {
@@ -80,18 +81,42 @@ Task<QByteArray> APIClient::perform(QString path, QByteArray method, std::option
     HttpRequest request{
         .method = method,
         .url = url,
-        .headers = m_headers,
+        .headers = {},
         .body = {},
         .timeout = requestTimeout,
         .resourceTimeout = resourceTimeout,
     };
-    const Secret token = co_await m_dependencies.tokens.read();
-    if (!token.isEmpty())
-        request.headers.emplace_back("Authorization", "Bearer " + token.reveal());
     if (body) {
         request.headers.emplace_back("Content-Type", "application/json");
         request.body = QJsonDocument(*body).toJson(QJsonDocument::Compact);
     }
+    QByteArray answer = co_await exchange(std::move(path), std::move(request), form);
+    co_return std::move(answer);
+}
+
+Task<QByteArray> APIClient::upload(std::shared_ptr<QIODevice> form, QByteArray contentType,
+    std::function<void(qint64 sent, qint64 total)> onProgress) {
+    const QString path = u"/storage/upload"_s;
+    HttpRequest request{
+        .method = "POST",
+        .url = QUrl(uploadURL()),
+        .headers = {{"Content-Type", contentType}},
+        .body = {},
+        .bodyDevice = std::move(form),
+        .onUploadProgress = std::move(onProgress),
+        .timeout = requestTimeout,
+        .resourceTimeout = uploadTimeout,
+    };
+    QByteArray answer = co_await exchange(path, std::move(request), Form::json);
+    co_return std::move(answer);
+}
+
+Task<QByteArray> APIClient::exchange(QString path, HttpRequest request, Form form) {
+    const QByteArray method = request.method;
+    request.headers.insert(request.headers.begin(), m_headers.begin(), m_headers.end());
+    const Secret token = co_await m_dependencies.tokens.read();
+    if (!token.isEmpty())
+        request.headers.emplace_back("Authorization", "Bearer " + token.reveal());
 
     const HttpResponse response = co_await m_dependencies.http.send(std::move(request));
     if (response.status == 0)

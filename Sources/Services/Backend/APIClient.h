@@ -25,6 +25,7 @@ public:
 
     static constexpr auto requestTimeout = std::chrono::seconds(60);
     static constexpr auto resourceTimeout = std::chrono::seconds(30);
+    static constexpr auto uploadTimeout = std::chrono::minutes(10); // in all, as long as it goes on
 
     APIClient(Dependencies dependencies, const Info& info);
 
@@ -46,6 +47,10 @@ public:
     Task<QByteArray> requestData(
         QString path, QByteArray method = "GET", std::optional<QJsonObject> body = std::nullopt);
 
+    // One file as the form that `uploadURL()` takes. Gives the bytes of the answer.
+    Task<QByteArray> upload(std::shared_ptr<QIODevice> form, QByteArray contentType,
+        std::function<void(qint64 sent, qint64 total)> onProgress);
+
     Task<Secret> authToken() { return m_dependencies.tokens.read(); }
     Task<void> setAuthToken(Secret token) { return m_dependencies.tokens.write(std::move(token)); }
 
@@ -60,6 +65,8 @@ private:
     enum class Form { json, bytes };
 
     Task<QByteArray> perform(QString path, QByteArray method, std::optional<QJsonObject> body, Form form);
+    // Fills in the headers, and maps the failures of the answer.
+    Task<QByteArray> exchange(QString path, HttpRequest request, Form form);
 
     template <class T>
     static T decode(const QByteArray& bytes) {

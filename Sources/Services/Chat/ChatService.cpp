@@ -68,6 +68,7 @@ Task<void> ChatService::openSocket(quint64 attempt) {
         qCWarning(lcChatService).noquote() << "❌ [ChatService] Failed to get ticket:" << *failure;
         m_isConnecting = false;
         scheduleReconnect();
+        emit attemptFailed(*failure);
         co_return;
     }
 
@@ -80,6 +81,7 @@ Task<void> ChatService::openSocket(quint64 attempt) {
     if (!url.isValid()) {
         qCWarning(lcChatService) << "❌ [ChatService] Invalid URL string!";
         m_isConnecting = false;
+        emit attemptFailed(u"invalid URL"_s);
         co_return;
     }
     WebSocketRequest request{.url = url, .headers = {{"Origin", origin.toLatin1()}}, .openTimeout = openTimeout};
@@ -214,6 +216,7 @@ void ChatService::disconnect() {
     m_isConnecting = false;
     ++m_connectionId;
     dropSocket(1000);
+    emit disconnected();
 }
 
 Task<void> ChatService::reconnectAndWait() {

@@ -67,6 +67,10 @@ public:
 
     const QStringList& pendingMessages() const { return m_pendingMessages; } // oldest first
 
+signals:
+    void attemptFailed(const QString& reason); // it was given up before there was a socket
+    void disconnected();                       // by disconnect(): of that there is no event
+
 private:
     // A socket may be dropped from inside its own signal, so it ends in a later turn.
     struct EndLater {

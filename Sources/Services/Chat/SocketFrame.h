@@ -14,6 +14,8 @@ struct File {
     QString url;
     QString filename;
     QString mimetype;
+
+    bool operator==(const File&) const = default;
 };
 
 // The events of one received frame, in order: none for a frame that is malformed or unknown, two for the start of

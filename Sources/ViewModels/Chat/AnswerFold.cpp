@@ -115,11 +115,12 @@ SeenText& AnswerFold::seen(const std::vector<MessageContent>& content, Kind kind
     return seen;
 }
 
-QString AnswerFold::withoutRepeat(Kind kind, const QString& joinedText, const QString& piece) {
+QString AnswerFold::withoutRepeat(Kind kind, const QString& piece) {
+    const QString& received = kind == Kind::text ? m_textReceived : m_thinkingReceived;
     auto& repeated = kind == Kind::text ? m_textRepeated : m_thinkingRepeated;
     if (!repeated)
         return piece;
-    const QStringView rest = QStringView(joinedText).mid(*repeated);
+    const QStringView rest = QStringView(received).mid(*repeated);
     if (rest.startsWith(piece)) {
         *repeated += piece.size();
         return {};
@@ -135,7 +136,7 @@ AnswerFold::Outcome AnswerFold::fold(std::vector<MessageContent>& content, const
     SeenText& whole = seen(content, kind);
     const bool hasPlaceholder = has<MessageContent::Generating>(content);
     for (const QString& received : pieces) {
-        const QString piece = withoutRepeat(kind, whole.text(), withoutEscapes(received));
+        const QString piece = withoutRepeat(kind, withoutEscapes(received));
         if (piece.isEmpty())
             continue;
         if (kind == Kind::thinking) {
@@ -143,11 +144,13 @@ AnswerFold::Outcome AnswerFold::fold(std::vector<MessageContent>& content, const
                 qCInfo(lcAnswerFold) << "⚠️ [ChatViewModel] Duplicate thinking chunk detected, skipping";
                 continue;
             }
+            m_thinkingReceived += piece;
             if (auto* last = content.empty() ? nullptr : content.back().as<Thinking>())
                 last->text += piece;
             else
                 content.push_back({Thinking{piece}});
         } else {
+            m_textReceived += piece;
             if (hasCharacters(piece, hasPlaceholder ? 1 : shortestRepeat) && whole.contains(piece))
                 continue;
             if (m_isReplaying) {

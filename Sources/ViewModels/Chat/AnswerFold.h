@@ -27,15 +27,18 @@ public:
 
 private:
     SeenText& seen(const std::vector<MessageContent>& content, Kind kind);
-    QString withoutRepeat(Kind kind, const QString& joined, const QString& piece);
+    QString withoutRepeat(Kind kind, const QString& piece);
 
     // The joined text and reasoning of the answer, kept from piece to piece.
     SeenText m_text;
     SeenText m_thinking;
 
+    // What the service has sent of it. The answer may hold more, of a tool for instance, and less.
+    QString m_textReceived;
+    QString m_thinkingReceived;
+
     bool m_isReplaying = false;
-    // How much of the joined text, and of the joined reasoning, the replay has repeated; absent when it has
-    // caught up or turned out not to be one.
+    // How much of what was received the replay has repeated; absent when it has caught up or turned out not to be one.
     std::optional<qsizetype> m_textRepeated;
     std::optional<qsizetype> m_thinkingRepeated;
 };

@@ -2,6 +2,7 @@
 
 #include "Cache/DataCacheManager.h"
 #include "Chat/ChatService.h"
+#include "Chat/InlineCitations.h"
 #include "Chat/MessageComposition.h"
 #include "Chat/MessageListModel.h"
 #include "Clock.h"
@@ -12,34 +13,53 @@ namespace Korvi {
 
 Q_LOGGING_CATEGORY(lcStream, "korvi.chat.stream", QtInfoMsg)
 
+namespace {
+
+void forgo(Generation& generation) {
+    if (!generation.isWaiting())
+        generation.stage = Generation::Stage::heard;
+    generation.isForgotten = true;
+    generation.isOpen = false;
+    generation.parked.clear();
+}
+
+}
+
 AnswerStream::AnswerStream(Dependencies dependencies, MessageListModel& shown, QObject* parent)
     : QObject(parent)
     , m_dependencies(dependencies)
     , m_shown(shown)
-    , m_journal(dependencies.defaults, dependencies.cache) {}
+    , m_journal(dependencies.defaults, dependencies.cache)
+    , m_expected(dependencies.defaults, dependencies.cache)
+    , m_silence({dependencies.chatService, dependencies.scheduler}, m_generations, *this) {}
 
-void AnswerStream::begin(Question question) {
+quint64 AnswerStream::begin(Question question, Files files) {
     Generation generation;
+    generation.isHeld = files == Files::onTheirWay;
+    generation.askedAt = m_dependencies.clock.now();
     generation.chatId = question.chatId;
     generation.question = std::move(question);
+    generation.timesAsked = MessageComposition::timesAsked(m_shown.messages(), generation.question.text);
     const Generation* before = m_generations.open();
     generation.joins = generation.chatId < 0 && before && before->chatId < 0;
-    m_generations.begin(std::move(generation));
+    emit touched(generation.chatId);
+    const quint64 serial = m_generations.begin(std::move(generation)).serial;
     settled();
+    return serial;
 }
 
 // In their order, and none past one of which it is not known whether it arrived: the answers come in the order of the
 // questions, and could not be told apart.
 void AnswerStream::submitNext() {
     std::erase_if(m_generations.all(), [](const Generation& generation) {
-        return !generation.isSubmitted && generation.state != Generation::State::running;
+        return generation.isWaiting() && generation.state != Generation::State::running;
     });
     for (Generation& generation : m_generations.all()) {
-        if (generation.isDoubtful)
+        if (generation.isDoubtful())
             return;
-        if (generation.isSubmitted)
+        if (!generation.isWaiting())
             continue;
-        if (generation.joins)
+        if (generation.joins || generation.isHeld)
             return;
         if (!m_dependencies.chatService.isConnected())
             return m_dependencies.chatService.connect();
@@ -64,15 +84,13 @@ void AnswerStream::joinFollowers(qint64 chatId) {
 
 void AnswerStream::submit(Generation& generation) {
     ChatService& service = m_dependencies.chatService;
-    generation.isSubmitted = true;
-    generation.isDoubtful = false;
-    generation.hasLeft = true;
+    generation.stage = Generation::Stage::sent;
     saveJournal(); // written down before it goes out
     const Question& question = generation.question;
     if (question.chatId < 0)
-        service.createChat(question.model, question.text, question.imageUrls, {}, question.projectId);
+        service.createChat(question.model, question.text, question.imageUrls, question.files, question.projectId);
     else
-        service.sendMessage(question.chatId, question.text, question.imageUrls);
+        service.sendMessage(question.chatId, question.text, question.imageUrls, question.files);
 }
 
 bool AnswerStream::stop() {
@@ -82,7 +100,11 @@ bool AnswerStream::stop() {
     flush();
     generation->textPieces.clear();
     generation->thinkingPieces.clear();
-    if (!generation->isSubmitted) {
+    generation->hasArtifactPieces = false;
+    ToolEvents::rest(generation->tools);
+    generation->imageWatchdog.cancel();
+    generation->endWatchdog.cancel();
+    if (generation->isWaiting()) {
         giveBack(*generation);
     } else if (generation->chatId > 0) {
         m_dependencies.chatService.stopGeneration(generation->chatId);
@@ -125,10 +147,9 @@ void AnswerStream::forget(qint64 chatId) {
         if (generation.chatId != chatId)
             continue;
         generation.state = Generation::State::stopped;
-        generation.isHeard = true; // nobody asks for its question any more
-        generation.isOpen = false;
-        generation.parked.clear();
+        forgo(generation);
     }
+    m_expected.forget(chatId);
     settled();
 }
 
@@ -136,35 +157,43 @@ void AnswerStream::dropAll() {
     for (Generation& generation : m_generations.all()) {
         if (generation.state == Generation::State::running)
             generation.state = generation.chatId > 0 ? Generation::State::stopped : Generation::State::stopRequested;
-        generation.isHeard = true;
-        generation.isOpen = false;
-        generation.parked.clear();
+        forgo(generation);
     }
+    m_expected.clear();
     settled();
 }
 
 void AnswerStream::restore() {
     for (ReplayGuard::Ended& answer : m_journal.restoreEnded()) {
-        if (answer.chatId > 0)
-            m_restoredEnds.push_back(answer.chatId);
         m_guard.ended(std::move(answer));
     }
+    m_expected.restore();
     for (Generation& generation : m_journal.restore())
         m_generations.begin(std::move(generation));
+    // Their files were on their way, and are not there any more.
+    std::vector<Generation*> held;
+    for (Generation& generation : m_generations.all()) {
+        if (generation.isHeld && generation.state == Generation::State::running)
+            held.push_back(&generation);
+    }
+    for (Generation* generation : held)
+        giveBack(*generation);
     settled();
 }
 
+void AnswerStream::forgetJournal() {
+    m_journal.clear();
+    m_expected.clear();
+}
+
 void AnswerStream::reset() {
-    m_scope.cancel();
+    m_silence.cancel();
     m_generations.clear();
     m_guard.clear();
     m_answeredNewChats.clear();
     m_isGenerating = false;
     m_flushTimer.cancel();
-    m_reconnectTimer.cancel();
-    m_silenceTimer.cancel();
     m_guardTimer.cancel();
-    m_patienceTimer.cancel();
     m_shown.setStreaming(false);
     emit generatingChatsChanged({});
     emit changed();
@@ -187,7 +216,7 @@ AnswerStream::Owner AnswerStream::created(qint64 chatId) {
         return Owner::none;
     // Those before it have had their ends, though not here.
     while (m_generations.current() != generation)
-        emit waitingEnded(finish(m_generations.current()).chatId);
+        ended(*m_generations.current());
     generation->chatId = chatId;
     joinFollowers(chatId);
     const bool isOpen = generation->isOpen;
@@ -203,9 +232,7 @@ AnswerStream::Owner AnswerStream::created(qint64 chatId) {
 void AnswerStream::receive(const QString& piece, AnswerFold::Kind kind) {
     if (m_guard.ownsPiece(piece, kind))
         return;
-    Generation* generation = m_generations.current();
-    if (generation && generation->chatId < 0)
-        generation = nullptr; // a new chat is told of before its answer begins
+    Generation* generation = addressee();
     if (generation) {
         takeNotice(*generation);
         if (kind == AnswerFold::Kind::text && generation->textHead.size() < ReplayGuard::headLength)
@@ -217,14 +244,19 @@ void AnswerStream::receive(const QString& piece, AnswerFold::Kind kind) {
         qCInfo(lcStream) << "⚠️ [ChatViewModel] Dropped a piece: no answer is under way";
         return;
     }
+    generation->endWatchdog.cancel();
     (kind == AnswerFold::Kind::text ? generation->textPieces : generation->thinkingPieces).append(piece);
+    flushLater();
+}
+
+void AnswerStream::flushLater() {
     if (m_flushTimer.isActive())
         return;
     // The first piece shows without delay, what follows in steps that a list can redraw.
     flush();
     m_flushTimer = m_dependencies.scheduler.every(flushInterval, [this] {
         const Generation* running = m_generations.current();
-        const bool isQuiet = !running || (running->textPieces.isEmpty() && running->thinkingPieces.isEmpty());
+        const bool isQuiet = !running || !running->hasNews();
         flush();
         // Without news there is nothing to wake up for; the next piece starts the timer again.
         if (isQuiet)
@@ -234,24 +266,27 @@ void AnswerStream::receive(const QString& piece, AnswerFold::Kind kind) {
 
 void AnswerStream::flush() {
     Generation* generation = m_generations.current();
-    if (!generation || (generation->textPieces.isEmpty() && generation->thinkingPieces.isEmpty()))
-        return;
-    if (!generation->isOpen) {
-        if (!generation->parked.empty())
-            foldInto(*generation, generation->parked.back());
-        return;
-    }
+    if (generation && generation->hasNews())
+        change(*generation, [&](ChatMessage& answer) { return foldInto(*generation, answer); });
+}
+
+bool AnswerStream::change(Generation& generation, const std::function<bool(ChatMessage&)>& apply) {
+    if (!generation.isOpen)
+        return !generation.parked.empty() && apply(generation.parked.back());
     const int last = m_shown.count() - 1;
     if (last < 0) {
         qCWarning(lcStream) << "⚠️ [ChatViewModel] updateLastMessage: no messages";
-        return;
+        return false;
     }
-    m_shown.update(last, [&](ChatMessage& answer) { return foldInto(*generation, answer); });
+    bool isChanged = false;
+    m_shown.update(last, [&](ChatMessage& answer) { return isChanged = apply(answer); });
+    return isChanged;
 }
 
 bool AnswerStream::foldInto(Generation& generation, ChatMessage& answer) {
     const QStringList thinking = std::exchange(generation.thinkingPieces, {});
     const QStringList text = std::exchange(generation.textPieces, {});
+    const bool hasArtifactPieces = std::exchange(generation.hasArtifactPieces, false);
     if (answer.role != ChatMessage::Role::ai) {
         qCWarning(lcStream) << "⚠️ [ChatViewModel] updateLastMessage: last message is not AI, it's"
                             << rawValue(answer.role);
@@ -261,29 +296,18 @@ bool AnswerStream::foldInto(Generation& generation, ChatMessage& answer) {
         answer.content.emplace();
     const AnswerFold::Outcome thought = generation.fold.fold(*answer.content, thinking, AnswerFold::Kind::thinking);
     const AnswerFold::Outcome told = generation.fold.fold(*answer.content, text, AnswerFold::Kind::text);
-    if (generation.isOpen && (thought.follow || told.follow))
+    const bool hasGrown = hasArtifactPieces && ToolEvents::applyArtifact(generation.tools, answer);
+    const bool isRepaired = ToolEvents::repairPlaceholder(generation.tools, answer);
+    if (generation.isOpen && (thought.follow || told.follow || hasGrown))
         emit followed();
-    return thought.changed || told.changed;
-}
-
-void AnswerStream::heard() {
-    m_reconnectTimer.cancel();
+    return thought.changed || told.changed || hasGrown || isRepaired;
 }
 
 // The service has the question, since this is of its answer.
 void AnswerStream::takeNotice(Generation& generation) {
-    m_heardLately = true;
-    if (&generation == m_generations.current()) {
-        m_isSilent = false;
-        m_silenceTimer.cancel();
-    }
-    const bool isNew = !generation.isHeard || generation.isDoubtful;
-    generation.isHeard = true;
-    generation.isDoubtful = false;
-    if (isNew) {
-        submitNext();
-        saveJournal();
-    }
+    m_silence.heardOf(generation);
+    if (!generation.isHeard())
+        arrived(generation);
 }
 
 void AnswerStream::disconnected() {
@@ -294,22 +318,27 @@ void AnswerStream::disconnected() {
 
 // What left on a line that is lost may be lost with it.
 void AnswerStream::doubt() {
-    for (Generation& generation : m_generations.all())
-        generation.isDoubtful = generation.hasLeft && !generation.isHeard;
+    for (Generation& generation : m_generations.all()) {
+        if (generation.stage != Generation::Stage::sent)
+            continue;
+        generation.stage = Generation::Stage::doubtful;
+        generation.wasDoubtful = true;
+    }
 }
 
 void AnswerStream::connected() {
     const QDateTime now = m_dependencies.clock.now();
-    m_wasAwayTooLong = m_lostAt && m_lostAt->secsTo(now) >= ReplayGuard::replayLife.count();
+    const bool wasAwayTooLong = m_lostAt && m_lostAt->secsTo(now) >= ReplayGuard::replayLife.count();
     m_lostAt.reset();
     flush();
     doubt();
     m_guard.connected(now);
     relaxLater();
     for (Generation& generation : m_generations.all()) {
-        generation.sawReconnect = generation.sawReconnect || generation.hasLeft;
+        generation.sawReconnect = generation.sawReconnect || generation.hasLeft();
         // The word to stop may have been lost with the line.
-        if (generation.state == Generation::State::stopped && !m_generations.runningOf(generation.chatId))
+        if (generation.state == Generation::State::stopped && !generation.isOverdue &&
+            !m_generations.runningOf(generation.chatId))
             m_dependencies.chatService.stopGeneration(generation.chatId);
     }
     submitNext();
@@ -319,204 +348,111 @@ void AnswerStream::connected() {
         return;
     qCInfo(lcStream) << "🔌 [ChatViewModel] Reconnected during generation — enabling replay dedup";
     generation->fold.beginReplay();
-    listenForSilence();
-    m_reconnectTimer = m_dependencies.scheduler.after(reconnectTimeout, [this] { giveUp(); });
+    generation->tools.replay.begin();
+    m_silence.connected(wasAwayTooLong);
 }
 
-void AnswerStream::watchForRepeats() {
-    m_guard.watch();
-    relaxLater();
-}
-
-// What is repeated is repeated at once.
 void AnswerStream::relaxLater() {
     if (m_guard.isWatching())
-        m_guardTimer = m_dependencies.scheduler.after(silenceTimeout, [this] { m_guard.relax(); });
-}
-
-void AnswerStream::giveUp() {
-    m_reconnectTimer.cancel();
-    if (!m_generations.current())
-        return;
-    qCWarning(lcStream) << "🔌 [ChatViewModel] Reconnect timeout (120s) — generation likely ended, resetting state";
-    std::vector<Generation*> waiting;
-    for (Generation& generation : m_generations.all()) {
-        if (generation.hasLeft && generation.sawReconnect)
-            waiting.push_back(&generation);
-    }
-    for (Generation* generation : waiting) {
-        if (generation->isHeard)
-            emit waitingEnded(finish(generation).chatId);
-    }
-    // Of the others it is not known whether they arrived.
-    m_isSilent = true;
-    askLater(std::chrono::seconds(0), true);
-}
-
-void AnswerStream::listenForSilence() {
-    m_isSilent = true;
-    askLater(silenceTimeout, false);
-}
-
-void AnswerStream::askLater(std::chrono::seconds delay, bool mayResend) {
-    m_silenceTimer = m_dependencies.scheduler.after(
-        delay, [this, mayResend] { m_scope.start([this, mayResend] { return askAboutSilence(mayResend); }); });
-}
-
-// Answers that ended while the line was down for long are not repeated, and a question may have been lost with the
-// line: the messages of the chat tell. An answer that is still being worked on stays.
-Task<void> AnswerStream::askAboutSilence(bool mayResend) {
-    // What has been sent on this line only is waited for without asking.
-    for (Generation* generation = m_generations.current();
-         m_isSilent && generation && (generation->isDoubtful || generation->sawReconnect);
-         generation = m_generations.current()) {
-        const quint64 serial = generation->serial;
-        const qint64 chatId = generation->chatId;
-        if (generation->state != Generation::State::running && generation->isHeard) {
-            finish(generation);
-            continue;
-        }
-        std::vector<ChatMessage> messages;
-        if (chatId > 0) {
-            try {
-                messages = co_await m_dependencies.chatService.getMessages(chatId);
-            } catch (const TaskCancelled&) {
-                throw;
-            } catch (const std::exception& error) {
-                qCWarning(lcStream).noquote() << "❌ [ChatViewModel] Error loading messages:" << error.what();
-                co_return askLater(resendTimeout, false);
-            }
-            generation = m_generations.current();
-            if (!generation || generation->serial != serial || !m_isSilent)
-                co_return;
-            if (generation->state != Generation::State::running && knows(messages, *generation)) {
-                finish(generation);
-                continue;
-            }
-            if (isComplete(*generation, messages)) {
-                adopt(*generation, messages);
-                finish(generation);
-                continue;
-            }
-        }
-        if (generation->isHeard || (chatId > 0 && knows(messages, *generation))) {
-            generation->isDoubtful = false;
-            generation->isHeard = true;
-            submitNext();
-            co_return askLater(resendTimeout, false);
-        }
-        // Of a new chat only its creation can tell.
-        if (!mayResend)
-            co_return askLater(chatId > 0 ? resendTimeout : creationTimeout, true);
-        // A new chat may have been made that we were never told of: not to be asked twice unseen. And what was
-        // stopped is not to be asked again.
-        const bool mayBeThere = chatId < 0 && (generation->isRestored || m_wasAwayTooLong);
-        if (mayBeThere || generation->state != Generation::State::running) {
-            giveBack(*generation);
-            settled();
-            continue;
-        }
-        qCInfo(lcStream) << "📤 [ChatViewModel] A question was lost with the line, sending it again";
-        submit(*generation);
-        submitNext();
-        co_return askLater(resendTimeout, false);
-    }
-}
-
-// As long as an answer is waited for, its chat is asked now and then whether it is there: should its end have been taken
-// for another's, nothing else would tell.
-void AnswerStream::keepPatience() {
-    if (m_patienceTimer.isActive())
-        return;
-    m_heardLately = false;
-    m_patienceTimer = m_dependencies.scheduler.after(patience, [this] {
-        if (!m_generations.current())
-            return;
-        if (!m_heardLately && m_dependencies.chatService.isConnected())
-            m_scope.start([this] { return askWhetherComplete(); });
-        m_patienceTimer.cancel();
-        keepPatience();
-    });
-}
-
-Task<void> AnswerStream::askWhetherComplete() {
-    const Generation* asked = m_generations.current();
-    if (!asked || asked->chatId < 0 || asked->state != Generation::State::running)
-        co_return;
-    const quint64 serial = asked->serial;
-    const qint64 chatId = asked->chatId;
-    std::vector<ChatMessage> messages;
-    try {
-        messages = co_await m_dependencies.chatService.getMessages(chatId);
-    } catch (const TaskCancelled&) {
-        throw;
-    } catch (const std::exception& error) {
-        qCWarning(lcStream).noquote() << "❌ [ChatViewModel] Error loading messages:" << error.what();
-        co_return;
-    }
-    Generation* generation = m_generations.current();
-    if (!generation || generation->serial != serial || m_heardLately || !isComplete(*generation, messages))
-        co_return;
-    adopt(*generation, messages);
-    finish(generation);
+        m_guardTimer = m_dependencies.scheduler.after(replayTimeout, [this] { m_guard.relax(); });
 }
 
 const std::vector<ChatMessage>& AnswerStream::messagesOf(const Generation& generation) const {
     return generation.isOpen ? m_shown.messages() : generation.parked;
 }
 
-// How many messages there are does not tell: what was refused or given back may still stand here.
-bool AnswerStream::isComplete(const Generation& generation, const std::vector<ChatMessage>& messages) const {
-    return !messages.empty() && MessageComposition::isAnswer(messages.back()) && knows(messages, generation) &&
-        MessageComposition::lastQuestion(messages) == MessageComposition::lastQuestion(messagesOf(generation));
+void AnswerStream::arrived(Generation& generation) {
+    if (generation.hasLeft())
+        generation.stage = Generation::Stage::heard;
+    submitNext();
+    saveJournal();
 }
 
-// Whether the service has the question: as often as it stands here.
-bool AnswerStream::knows(const std::vector<ChatMessage>& messages, const Generation& generation) const {
-    const auto count = [&](const std::vector<ChatMessage>& list) {
-        return std::count_if(list.begin(), list.end(), [&](const ChatMessage& message) {
-            return message.role == ChatMessage::Role::user && message.text() == generation.question.text;
-        });
-    };
-    return count(messages) >= std::max<std::ptrdiff_t>(1, count(messagesOf(generation)));
-}
-
-void AnswerStream::adopt(Generation& generation, const std::vector<ChatMessage>& messages) {
-    if (generation.isOpen)
-        m_shown.setMessages(messages);
-    else
-        generation.parked = messages;
+void AnswerStream::answered(Generation& generation, const std::vector<ChatMessage>& stored) {
+    const bool isRunning = generation.state == Generation::State::running;
+    if (isRunning && generation.isOpen)
+        m_shown.setMessages(stored);
+    else if (isRunning)
+        generation.parked = stored;
     // Its frames may still come.
-    generation.textHead = MessageComposition::joinedText(messages.back()).left(ReplayGuard::headLength);
-    generation.thinkingTail = MessageComposition::joinedThinking(messages.back()).right(ReplayGuard::tailLength);
+    if (const auto* answer = MessageComposition::answerTo(stored, generation.question.text, generation.timesAsked)) {
+        generation.textHead = MessageComposition::joinedText(*answer).left(ReplayGuard::headLength);
+        generation.thinkingTail = MessageComposition::joinedThinking(*answer).right(ReplayGuard::tailLength);
+    }
     generation.isUnheardEnd = true;
+    if (isRunning)
+        emit answerReady(generation.chatId, generation.askedAt);
+    finish(&generation);
+}
+
+void AnswerStream::ended(Generation& generation) {
+    generation.stage = Generation::Stage::heard;
+    // What has been stored is what there is.
+    generation.sawReconnect = true;
+    finish(&generation);
+}
+
+void AnswerStream::lost(Generation& generation) {
+    submit(generation);
+    submitNext();
+}
+
+void AnswerStream::returned(Generation& generation) {
+    giveBack(generation);
+    settled();
 }
 
 // The question, which the service does not have, returns to the one who asked it.
 void AnswerStream::giveBack(Generation& generation) {
-    const QString text = generation.question.text;
+    const Question question = generation.question;
     const qint64 chatId = generation.chatId;
     qCInfo(lcStream) << "↩️ [ChatViewModel] Question" << generation.serial << "of chat" << chatId
                      << "did not arrive";
-    // It may stand among the messages of a later turn of its chat as well.
-    bool isShown = generation.isOpen;
+    takeOffScreen(generation);
     for (Generation& each : m_generations.all()) {
-        if (each.chatId != chatId)
+        if (each.chatId == chatId && each.question.text == question.text && each.timesAsked > generation.timesAsked)
+            --each.timesAsked;
+    }
+    const bool hadFiles = generation.isHeld;
+    const quint64 serial = generation.serial;
+    m_generations.remove(&generation);
+    joinFollowers(-1);
+    if (hadFiles)
+        emit filesReturned(serial);
+    emit questionReturned(question.text);
+    emit touched(chatId);
+    emit comparisonWanted(chatId);
+}
+
+// It may stand among the messages of a later turn of its chat as well.
+void AnswerStream::takeOffScreen(const Generation& generation) {
+    const QString& question = generation.question.text;
+    bool isShown = false;
+    bool isOfChat = false;
+    for (Generation& each : m_generations.all()) {
+        // Of a chat without a number are those that wait to join it.
+        isOfChat =
+            &each == &generation || (generation.chatId < 0 ? isOfChat && each.joins : each.chatId == generation.chatId);
+        if (!isOfChat)
             continue;
         isShown = isShown || each.isOpen;
-        if (const auto row = MessageComposition::rowOfQuestion(each.parked, text)) {
+        if (const auto row = MessageComposition::rowOfQuestion(each.parked, question))
             each.parked.erase(each.parked.begin() + *row, each.parked.begin() + *row + 2);
-        }
     }
-    const auto row = isShown ? MessageComposition::rowOfQuestion(m_shown.messages(), text) : std::nullopt;
+    const auto row = isShown ? MessageComposition::rowOfQuestion(m_shown.messages(), question) : std::nullopt;
     if (row) {
         m_shown.remove(static_cast<int>(*row) + 1);
         m_shown.remove(static_cast<int>(*row));
     }
-    m_generations.remove(&generation);
-    joinFollowers(-1);
-    emit questionReturned(text);
-    emit waitingEnded(chatId);
+}
+
+bool AnswerStream::compare(qint64 chatId, const std::vector<ChatMessage>& stored) {
+    const ExpectedAnswers::Comparison comparison = m_expected.compare(chatId, stored);
+    for (const QString& question : comparison.missing) {
+        qCInfo(lcStream) << "↩️ [ChatViewModel] A question of chat" << chatId << "is not stored";
+        emit questionReturned(question);
+    }
+    return !comparison.isTooEarly;
 }
 
 std::optional<AnswerStream::Ending> AnswerStream::end() {
@@ -524,15 +460,31 @@ std::optional<AnswerStream::Ending> AnswerStream::end() {
     Generation* generation = m_generations.current();
     if (generation && generation->chatId < 0)
         generation = nullptr;
-    if (m_guard.ownsEnd(generation && generation->isHeard && generation->textHead.isEmpty())) {
+    if (m_guard.ownsEnd(generation && generation->isHeard() && generation->textHead.isEmpty())) {
         // Two answers may begin alike: then it was the one that is waited for, and its chat has it.
         if (generation) {
             generation->sawReconnect = true;
-            listenForSilence();
+            m_mayBeShifted = true;
+            m_silence.listen();
+            m_silence.ask();
         }
         return std::nullopt;
     }
-    return generation ? std::optional(finish(generation)) : std::nullopt;
+    if (!generation)
+        return std::nullopt;
+    const bool isRunning = generation->state == Generation::State::running;
+    if (isRunning) {
+        change(*generation, [generation](ChatMessage& answer) {
+            // A tool that never came to its end: the service may know of it.
+            const bool wasAtWork = MessageComposition::removePlaceholders(answer);
+            generation->lacksHistory = generation->lacksHistory || wasAtWork;
+            const bool isCleaned = answer.content && cleanInlineCitations(*answer.content);
+            return wasAtWork || isCleaned;
+        });
+    }
+    if (isRunning) // before its end, with which what is remembered of it goes
+        emit answerReady(generation->chatId, generation->askedAt);
+    return finish(generation);
 }
 
 std::optional<AnswerStream::Ending> AnswerStream::fail(std::optional<qint64> chatId) {
@@ -541,7 +493,12 @@ std::optional<AnswerStream::Ending> AnswerStream::fail(std::optional<qint64> cha
     Generation* generation = chatId ? m_generations.firstOf(*chatId) : m_generations.current();
     if (m_guard.ownsEnd(generation != nullptr) || !generation)
         return std::nullopt;
-    if (generation->isHeard || !generation->hasLeft)
+    // What says that a tool is at work stays until the stored answer has been seen.
+    if (ChatMessage answer; !messagesOf(*generation).empty()) {
+        answer = messagesOf(*generation).back();
+        generation->lacksHistory = MessageComposition::removePlaceholders(answer) || generation->lacksHistory;
+    }
+    if (generation->isHeard() || !generation->hasLeft())
         return finish(generation);
     // Nothing came of the question: it may have been refused, and then it is stored nowhere.
     if (generation->chatId < 0) {
@@ -550,55 +507,43 @@ std::optional<AnswerStream::Ending> AnswerStream::fail(std::optional<qint64> cha
         return std::nullopt;
     }
     // Out of the way of the frames that follow. If the client ends before it knows, the next one asks again.
-    generation->hasLeft = false;
+    generation->stage = Generation::Stage::refused;
+    const quint64 serial = generation->serial;
     settled();
-    m_scope.start([this, serial = generation->serial] { return settleRefusal(serial); });
+    m_silence.askAboutRefusal(serial);
     return std::nullopt;
-}
-
-Task<void> AnswerStream::settleRefusal(quint64 serial) {
-    const qint64 chatId = m_generations.find(serial)->chatId;
-    std::optional<std::vector<ChatMessage>> messages;
-    try {
-        messages = co_await m_dependencies.chatService.getMessages(chatId);
-    } catch (const TaskCancelled&) {
-        throw;
-    } catch (const std::exception& error) {
-        // As if it were unknown: rather once too often in the composer than gone.
-        qCWarning(lcStream).noquote() << "❌ [ChatViewModel] Error loading messages:" << error.what();
-    }
-    Generation* generation = m_generations.find(serial);
-    if (!generation)
-        co_return;
-    if (messages && knows(*messages, *generation)) {
-        generation->hasLeft = true;
-        emit waitingEnded(finish(generation).chatId);
-    } else {
-        giveBack(*generation);
-    }
-    settled();
 }
 
 AnswerStream::Ending AnswerStream::finish(Generation* generation) {
     qCInfo(lcStream) << "🏁 [ChatViewModel] Answer" << generation->serial << "of chat" << generation->chatId << "ended";
-    const Ending ending{.chatId = generation->chatId,
-        .wasOpen = generation->isOpen,
-        .createdChat = generation->createsChat(),
-        .isToBeVerified = generation->sawReconnect || generation->lacksHistory};
+    const Ending ending{
+        .chatId = generation->chatId, .wasOpen = generation->isOpen, .createdChat = generation->createsChat()};
     const std::vector<ChatMessage>& messages = messagesOf(*generation);
-    if (ending.chatId > 0) {
+    // Its frames may have been repeated or incomplete, or another's; what was read from the service is as it is stored.
+    const bool isAdopted = generation->isUnheardEnd && generation->state == Generation::State::running;
+    const bool isInDoubt = (generation->sawReconnect || generation->lacksHistory || m_mayBeShifted) && !isAdopted;
+    if (ending.chatId > 0 && ending.createdChat)
+        m_answeredNewChats.insert(ending.chatId);
+    if (ending.chatId > 0 && !generation->isForgotten) {
         if (!messages.empty())
             m_dependencies.cache.cacheMessages(messages, ending.chatId);
-        if (ending.createdChat)
-            m_answeredNewChats.insert(ending.chatId);
+        if (isInDoubt)
+            m_expected.add({.chatId = ending.chatId,
+                .question = generation->question.text,
+                .timesAsked = generation->timesAsked,
+                .mayBeMissing = generation->wasDoubtful && !generation->createsChat()});
+        emit touched(ending.chatId);
     }
-    if (generation->hasLeft) {
+    if (generation->hasLeft()) {
         m_guard.ended({.chatId = ending.chatId,
             .textHead = generation->textHead,
             .thinkingTail = generation->thinkingTail,
-            .at = m_dependencies.clock.now()});
-        if (generation->isUnheardEnd)
-            watchForRepeats();
+            .at = m_dependencies.clock.now(),
+            .toolHead = generation->tools.replay.head()});
+        if (generation->isUnheardEnd) {
+            m_guard.watch();
+            relaxLater();
+        }
     }
     const bool wasCurrent = generation == m_generations.current();
     m_generations.remove(generation);
@@ -607,8 +552,10 @@ AnswerStream::Ending AnswerStream::finish(Generation* generation) {
     settled();
     // Whether the next one arrived is not known yet.
     const Generation* next = m_generations.current();
-    if (wasCurrent && next && next->isDoubtful && !m_silenceTimer.isActive())
-        listenForSilence();
+    if (wasCurrent && next && next->isDoubtful() && !m_silence.isListening())
+        m_silence.listen();
+    if (m_expected.chats().contains(ending.chatId))
+        emit comparisonWanted(ending.chatId);
     return ending;
 }
 
@@ -617,17 +564,16 @@ void AnswerStream::saveJournal() {
 }
 
 void AnswerStream::settled() {
+    m_mayBeShifted = m_mayBeShifted && m_generations.current();
     submitNext();
     const Generation* open = m_generations.open();
     m_isGenerating = open && open->state == Generation::State::running;
     m_shown.setStreaming(m_isGenerating);
     if (m_generations.isEmpty()) {
         m_flushTimer.cancel();
-        m_reconnectTimer.cancel();
-        m_silenceTimer.cancel();
-        m_patienceTimer.cancel();
+        m_silence.rest();
     } else {
-        keepPatience();
+        m_silence.waitOn();
     }
     saveJournal();
     QSet<qint64> generating;

@@ -6,6 +6,8 @@
 
 #include <QLoggingCategory>
 
+#include <span>
+
 namespace Korvi {
 
 Q_LOGGING_CATEGORY(lcChats, "korvi.chat.list", QtInfoMsg)
@@ -96,29 +98,16 @@ Task<void> ChatDirectory::remove(qint64 chatId) {
     }
 }
 
-Task<void> ChatDirectory::prefetchMessages(QDateTime now) {
+std::vector<qint64> ChatDirectory::staleChats(const QDateTime& now) const {
     std::vector<qint64> ids;
-    for (const Chat& chat : m_chats.chats()) {
-        if (ids.size() < prefetchedChats)
+    const auto& chats = m_chats.chats();
+    for (const Chat& chat : std::span(chats).first(std::min(prefetchedChats, chats.size()))) {
+        const QDateTime fetched = m_dependencies.cache.messagesLastFetch.value(chat.id);
+        const auto age = std::chrono::milliseconds(fetched.isValid() ? fetched.msecsTo(now) : 0);
+        if (!fetched.isValid() || age > DataCacheManager::cacheTTL)
             ids.push_back(chat.id);
     }
-    DataCacheManager& cache = m_dependencies.cache;
-    const QString organization = cache.currentOrgSuffix();
-    for (const qint64 id : ids) {
-        const QDateTime fetched = cache.messagesLastFetch.value(id);
-        if (fetched.isValid() && fetched.msecsTo(now) <= std::chrono::milliseconds(DataCacheManager::cacheTTL).count())
-            continue;
-        try {
-            const std::vector<ChatMessage> messages = co_await m_dependencies.chatService.getMessages(id);
-            if (organization != cache.currentOrgSuffix())
-                co_return;
-            cache.cacheMessages(messages, id);
-        } catch (const TaskCancelled&) {
-            throw;
-        } catch (const std::exception& error) {
-            qCInfo(lcChats).noquote() << "⚠️ [ChatViewModel] Skipped a chat while prefetching:" << error.what();
-        }
-    }
+    return ids;
 }
 
 void ChatDirectory::clear() {

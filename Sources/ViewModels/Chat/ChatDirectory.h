@@ -30,8 +30,8 @@ public:
     Task<void> toggleFavorite(qint64 chatId);
     Task<void> rename(qint64 chatId, QString newName);
     Task<void> remove(qint64 chatId);
-    // Fetches the messages of the first five chats that were not fetched lately, one after the other.
-    Task<void> prefetchMessages(QDateTime now);
+    // Those of the first five chats whose messages were not fetched lately.
+    std::vector<qint64> staleChats(const QDateTime& now) const;
     void clear(); // from the screen, not from the cache
 
     ChatListModel* model() { return &m_chats; }

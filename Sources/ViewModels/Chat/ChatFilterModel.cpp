@@ -1,24 +1,12 @@
 #include "Chat/ChatFilterModel.h"
 #include "Chat/ChatDate.h"
+#include "Chat/FoundChat.h"
 #include "Chat/SearchText.h"
 
 #include <algorithm>
 #include <limits>
 
 namespace Korvi {
-
-namespace {
-
-QVariantList marksIn(const QString& name, const QStringList& words) {
-    QVariantList marks;
-    if (words.isEmpty())
-        return marks;
-    for (const TextRange& range : findWords(name, words))
-        marks << range.start << range.length;
-    return marks;
-}
-
-}
 
 void ChatFilterModel::setSource(QAbstractItemModel* source) {
     if (source == m_source)
@@ -58,7 +46,7 @@ void ChatFilterModel::setQuery(const QString& query) {
         m_words = words;
         becomeAccepted();
         if (!m_rows.empty())
-            emit dataChanged(index(0), index(count() - 1), {MarksRole});
+            emit dataChanged(index(0), index(count() - 1), {FoundChat::MarksRole});
     }
     emit queryChanged();
 }
@@ -68,7 +56,7 @@ void ChatFilterModel::setNow(const QDateTime& now) {
         return;
     m_now = now;
     if (!m_rows.empty())
-        emit dataChanged(index(0), index(count() - 1), {AgeRole});
+        emit dataChanged(index(0), index(count() - 1), {FoundChat::AgeRole});
     emit nowChanged();
 }
 
@@ -79,18 +67,15 @@ int ChatFilterModel::rowCount(const QModelIndex& parent) const {
 QVariant ChatFilterModel::data(const QModelIndex& index, int role) const {
     if (!m_source || !index.isValid() || index.row() >= count())
         return {};
-    if (role == MarksRole)
-        return m_words.isEmpty() ? QVariantList() : marksIn(nameAt(index.row()), m_words);
-    if (role == AgeRole)
+    if (role == FoundChat::MarksRole)
+        return m_words.isEmpty() ? QVariantList() : FoundChat::marks(findWords(nameAt(index.row()), m_words));
+    if (role == FoundChat::AgeRole)
         return formatChatDate(valueAt(index.row(), "updatedAt").toString(), m_now);
     return m_source->index(m_rows[static_cast<std::size_t>(index.row())], 0).data(role);
 }
 
 QHash<int, QByteArray> ChatFilterModel::roleNames() const {
-    QHash<int, QByteArray> names = m_source ? m_source->roleNames() : QHash<int, QByteArray>();
-    names.insert(MarksRole, "marks");
-    names.insert(AgeRole, "age");
-    return names;
+    return FoundChat::roleNames(m_source);
 }
 
 int ChatFilterModel::rowOf(qint64 chatId) const {
@@ -158,9 +143,7 @@ void ChatFilterModel::rebuild() {
     m_keys.clear();
     m_rows.clear();
     if (m_source) {
-        const auto names = m_source->roleNames();
-        for (auto it = names.begin(); it != names.end(); ++it)
-            m_roles.insert(it.value(), it.key());
+        m_roles = FoundChat::rolesOf(*m_source);
         for (int row = 0; row < m_source->rowCount(); ++row) {
             m_keys.push_back(keyOf(row));
             if (accepts(row))
@@ -241,9 +224,9 @@ void ChatFilterModel::sourceDataChanged(int first, int last, const QList<int>& r
     QList<int> announced = roles;
     if (!roles.isEmpty()) {
         if (renamed)
-            announced.append(MarksRole);
+            announced.append(FoundChat::MarksRole);
         if (roles.contains(roleOf("updatedAt")))
-            announced.append(AgeRole);
+            announced.append(FoundChat::AgeRole);
     }
     for (int sourceRow = first; sourceRow <= last; ++sourceRow) {
         const int row = placeOf(sourceRow);

@@ -11,7 +11,7 @@ namespace Korvi {
 
 // The rows of a list of chats whose names contain every word of a query, in the order of that list. A new query adds
 // and removes the rows that differ and no others, except far down a long list, where nobody looks and one step is
-// cheaper than hundreds; rows that the source moves, move. Beside the source's roles: "marks", where the words are in the name (start, length, start, length ...), and "age" (ChatDate.h).
+// cheaper than hundreds; rows that the source moves, move. Roles: the source's, and those of FoundChat.
 class ChatFilterModel : public QAbstractListModel {
     Q_OBJECT
     QML_ELEMENT
@@ -22,8 +22,6 @@ class ChatFilterModel : public QAbstractListModel {
     Q_PROPERTY(int count READ count NOTIFY countChanged)
 
 public:
-    static constexpr int MarksRole = Qt::UserRole + 1000;
-    static constexpr int AgeRole = MarksRole + 1;
     static constexpr int stepLimit = 64; // runs of rows that a new query adds or removes one by one
 
     using QAbstractListModel::QAbstractListModel;

@@ -1,5 +1,6 @@
 #include "Chat/ChatQuickFindModel.h"
 #include "Chat/ChatDate.h"
+#include "Chat/FoundChat.h"
 #include "Chat/FuzzyMatch.h"
 #include "Chat/SearchText.h"
 
@@ -47,24 +48,18 @@ QVariant ChatQuickFindModel::data(const QModelIndex& index, int role) const {
         return {};
     const Hit& hit = m_hits[static_cast<std::size_t>(index.row())];
     const QModelIndex origin = m_source->index(hit.sourceRow, 0);
-    if (role == AgeRole)
+    if (role == FoundChat::AgeRole)
         return formatChatDate(origin.data(m_roles.value("updatedAt", -1)).toString(), QDateTime::currentDateTimeUtc());
-    if (role != MarksRole)
+    if (role != FoundChat::MarksRole)
         return origin.data(role);
-    QVariantList marks;
     const QString name = origin.data(m_roles.value("name", -1)).toString();
     std::vector<qsizetype> sources;
     searchKey(name, &sources);
-    for (const TextRange& range : toRanges(hit.positions, sources, name.size()))
-        marks << range.start << range.length;
-    return marks;
+    return FoundChat::marks(toRanges(hit.positions, sources, name.size()));
 }
 
 QHash<int, QByteArray> ChatQuickFindModel::roleNames() const {
-    QHash<int, QByteArray> names = m_source ? m_source->roleNames() : QHash<int, QByteArray>();
-    names.insert(MarksRole, "marks");
-    names.insert(AgeRole, "age");
-    return names;
+    return FoundChat::roleNames(m_source);
 }
 
 qint64 ChatQuickFindModel::chatIdAt(int row) const {
@@ -78,9 +73,7 @@ void ChatQuickFindModel::read() {
     m_roles.clear();
     m_candidates.clear();
     if (m_source) {
-        const auto names = m_source->roleNames();
-        for (auto it = names.begin(); it != names.end(); ++it)
-            m_roles.insert(it.value(), it.key());
+        m_roles = FoundChat::rolesOf(*m_source);
         for (int row = 0; row < m_source->rowCount(); ++row) {
             const QModelIndex index = m_source->index(row, 0);
             m_candidates.push_back({row, index.data(m_roles.value("chatId", -1)).toLongLong(),

@@ -10,7 +10,7 @@
 namespace Korvi {
 
 // The chats that fit a query best, from a list of chats with the roles "chatId", "name" and "updatedAt"; without a
-// query the most recent ones but the open one. Roles: the source's, "marks" and "age" as ChatFilterModel has them.
+// query the most recent ones but the open one. Roles: the source's, and those of FoundChat.
 class ChatQuickFindModel : public QAbstractListModel {
     Q_OBJECT
     QML_ELEMENT
@@ -21,8 +21,6 @@ class ChatQuickFindModel : public QAbstractListModel {
 
 public:
     static constexpr int limit = 50; // rows at the most
-    static constexpr int MarksRole = Qt::UserRole + 1000;
-    static constexpr int AgeRole = MarksRole + 1;
 
     explicit ChatQuickFindModel(QObject* parent = nullptr);
 

@@ -21,6 +21,7 @@ Q_LOGGING_CATEGORY(lcChat, "korvi.chat", QtInfoMsg)
 
 namespace {
 
+constexpr auto aiPlus = "aiplus"_L1; // the model that takes video and audio
 constexpr auto slowHint = u"Это может занять время...";
 const auto ownerKey = u"conversationsOwner"_s; // whose lists are cached
 const auto draftKey = u"composerDraft"_s;
@@ -32,34 +33,61 @@ ChatViewModel::ChatViewModel(Dependencies dependencies, QObject* parent)
     : QObject(parent)
     , m_dependencies(dependencies)
     , m_directory({dependencies.chatService, dependencies.cache, dependencies.notifications})
+    , m_loader(dependencies.chatService, dependencies.scheduler)
     , m_stream({dependencies.chatService, dependencies.cache, dependencies.defaults, dependencies.scheduler,
-                   dependencies.clock},
+                   dependencies.clock, dependencies.random},
           m_messages)
-    , m_modelSelection(dependencies.defaults) {
+    , m_modelSelection(dependencies.defaults)
+    , m_generationState(dependencies.defaults, dependencies.clock, dependencies.scheduler)
+    , m_artifacts(m_messages)
+    , m_uploads(dependencies.attachments, dependencies.scheduler,
+          [this](quint64 serial, const AttachmentUploader::Uploaded& uploaded) { filesUploaded(serial, uploaded); }) {
     ChatService& service = m_dependencies.chatService;
     service.onEvent = [self = QPointer(this)](const SocketEvent& event) {
         if (self)
             self->handleSocketEvent(event);
     };
     service.onConnectionStatusChanged = [self = QPointer(this)](const QString& status) {
-        if (self)
-            self->m_connectionStatus = status;
+        if (!self)
+            return;
+        self->m_isConnecting = false;
+        self->m_connectionStatus = status;
     };
+    connect(&service, &ChatService::attemptFailed, this, &ChatViewModel::connectionFailed);
+    connect(&service, &ChatService::disconnected, this, [this] {
+        m_connectionStatus = u"Connecting..."_s; // whoever disconnects connects again, or nobody is signed in
+        m_stream.disconnected();
+    });
     connect(&m_dependencies.notifications, &NotificationCenter::organizationDidChange, this,
         &ChatViewModel::organizationChanged);
     connect(&m_stream, &AnswerStream::changed, this, &ChatViewModel::answerStateChanged);
     connect(&m_stream, &AnswerStream::generatingChatsChanged, m_directory.model(), &ChatListModel::setGenerating);
     connect(&m_stream, &AnswerStream::questionReturned, this, &ChatViewModel::takeBackQuestion);
+    connect(&m_stream, &AnswerStream::toolsChanged, this, &ChatViewModel::toolStateChanged);
+    connect(&m_stream, &AnswerStream::longTaskBegan, this,
+        [this](qint64 chatId, const QString& type) { emit longTaskBegan(chatId, type, nameOf(chatId)); });
+    connect(&m_stream, &AnswerStream::answerReady, this,
+        [this](qint64 chatId, const QDateTime& askedAt) { emit answerReady(chatId, nameOf(chatId), askedAt); });
+    connect(&m_stream, &AnswerStream::filesReturned, this, [this](quint64 serial) { m_uploads.giveBack(serial); });
+    connect(attachments()->pending(), &AttachmentListModel::countChanged, this, [this] {
+        emit hasAttachmentsChanged();
+        emit canSendChanged();
+    });
+    connect(attachments(), &ComposerAttachments::imagePasted, this, [this](const QUrl& image) {
+        setEditImage(image.toString(), m_currentInput); // what is typed already stays
+    });
     connect(&m_stream, &AnswerStream::followed, this, [this] {
         ++m_contentUpdateTrigger;
         emit contentUpdateTriggerChanged();
         emit contentScrolled();
     });
-    connect(&m_stream, &AnswerStream::waitingEnded, this, [this](qint64 chatId) {
+    connect(&m_stream, &AnswerStream::touched, &m_loader, &MessageLoader::touch);
+    connect(&m_stream, &AnswerStream::comparisonWanted, this, [this](qint64 chatId) {
         if (chatId > 0)
-            m_scope.start(
-                [this, chatId] { return chatId == activeChatId() ? loadMessages(chatId) : verifyMessages(chatId); });
+            m_loader.load(chatId);
     });
+    connect(&m_loader, &MessageLoader::loaded, this, &ChatViewModel::messagesLoaded);
+    connect(&m_loader, &MessageLoader::failed, this, &ChatViewModel::messagesFailed);
     connect(&m_directory, &ChatDirectory::chatChanged, this, [this](const Chat& chat) {
         if (m_activeChat && m_activeChat->id == chat.id && *m_activeChat != chat)
             setActiveChat(chat);
@@ -68,10 +96,10 @@ ChatViewModel::ChatViewModel(Dependencies dependencies, QObject* parent)
         m_stream.forget(chatId);
         if (activeChatId() != chatId)
             return;
-        setActiveChat(std::nullopt);
-        m_messages.reset({});
+        closeConversation();
     });
     m_models.setSelected(selectedModel());
+    attachments()->setAIPlusMode(selectedModel() == aiPlus);
 }
 
 ChatViewModel::~ChatViewModel() = default;
@@ -88,9 +116,12 @@ void ChatViewModel::restore(const QString& userId) {
         defaults.setString(ownerKey, userId);
     }
     m_directory.loadCached();
-    m_stream.restore();
+    // Before the answers: a question that returns stands in front of what was being written.
     if (m_currentInput.isEmpty())
         setCurrentInput(defaults.string(draftKey).value_or(QString()));
+    if (const auto record = m_generationState.getPending())
+        m_recordedChatId = record->chatId;
+    m_stream.restore();
     const QJsonObject left = QJsonDocument::fromJson(defaults.data(leftInputsKey).value_or(QByteArray())).object();
     for (auto it = left.begin(); it != left.end(); ++it)
         m_leftInputs.insert(it.key().toLongLong(), it.value().toString());
@@ -100,9 +131,6 @@ Task<void> ChatViewModel::loadData() {
     co_await fetchCurrentUser();
     co_await m_directory.load();
     connectToService();
-    // What ended just before the last end of the client may not have been compared with what is stored.
-    for (const qint64 chatId : m_stream.takeRestoredEnds())
-        m_scope.start([this, chatId] { return verifyMessages(chatId); });
 }
 
 Task<void> ChatViewModel::fetchCurrentUser() {
@@ -117,10 +145,14 @@ Task<void> ChatViewModel::fetchCurrentUser() {
 }
 
 Task<void> ChatViewModel::prefetchRelatedData() {
-    return m_directory.prefetchMessages(m_dependencies.clock.now());
+    for (const qint64 chatId : m_directory.staleChats(m_dependencies.clock.now()))
+        co_await m_loader.loadNow(chatId);
 }
 
 void ChatViewModel::connectToService() {
+    m_isConnecting = true;
+    if (!isConnected())
+        m_connectionStatus = u"Connecting..."_s;
     m_dependencies.chatService.connect();
 }
 
@@ -129,15 +161,24 @@ void ChatViewModel::reconnect() {
     connectToService();
 }
 
+// It is tried again later, but whoever asked for a connection is told.
+void ChatViewModel::connectionFailed(const QString& reason) {
+    if (!std::exchange(m_isConnecting, false))
+        return;
+    qCWarning(lcChat).noquote() << "❌ [ChatViewModel] Failed to connect:" << reason;
+    m_connectionStatus = u"Failed"_s;
+}
+
 bool ChatViewModel::isConnected() const {
     return m_connectionStatus.value() == "Connected"_L1;
 }
 
 void ChatViewModel::organizationChanged() {
     m_directory.clear();
+    m_loader.clear();
+    m_uploads.clear();
     m_stream.dropAll();
-    m_messages.reset({});
-    setActiveChat(std::nullopt);
+    closeConversation();
     setCurrentInput({});
     m_leftInputs.clear();
     m_activeProjectId.reset();
@@ -153,9 +194,11 @@ void ChatViewModel::organizationChanged() {
 void ChatViewModel::reset() {
     m_scope.cancel();
     m_draftTimer.cancel();
+    m_loader.clear();
+    m_uploads.clear();
+    attachments()->reset();
     m_stream.reset();
     m_user.reset();
-    m_messages.reset({});
     m_directory.clear();
     m_activeProjectId.reset();
     m_activeProjectName.reset();
@@ -163,7 +206,7 @@ void ChatViewModel::reset() {
     m_currentInput.clear();
     emit currentInputChanged();
     setPendingEditImage(std::nullopt);
-    setActiveChat(std::nullopt);
+    closeConversation();
     dismissError();
 }
 
@@ -194,10 +237,18 @@ void ChatViewModel::saveLeftInputs() {
 }
 
 bool ChatViewModel::canSend() const {
-    return m_pendingEditImageUrl || !m_currentInput.trimmed().isEmpty();
+    return hasAttachments() || !m_currentInput.trimmed().isEmpty();
+}
+
+bool ChatViewModel::hasAttachments() const {
+    return m_pendingEditImageUrl || m_dependencies.attachments.pending()->count() > 0;
 }
 
 void ChatViewModel::setEditImage(const QString& url, const QString& prompt) {
+    if (const QUrl image(url); image.isLocalFile() && !attachments()->isPasted(image)) {
+        qCWarning(lcChat) << "❌ [ChatViewModel] A local file is not an image to be edited";
+        return;
+    }
     setPendingEditImage(url);
     setCurrentInput(prompt);
     emit inputFocusRequested();
@@ -212,10 +263,13 @@ void ChatViewModel::setPendingEditImage(std::optional<QString> url) {
         return;
     m_pendingEditImageUrl = std::move(url);
     emit pendingEditImageUrlChanged();
+    emit hasAttachmentsChanged();
     emit canSendChanged();
 }
 
 void ChatViewModel::takeBackQuestion(const QString& text) {
+    if (text.isEmpty())
+        return showError(u"Вложения не дошли до сервиса."_s);
     setCurrentInput(m_currentInput.isEmpty() ? text : text + u"\n\n"_s + m_currentInput);
     saveDraft();
     showError(u"Сообщение не дошло до сервиса. Его текст снова в поле ввода."_s);
@@ -264,23 +318,29 @@ void ChatViewModel::selectChat(qint64 chatId) {
             qCWarning(lcChat).noquote().nospace()
                 << "⚠️ [ChatViewModel] Chat mode '" << mode << "' is not in the catalogue";
     }
-    m_scope.start([this, chatId] { return loadMessages(chatId); });
+    m_loader.load(chatId);
 }
 
 void ChatViewModel::navigateToChat(qint64 chatId) {
     selectChat(chatId);
+    setCompletedInOtherChat(std::nullopt);
 }
 
 void ChatViewModel::openConversation(std::optional<Chat> chat) {
     m_stream.park();
     dismissError();
-    m_loadedChatId = -1;
-    const qint64 chatId = chat ? chat->id : -1;
     if (!chat)
-        m_messages.reset({});
-    else if (!m_stream.unpark(chatId))
-        m_messages.reset(m_dependencies.cache.getCachedMessages(chatId).value_or(std::vector<ChatMessage>()));
+        return closeConversation();
+    m_areMessagesLoaded = false;
+    if (!m_stream.unpark(chat->id))
+        m_messages.reset(m_dependencies.cache.getCachedMessages(chat->id).value_or(std::vector<ChatMessage>()));
     setActiveChat(std::move(chat));
+}
+
+void ChatViewModel::closeConversation() {
+    m_messages.reset({});
+    setActiveChat(std::nullopt);
+    m_areMessagesLoaded = true;
 }
 
 void ChatViewModel::setActiveChat(std::optional<Chat> chat) {
@@ -290,62 +350,40 @@ void ChatViewModel::setActiveChat(std::optional<Chat> chat) {
     emit activeChatChanged();
 }
 
-Task<void> ChatViewModel::loadMessages(qint64 chatId) {
-    const QString organization = m_dependencies.cache.currentOrgSuffix();
-    quint64 turn = 0;
-    std::vector<ChatMessage> messages;
-    try {
-        do { // a list that was asked for before a question cannot know of it
-            turn = m_turns;
-            messages = co_await m_dependencies.chatService.getMessages(chatId);
-        } while (turn != m_turns);
-    } catch (const TaskCancelled&) {
-        throw;
-    } catch (const std::exception& error) {
-        qCWarning(lcChat).noquote() << "❌ [ChatViewModel] Error loading messages:" << error.what();
-        co_return;
-    }
-    if (activeChatId() != chatId || organization != m_dependencies.cache.currentOrgSuffix())
-        co_return;
+void ChatViewModel::messagesLoaded(qint64 chatId, const std::vector<ChatMessage>& messages) {
+    DataCacheManager& cache = m_dependencies.cache;
     if (m_stream.isUnderWay(chatId)) {
         qCInfo(lcChat) << "⏳ [ChatViewModel] Skipping message refresh — streaming in progress";
-        m_dependencies.cache.cacheMessages(messages, chatId);
+        cache.cacheMessages(messages, chatId);
         m_stream.noteMissingHistory(chatId);
-        co_return;
+        return;
     }
-    show(std::move(messages));
+    if (!m_stream.compare(chatId, messages)) {
+        if (m_loader.loadLater(chatId))
+            return;
+        m_stream.forgetExpected(chatId); // what is stored is what there is
+    }
+    if (chatId == activeChatId())
+        show(messages);
+    else
+        cache.cacheMessages(messages, chatId);
 }
 
-// Compares an answer that came over several lines with what is stored. A list that lacks the answer is too early.
-Task<void> ChatViewModel::verifyMessages(qint64 chatId) {
-    const QString organization = m_dependencies.cache.currentOrgSuffix();
-    try {
-        std::vector<ChatMessage> messages = co_await m_dependencies.chatService.getMessages(chatId);
-        if (organization != m_dependencies.cache.currentOrgSuffix())
-            co_return;
-        const bool isOpen = activeChatId() == chatId;
-        const auto known = isOpen ? MessageComposition::lastQuestion(m_messages.messages()) : std::nullopt;
-        const bool isComplete = !messages.empty() && MessageComposition::isAnswer(messages.back()) &&
-            (!known || MessageComposition::lastQuestion(messages) == known);
-        if (m_stream.isUnderWay(chatId))
-            m_stream.noteMissingHistory(chatId); // at its end, then
-        if (!isComplete || m_stream.isUnderWay(chatId))
-            co_return;
-        if (isOpen)
-            show(std::move(messages));
-        else
-            m_dependencies.cache.cacheMessages(messages, chatId);
-    } catch (const TaskCancelled&) {
-        throw;
-    } catch (const std::exception& error) {
-        qCWarning(lcChat).noquote() << "❌ [ChatViewModel] Error loading messages:" << error.what();
+void ChatViewModel::messagesFailed(qint64 chatId, bool isGone) {
+    if (isGone) {
+        m_stream.forgetExpected(chatId);
+        m_areMessagesLoaded = m_areMessagesLoaded || chatId == activeChatId();
+    } else if (m_stream.chatsToCompare().contains(chatId) || (chatId == activeChatId() && !m_areMessagesLoaded)) {
+        m_loader.loadLater(chatId); // and with the next connection
     }
 }
 
 void ChatViewModel::show(std::vector<ChatMessage> messages) {
+    if (std::exchange(m_restoresArtifactOf, std::nullopt) == activeChatId() && m_stream.lastStreamedArtifact())
+        ArtifactFinder::restoreArtifactIfNeeded(messages, *m_stream.lastStreamedArtifact());
     m_messages.setMessages(MessageComposition::mergeFileAttachments(m_messages.messages(), std::move(messages)));
     m_dependencies.cache.cacheMessages(m_messages.messages(), activeChatId());
-    m_loadedChatId = activeChatId();
+    m_areMessagesLoaded = true;
 }
 
 // The model
@@ -353,6 +391,7 @@ void ChatViewModel::show(std::vector<ChatMessage> messages) {
 void ChatViewModel::selectModel(const QString& id) {
     m_modelSelection.select(id);
     m_models.setSelected(id);
+    attachments()->setAIPlusMode(id == aiPlus);
     emit selectedModelChanged();
 }
 
@@ -392,31 +431,42 @@ void ChatViewModel::sendMessage() {
 }
 
 void ChatViewModel::sendMessage(QString text) {
-    const bool isEmpty = text.trimmed().isEmpty() && !m_pendingEditImageUrl;
+    const bool isEmpty = text.trimmed().isEmpty() && !hasAttachments();
     if (isEmpty || m_isGenerating)
         return;
     const auto editImageUrl = m_pendingEditImageUrl;
     setCurrentInput({});
     setPendingEditImage(std::nullopt);
-    send(text, editImageUrl);
+    send(text, editImageUrl, attachments()->takePending());
     saveDraft(); // only now that the journal has the question: a kill in between would take it
 }
 
-void ChatViewModel::send(const QString& text, const std::optional<QString>& editImageUrl) {
-    ++m_turns;
+void ChatViewModel::send(
+    const QString& text, const std::optional<QString>& editImageUrl, std::vector<ChatFileAttachment> files) {
     const qint64 chatId = activeChatId();
     MessageComposition::Turn turn = MessageComposition::begin(
-        MessageComposition::contentOf(text, editImageUrl), chatId, m_dependencies.clock, m_dependencies.random);
+        MessageComposition::contentOf(text, editImageUrl, files), chatId, m_dependencies.clock, m_dependencies.random);
+    const bool hasImage = turn.question.content->front().as<MessageContent::Image>() != nullptr;
+    // A pasted image is a file of ours, which has to be uploaded like the others.
+    const QUrl edited(editImageUrl.value_or(QString()));
+    if (edited.isLocalFile())
+        files.insert(files.begin(), ComposerAttachments::attachmentOf(edited, m_dependencies.random.uuid()));
     m_messages.append({std::move(turn.question), std::move(turn.answer)});
     dismissError();
     if (m_activeChat)
         m_directory.touch(chatId, m_dependencies.clock.now().toString(Qt::ISODateWithMs));
-    m_stream.begin({.chatId = chatId,
-        .model = selectedModel(),
-        .text = text,
-        .imageUrls = editImageUrl ? QStringList(*editImageUrl) : QStringList(),
-        .projectId = m_activeProjectId});
-    if (chatId > 0 && m_loadedChatId != chatId)
+    noteQuestion(text, hasImage);
+    const bool isAtService = editImageUrl && !edited.isLocalFile();
+    const quint64 serial = m_stream.begin({.chatId = chatId,
+                                              .model = selectedModel(),
+                                              .text = text,
+                                              .imageUrls = isAtService ? QStringList(*editImageUrl) : QStringList(),
+                                              .files = {},
+                                              .projectId = m_activeProjectId},
+        files.empty() ? AnswerStream::Files::none : AnswerStream::Files::onTheirWay);
+    if (!files.empty())
+        m_uploads.start(serial, std::move(files));
+    if (!m_areMessagesLoaded)
         m_stream.noteMissingHistory(chatId);
 }
 
@@ -478,15 +528,36 @@ void ChatViewModel::handleSocketEvent(const SocketEvent& event) {
         [this](
             const SocketEvent::ThinkingChunk& chunk) { m_stream.receive(chunk.content, AnswerFold::Kind::thinking); },
         [this](const SocketEvent::Creation& creation) { created(creation.chat); },
-        [this](const SocketEvent::Connected&) { m_stream.connected(); },
+        [this](const SocketEvent::Connected&) { connected(); },
         [this](const SocketEvent::Error& error) { failed(error); },
-        [this](const SocketEvent::StreamEnd&) { streamEnded(); }, [](const SocketEvent::ToolStart&) {},
-        [](const SocketEvent::ToolEnd&) {}, [](const SocketEvent::ArtifactChunk&) {},
+        [this](const SocketEvent::StreamEnd&) { streamEnded(); },
+        [this](const SocketEvent::ToolStart& start) {
+            m_stream.receive({ToolFrame::Kind::start, start.tool, std::nullopt});
+        },
+        [this](const SocketEvent::ArtifactChunk& chunk) {
+            m_stream.receive({ToolFrame::Kind::args, chunk.tool, chunk.args});
+        },
+        [this](const SocketEvent::ToolEnd& end) {
+            m_stream.receive({ToolFrame::Kind::end, end.tool, end.content});
+        },
         [this](const SocketEvent::Disconnected&) { m_stream.disconnected(); }, [](const SocketEvent::Message&) {});
+}
+
+void ChatViewModel::connected() {
+    m_stream.connected();
+    for (const qint64 chatId : m_stream.chatsToCompare())
+        m_loader.load(chatId);
+    if (!m_areMessagesLoaded)
+        m_loader.load(activeChatId());
 }
 
 void ChatViewModel::created(const Chat& chat) {
     m_directory.add(chat);
+    const auto record = m_generationState.getPending();
+    if (record && record->chatId < 0) {
+        m_recordedChatId = chat.id;
+        m_generationState.markStarted(chat.id, record->lastMessageCount, record->type, chat.name);
+    }
     switch (m_stream.created(chat.id)) {
     case AnswerStream::Owner::open: setActiveChat(chat); break;
     case AnswerStream::Owner::parked:
@@ -517,19 +588,20 @@ void ChatViewModel::streamEnded() {
     if (!ending) {
         // An answer that nobody waited for any more: the open chat may be its own.
         if (m_activeChat)
-            m_scope.start([this, chatId = m_activeChat->id] { return loadMessages(chatId); });
+            m_loader.load(m_activeChat->id);
         return;
     }
     emit m_dependencies.notifications.didCompleteAIResponse();
-    // What came over several lines is compared with what is stored; and a new chat has got its title by now.
-    if (ending->isToBeVerified)
-        m_scope.start([this, chatId = ending->chatId] { return verifyMessages(chatId); });
-    if (ending->createdChat)
+    if (ending->createdChat) // it has got its title by now
         m_scope.start([this] { return m_directory.load(); });
 }
 
 void ChatViewModel::answerStateChanged() {
     m_isGenerating = m_stream.isGenerating();
+    m_artifacts.setAnswerRunning(m_isGenerating);
+    toolStateChanged();
+    if (m_recordedChatId && !m_stream.isRunning(*m_recordedChatId))
+        endGenerationRecord();
     if (!m_isGenerating) {
         m_hintTimer.cancel();
         m_generationHint = QString();

@@ -1,10 +1,15 @@
 #pragma once
 
 #include "Chat/AnswerStream.h"
+#include "Chat/ArtifactSelection.h"
 #include "Chat/ChatDirectory.h"
+#include "Chat/ComposerAttachments.h"
+#include "Chat/GenerationStateManager.h"
 #include "Chat/MessageListModel.h"
+#include "Chat/MessageLoader.h"
 #include "Chat/ModelListModel.h"
 #include "Chat/ModelSelection.h"
+#include "Chat/QuestionUploads.h"
 #include "Chat/SocketEvent.h"
 #include "Scheduler.h"
 #include "TaskScope.h"
@@ -33,6 +38,9 @@ class ChatViewModel : public QObject {
     Q_PROPERTY(Korvi::ModelListModel* models READ models CONSTANT)
     Q_PROPERTY(qint64 activeChatId READ activeChatId NOTIFY activeChatChanged) // -1 for a new, unsaved chat
     Q_PROPERTY(QString activeChatName READ activeChatName NOTIFY activeChatChanged)
+    // The open chat's messages are those of the service, not only what was cached. A new chat has none to come.
+    Q_PROPERTY(bool areMessagesLoaded READ areMessagesLoaded NOTIFY areMessagesLoadedChanged BINDABLE
+            bindableAreMessagesLoaded)
     Q_PROPERTY(QString currentInput READ currentInput WRITE setCurrentInput NOTIFY currentInputChanged)
     Q_PROPERTY(bool canSend READ canSend NOTIFY canSendChanged)
     Q_PROPERTY(bool isGenerating READ isGenerating NOTIFY isGeneratingChanged BINDABLE bindableIsGenerating)
@@ -52,6 +60,19 @@ class ChatViewModel : public QObject {
     Q_PROPERTY(bool canRetryError READ canRetryError NOTIFY canRetryErrorChanged BINDABLE bindableCanRetryError)
     Q_PROPERTY(QString generationHint READ generationHint NOTIFY generationHintChanged BINDABLE
             bindableGenerationHint) // empty when absent
+    // What the tools of the open conversation's answer are at; empty or false without one.
+    Q_PROPERTY(QString currentToolStatus READ currentToolStatus NOTIFY toolsChanged)
+    Q_PROPERTY(bool showImageSkeleton READ showImageSkeleton NOTIFY toolsChanged)
+    Q_PROPERTY(bool hasGeneratingPlaceholder READ hasGeneratingPlaceholder NOTIFY toolsChanged)
+    Q_PROPERTY(Korvi::WebSearchState webSearchState READ webSearchState NOTIFY toolsChanged)
+    Q_PROPERTY(Korvi::ArtifactSelection* artifacts READ artifacts CONSTANT)
+    Q_PROPERTY(Korvi::ComposerAttachments* attachments READ attachments CONSTANT)
+    Q_PROPERTY(Korvi::AttachmentListModel* pendingFileAttachments READ pendingFileAttachments CONSTANT)
+    Q_PROPERTY(bool hasAttachments READ hasAttachments NOTIFY hasAttachmentsChanged)
+    Q_PROPERTY(bool isRecovering READ isRecovering NOTIFY isRecoveringChanged BINDABLE bindableIsRecovering)
+    // An answer that came while the application was not looked at; -1 and empty without one.
+    Q_PROPERTY(qint64 completedInOtherChatId READ completedInOtherChatId NOTIFY completedInOtherChatChanged)
+    Q_PROPERTY(QString completedInOtherChatName READ completedInOtherChatName NOTIFY completedInOtherChatChanged)
     Q_PROPERTY(int contentUpdateTrigger READ contentUpdateTrigger NOTIFY contentUpdateTriggerChanged)
 
 public:
@@ -64,9 +85,11 @@ public:
         Clock& clock;
         Random& random;
         NotificationCenter& notifications;
+        ComposerAttachments& attachments;
     };
 
     static constexpr auto hintDelay = std::chrono::seconds(60);
+    static constexpr auto completedTime = std::chrono::seconds(5);
     static constexpr auto bannerTime = std::chrono::seconds(8);
     static constexpr auto draftDelay = std::chrono::seconds(1);
 
@@ -100,6 +123,9 @@ public:
     Q_INVOKABLE void setEditImage(const QString& url, const QString& prompt);
     Q_INVOKABLE void clearPendingEditImage();
 
+    // The application has come back to the front, or the machine from its sleep: what became of the answer?
+    void recoverFromBackground();
+
     Q_INVOKABLE void toggleFavorite(qint64 chatId);
     Q_INVOKABLE void renameChat(qint64 chatId, const QString& newName);
     Q_INVOKABLE void deleteChat(qint64 chatId);
@@ -119,6 +145,7 @@ public:
     QString activeChatName() const { return m_activeChat ? m_activeChat->name : QString(); }
     std::optional<qint64> activeProjectId() const { return m_activeProjectId; }
     std::optional<QString> activeProjectName() const { return m_activeProjectName; }
+    bool areMessagesLoaded() const { return m_areMessagesLoaded; }
     QString currentInput() const { return m_currentInput; }
     void setCurrentInput(const QString& text);
     bool canSend() const;
@@ -133,8 +160,23 @@ public:
     QString generationError() const { return m_generationError; }
     bool canRetryError() const { return m_canRetryError; }
     QString generationHint() const { return m_generationHint; }
+    QString currentToolStatus() const { return m_tools.currentToolStatus; }
+    bool showImageSkeleton() const { return m_tools.showImageSkeleton; }
+    bool hasGeneratingPlaceholder() const { return m_tools.hasGeneratingPlaceholder; }
+    WebSearchState webSearchState() const { return m_tools.webSearchState; }
+    ArtifactSelection* artifacts() { return &m_artifacts; }
+    ComposerAttachments* attachments() { return &m_dependencies.attachments; }
+    AttachmentListModel* pendingFileAttachments() { return m_dependencies.attachments.pending(); }
+    bool hasAttachments() const;
+    bool isRecovering() const { return m_isRecovering; }
+    QBindable<bool> bindableIsRecovering() { return &m_isRecovering; }
+    qint64 completedInOtherChatId() const { return m_completedInOtherChat ? m_completedInOtherChat->first : -1; }
+    QString completedInOtherChatName() const {
+        return m_completedInOtherChat ? m_completedInOtherChat->second : QString();
+    }
     int contentUpdateTrigger() const { return m_contentUpdateTrigger; }
 
+    QBindable<bool> bindableAreMessagesLoaded() { return &m_areMessagesLoaded; }
     QBindable<bool> bindableIsGenerating() { return &m_isGenerating; }
     QBindable<QString> bindableConnectionStatus() { return &m_connectionStatus; }
     QBindable<QString> bindableGenerationError() { return &m_generationError; }
@@ -143,6 +185,7 @@ public:
 
 signals:
     void activeChatChanged();
+    void areMessagesLoadedChanged();
     void currentInputChanged();
     void canSendChanged();
     void isGeneratingChanged();
@@ -154,18 +197,37 @@ signals:
     void canRetryErrorChanged();
     void generationHintChanged();
     void contentUpdateTriggerChanged();
+    void toolsChanged();
+    void hasAttachmentsChanged();
+    void isRecoveringChanged();
+    void completedInOtherChatChanged();
+    // For those who tell of answers outside of the window.
+    void longTaskBegan(qint64 chatId, const QString& type, const QString& chatName);
+    void answerReady(qint64 chatId, const QString& chatName, const QDateTime& askedAt);
+    void generationEnded(); // of the answer that was asked for last
     void contentScrolled(); // the text grew by enough to be followed
     void inputFocusRequested();
 
 private:
-    void send(const QString& text, const std::optional<QString>& editImageUrl);
+    void send(const QString& text, const std::optional<QString>& editImageUrl,
+        std::vector<ChatFileAttachment> attachments = {});
+    void filesUploaded(quint64 serial, const AttachmentUploader::Uploaded& uploaded);
+    void toolStateChanged();
+    Task<void> recover();
+    void setCompletedInOtherChat(std::optional<std::pair<qint64, QString>> chat);
+    QString nameOf(qint64 chatId) const;
+    void noteQuestion(const QString& text, bool hasImage);
+    void endGenerationRecord();
+    void connected();
+    void closeConversation();
+    void connectionFailed(const QString& reason);
     void created(const Chat& chat);
     void failed(const SocketEvent::Error& error);
     void streamEnded();
     void organizationChanged();
     Task<void> fetchCurrentUser();
-    Task<void> loadMessages(qint64 chatId);
-    Task<void> verifyMessages(qint64 chatId);
+    void messagesLoaded(qint64 chatId, const std::vector<ChatMessage>& messages);
+    void messagesFailed(qint64 chatId, bool isGone);
     void show(std::vector<ChatMessage> messages);
     void openConversation(std::optional<Chat> chat);
     void setActiveChat(std::optional<Chat> chat);
@@ -181,9 +243,17 @@ private:
     std::optional<User> m_user;
     ChatDirectory m_directory;
     MessageListModel m_messages;
+    MessageLoader m_loader;
     AnswerStream m_stream;
     ModelSelection m_modelSelection;
     ModelListModel m_models;
+    GenerationStateManager m_generationState;
+    ArtifactSelection m_artifacts;
+    QuestionUploads m_uploads;
+    ToolState m_tools;                      // as they are shown
+    std::optional<qint64> m_recordedChatId; // of the record of the running answer; -1: it has no number yet
+    std::optional<qint64> m_restoresArtifactOf;
+    std::optional<std::pair<qint64, QString>> m_completedInOtherChat;
     std::optional<Chat> m_activeChat;
     std::optional<qint64> m_activeProjectId; // of the chat about to be created
     std::optional<QString> m_activeProjectName;
@@ -192,16 +262,20 @@ private:
     std::optional<QString> m_pendingEditImageUrl;
     bool m_showingModelSelector = false;
     int m_contentUpdateTrigger = 0;
-    qint64 m_loadedChatId = -1; // the open chat, once its messages have come from the service
-    quint64 m_turns = 0;        // questions sent so far
+    bool m_isConnecting = false; // connectToService() has had no outcome yet
     Timer m_hintTimer;
     Timer m_bannerTimer;
+    Timer m_completedTimer;
     Timer m_draftTimer;
 
+    Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(
+        ChatViewModel, bool, m_areMessagesLoaded, true, &ChatViewModel::areMessagesLoadedChanged)
     Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(
         ChatViewModel, bool, m_isGenerating, false, &ChatViewModel::isGeneratingChanged)
     Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(ChatViewModel, QString, m_connectionStatus, QStringLiteral("Connecting..."),
         &ChatViewModel::connectionStatusChanged)
+    Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(
+        ChatViewModel, bool, m_isRecovering, false, &ChatViewModel::isRecoveringChanged)
     Q_OBJECT_BINDABLE_PROPERTY(ChatViewModel, QString, m_generationError, &ChatViewModel::generationErrorChanged)
     Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(
         ChatViewModel, bool, m_canRetryError, false, &ChatViewModel::canRetryErrorChanged)

@@ -31,7 +31,7 @@ Generation* GenerationQueue::find(quint64 serial) {
 }
 
 Generation* GenerationQueue::current() {
-    return findIn(m_generations, [](const Generation& generation) { return generation.hasLeft; });
+    return findIn(m_generations, [](const Generation& generation) { return generation.hasLeft(); });
 }
 
 Generation* GenerationQueue::open() {
@@ -50,7 +50,7 @@ Generation* GenerationQueue::firstOf(qint64 chatId) {
 
 Generation* GenerationQueue::withoutChat() {
     return findIn(
-        m_generations, [](const Generation& generation) { return generation.hasLeft && generation.chatId < 0; });
+        m_generations, [](const Generation& generation) { return generation.hasLeft() && generation.chatId < 0; });
 }
 
 void GenerationQueue::remove(const Generation* generation) {

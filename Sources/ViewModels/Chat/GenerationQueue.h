@@ -1,7 +1,12 @@
 #pragma once
 
 #include "Chat/AnswerFold.h"
+#include "Chat/SocketFrame.h"
+#include "Chat/ToolEvents.h"
 #include "ChatMessage.h"
+#include "Scheduler.h"
+
+#include <QDateTime>
 
 #include <list>
 
@@ -13,6 +18,7 @@ struct Question {
     QString model;      // of a new chat
     QString text;
     QStringList imageUrls;
+    std::vector<SocketFrame::File> files;
     std::optional<qint64> projectId; // of a new chat
 
     bool operator==(const Question&) const = default;
@@ -20,6 +26,15 @@ struct Question {
 
 // One answer that the service is working on.
 struct Generation {
+    // What became of its question, from "not given away" to "the service has it". Sent ones become doubtful with the
+    // line, doubtful ones are sent again, and both are heard with the first thing that comes of their answer.
+    enum class Stage {
+        waiting,  // for a line, or for the one before it
+        refused,  // an error came before anything else did: being looked into
+        doubtful, // sent on a line that was lost before anything was heard of it
+        sent,     // given to the socket: on its way, or arrived
+        heard,    // the service has it
+    };
     enum class State {
         running,
         stopRequested, // before its chat had an id: the abort goes out with it
@@ -29,25 +44,37 @@ struct Generation {
     quint64 serial = 0; // given by the queue
     Question question;
     qint64 chatId = -1;
+    qint64 timesAsked = 1;     // its question in its chat, this time included
     bool isOpen = true;        // its chat is the open conversation
     bool joins = false;        // goes into the chat that the one before it in the queue is about to create
     bool isRestored = false;   // asked for before the last start of the client
-    bool isSubmitted = false;  // given to the socket, which may still hold it
-    bool hasLeft = false;      // on its way, or arrived, or lost with a line
-    bool isHeard = false;      // the service has it: something came of it
-    bool isDoubtful = false;   // it left on a line that was lost before anything was heard of it
     bool isUnheardEnd = false; // its end was learned from the messages of its chat
+    bool isForgotten = false;  // its chat is gone: nobody asks for its question any more
     bool lacksHistory = false; // messages of its chat may be missing here
+    bool wasDoubtful = false;  // what was taken for its answer may have been another's
     bool sawReconnect = false; // its frames may have been repeated
+    Stage stage = Stage::waiting;
     State state = State::running;
     std::vector<ChatMessage> parked; // the messages of its chat while another one is open
     AnswerFold fold;
+    ToolWork tools;
+    bool isHeld = false;    // its files are still on their way to the service
+    bool isOverdue = false; // a tool has failed, and its end may never come: not waited for, and stopped
+    QDateTime askedAt;      // UTC; invalid when that was before the last start
+    Timer imageWatchdog;
+    Timer endWatchdog;
     QString textHead; // of all that was received, shown or not
     QString thinkingTail;
     QStringList textPieces; // received, waiting for the next flush
     QStringList thinkingPieces;
+    bool hasArtifactPieces = false; // the same, in `tools`
 
+    bool hasNews() const { return !textPieces.isEmpty() || !thinkingPieces.isEmpty() || hasArtifactPieces; }
     bool createsChat() const { return question.chatId < 0; }
+    bool isWaiting() const { return stage == Stage::waiting; }
+    bool isDoubtful() const { return stage == Stage::doubtful; }
+    bool hasLeft() const { return stage >= Stage::doubtful; }
+    bool isHeard() const { return stage == Stage::heard; }
 };
 
 // The answers under way, in the order in which they were asked for. Frames carry no chat; the service delivers

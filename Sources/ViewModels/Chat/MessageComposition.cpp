@@ -1,5 +1,6 @@
 #include "Chat/MessageComposition.h"
 
+#include "Chat/ArtifactDraft.h"
 #include "Clock.h"
 
 #include <QHash>
@@ -75,13 +76,44 @@ bool isAnswer(const ChatMessage& message) {
     return message.role == ChatMessage::Role::ai || message.role == ChatMessage::Role::assistant;
 }
 
-std::vector<MessageContent> contentOf(const QString& text, const std::optional<QString>& editImageUrl) {
+std::vector<MessageContent> contentOf(const QString& text, const std::optional<QString>& editImageUrl,
+    const std::vector<ChatFileAttachment>& attachments) {
+    const auto isImage = [](const ChatFileAttachment& each) { return each.category == FileTypeCategory::image; };
+    const auto addressOf = [](const ChatFileAttachment& each) {
+        return each.remoteURL.value_or(each.localURL.value_or(QUrl()).toString());
+    };
     std::vector<MessageContent> content;
+    const auto image = std::find_if(attachments.begin(), attachments.end(), isImage);
     if (editImageUrl)
         content.push_back({MessageContent::Image{*editImageUrl}});
+    else if (image != attachments.end())
+        content.push_back({MessageContent::Image{image->localURL.value_or(QUrl()).toString()}});
+    for (const ChatFileAttachment& each : attachments) {
+        if (!isImage(each))
+            content.push_back({File{.url = addressOf(each),
+                .filename = each.filename,
+                .mimetype = each.mimeType.value_or(u"application/octet-stream"_s)}});
+    }
     if (!text.isEmpty())
         content.push_back({Text{text}});
     return content;
+}
+
+bool relocate(ChatMessage& message, const QHash<QString, QString>& places) {
+    if (!message.content)
+        return false;
+    bool isChanged = false;
+    for (MessageContent& block : *message.content) {
+        auto* image = block.as<MessageContent::Image>();
+        auto* file = block.as<File>();
+        QString* url = image ? &image->url : file ? &file->url : nullptr;
+        const auto place = url ? places.find(*url) : places.end();
+        if (place == places.end())
+            continue;
+        *url = *place;
+        isChanged = true;
+    }
+    return isChanged;
 }
 
 Turn begin(std::vector<MessageContent> content, qint64 chatId, const Clock& clock, Random& random) {
@@ -134,21 +166,39 @@ QString joinedThinking(const ChatMessage& message) {
     return joined<MessageContent::Thinking>(message, {});
 }
 
-void removePlaceholders(ChatMessage& message) {
+bool removePlaceholders(ChatMessage& message) {
     if (!message.content)
-        return;
-    std::erase_if(*message.content, [](const MessageContent& block) {
-        return block.as<MessageContent::Generating>() || block.as<MessageContent::SearchInProgress>();
-    });
+        return false;
+    return std::erase_if(*message.content, [](const MessageContent& block) {
+        const auto* artifact = block.as<Artifact>();
+        return block.as<MessageContent::Generating>() || block.as<MessageContent::SearchInProgress>() ||
+            (artifact && ArtifactDraft::isPlaceholder(*artifact) && artifact->text.isEmpty());
+    }) > 0;
 }
 
 std::optional<std::ptrdiff_t> rowOfQuestion(const std::vector<ChatMessage>& messages, const QString& text) {
     for (std::ptrdiff_t row = std::ssize(messages) - 2; row >= 0; --row) {
         const auto message = messages.begin() + row;
-        if (isOfUser(*message) && message->text() == text && isAnswer(*(message + 1)))
+        if (asks(*message, text) && isAnswer(*(message + 1)))
             return row;
     }
     return std::nullopt;
+}
+
+bool asks(const ChatMessage& message, const QString& text) {
+    return isOfUser(message) && message.text().trimmed() == text.trimmed();
+}
+
+std::ptrdiff_t timesAsked(const std::vector<ChatMessage>& messages, const QString& text) {
+    return std::count_if(
+        messages.begin(), messages.end(), [&text](const ChatMessage& message) { return asks(message, text); });
+}
+
+const ChatMessage* answerTo(const std::vector<ChatMessage>& messages, const QString& text, std::ptrdiff_t time) {
+    const auto question = std::find_if(messages.begin(), messages.end(),
+        [&](const ChatMessage& message) { return asks(message, text) && --time == 0; });
+    const bool isAnswered = question != messages.end() && question + 1 != messages.end() && isAnswer(*(question + 1));
+    return isAnswered ? &*(question + 1) : nullptr;
 }
 
 std::optional<QString> lastQuestion(const std::vector<ChatMessage>& messages) {

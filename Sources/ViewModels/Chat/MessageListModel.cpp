@@ -1,5 +1,7 @@
 #include "Chat/MessageListModel.h"
 
+#include "Chat/MessageHandle.h"
+
 namespace Korvi {
 
 namespace {
@@ -30,8 +32,16 @@ QVariant MessageListModel::data(const QModelIndex& index, int role) const {
     case TextRole: return joined<MessageContent::Text>(message);
     case ThinkingRole: return joined<MessageContent::Thinking>(message);
     case IsStreamingRole: return m_streaming && index.row() == count() - 1;
+    case QuestionRole:
+        return message.role == ChatMessage::Role::user ? joined<MessageContent::Text>(message) : QString();
+    case ContentRole: return QVariant::fromValue(MessageHandle(*this, index.row(), m_revision));
     default: return {};
     }
+}
+
+void MessageListModel::announce(int row, const QList<int>& roles) {
+    ++m_revision;
+    emit dataChanged(index(row), index(row), roles);
 }
 
 QHash<int, QByteArray> MessageListModel::roleNames() const {
@@ -41,6 +51,8 @@ QHash<int, QByteArray> MessageListModel::roleNames() const {
         {TextRole, "text"},
         {ThinkingRole, "thinking"},
         {IsStreamingRole, "isStreaming"},
+        {QuestionRole, "question"},
+        {ContentRole, "content"},
     };
 }
 
@@ -81,12 +93,12 @@ void MessageListModel::replace(int row, ChatMessage message) {
     if (old == message)
         return;
     old = std::move(message);
-    emit dataChanged(index(row), index(row));
+    announce(row);
 }
 
 void MessageListModel::update(int row, const std::function<bool(ChatMessage&)>& change) {
     if (change(m_messages[static_cast<std::size_t>(row)]))
-        emit dataChanged(index(row), index(row), {TextRole, ThinkingRole});
+        announce(row, {TextRole, ThinkingRole, QuestionRole, ContentRole});
 }
 
 void MessageListModel::remove(int row) {

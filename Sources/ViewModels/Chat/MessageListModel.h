@@ -20,9 +20,11 @@ public:
     enum Role {
         MessageIdRole = Qt::UserRole + 1, // "messageId", integer
         IsUserRole,                       // "isUser", bool: false for answers
-        TextRole,                         // "text", string: what is to be read, without the reasoning
+        TextRole,                         // "text", string: all text blocks, without the reasoning
         ThinkingRole,                     // "thinking", string: the reasoning, empty without one
         IsStreamingRole,                  // "isStreaming", bool: the answer is still growing
+        QuestionRole,                     // "question", string: what the user wrote; empty for answers
+        ContentRole,                      // "content", MessageHandle: all blocks, to be read in place
     };
     Q_ENUM(Role)
 
@@ -50,7 +52,10 @@ signals:
     void countChanged();
 
 private:
+    void announce(int row, const QList<int>& roles = {});
+
     std::vector<ChatMessage> m_messages;
+    quint64 m_revision = 0; // of the content
     bool m_streaming = false;
 };
 

@@ -5,6 +5,7 @@
 #include <QDateTime>
 
 #include <deque>
+#include <functional>
 
 namespace Korvi {
 
@@ -17,6 +18,7 @@ public:
         QString textHead = {};     // as much of its text as tells it from others; empty for an answer without text
         QString thinkingTail = {}; // the end of its reasoning
         QDateTime at = {};         // UTC
+        quint64 toolHead = 0;      // the fingerprint of the first thing that a tool told; 0 when none did
 
         bool operator==(const Ended&) const = default;
     };
@@ -39,6 +41,7 @@ public:
     // the next connection.
     bool ownsCreation(qint64 chatId);
     bool ownsPiece(const QString& piece, AnswerFold::Kind kind);
+    bool ownsTool(quint64 fingerprint);
     // `isBareEndExpected`: of the answer that is waited for, nothing but its end is missing.
     bool ownsEnd(bool isBareEndExpected);
     bool isWatching() const { return m_isWatching; }
@@ -46,10 +49,15 @@ public:
     const std::deque<Ended>& recent() const { return m_recent; }
 
 private:
+    // Whether a replay begins, of the first of the answers left for which that holds.
+    bool begins(const std::function<bool(const Ended&)>& holds);
+    void noneIsRepeated();
+
     std::deque<Ended> m_recent; // in the order of their ends
     bool m_isWatching = false;  // a replay may come
     bool m_isInReplay = false;  // of m_recent[m_next]
     std::size_t m_next = 0;
+    std::size_t m_mayBeRepeated = 0; // of m_recent, until the first frame on a connection tells
 };
 
 }

@@ -4,12 +4,15 @@ import QtQuick
 Item {
     id: answer
 
-    required property string text
+    required property var content // see AdvancedMarkdownText
     required property string thinking
     required property bool isStreaming
     required property bool thinkingOpen
     required property bool actionsShown
     required property bool canRetry
+
+    readonly property bool isEmpty: body.count === 0
+    readonly property alias beginning: body.beginning
 
     signal thinkingToggled
     signal copyWanted(string text)
@@ -33,12 +36,21 @@ Item {
         body.takeCaret()
     }
 
+    // What is read, and what was written.
+    function wholeText(): string {
+        return body.plainText()
+    }
+
+    function markdown(): string {
+        return body.markdown()
+    }
+
     implicitHeight: actions.y + actions.height
 
     ThinkingBlock {
         id: reasoning
 
-        isThinking: answer.isStreaming && answer.text.length === 0
+        isThinking: answer.isStreaming && answer.isEmpty
         open: answer.thinkingOpen
         text: answer.thinking
         visible: text.length > 0
@@ -47,13 +59,12 @@ Item {
         onCopyWanted: text => answer.copyWanted(text)
         onToggled: answer.thinkingToggled()
     }
-    LongText {
+    AdvancedMarkdownText {
         id: body
 
-        isGrowing: answer.isStreaming
-        objectName: "answerText"
-        text: answer.text
-        visible: answer.text.length > 0
+        content: answer.content
+        isStreaming: answer.isStreaming
+        visible: !answer.isEmpty
         width: parent.width - Theme.gap4
         y: reasoning.visible ? reasoning.height + Theme.gap3 : 0
 
@@ -64,7 +75,7 @@ Item {
         id: waiting
 
         spacing: Theme.gap2
-        visible: answer.isStreaming && answer.text.length === 0
+        visible: answer.isStreaming && answer.isEmpty
         y: body.y
 
         StreamingDot {
@@ -87,7 +98,7 @@ Item {
         opacity: shown ? 1 : 0
         spacing: Theme.gap1
         x: -Theme.gap1 - Theme.hairline // symbols in line with the text
-        y: body.y + (body.visible ? body.height : waiting.height) + Theme.gap1
+        y: body.y + (body.visible ? body.implicitHeight : waiting.height) + Theme.gap1
 
         Behavior on opacity { NumberAnimation { duration: Theme.quick } }
 
@@ -99,7 +110,7 @@ Item {
             symbol: "doc.on.doc"
             text: "Копировать"
 
-            onClicked: answer.copyWanted(answer.text)
+            onClicked: answer.copyWanted(answer.wholeText())
         }
         IconButton {
             objectName: "retryButton"

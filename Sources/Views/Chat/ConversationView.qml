@@ -1,8 +1,8 @@
 import QtQuick
 import Korvi.ViewModels
 
-// The open conversation: what was said, what goes wrong, and the composer at its foot. A new chat has the composer in
-// the middle under a greeting.
+// The open conversation: what was said, what goes wrong, and the composer at its foot. A new chat, or an empty one, has
+// the composer in the middle under a greeting.
 FocusScope {
     id: view
 
@@ -12,7 +12,7 @@ FocusScope {
     readonly property real margin: sidebarFolded ? Theme.gap4 : Theme.gap6
     readonly property real columnWidth: Math.min(Theme.px(Theme.readingWidth), width - margin * 2)
     readonly property real chatId: chat.activeChatId // qmllint disable
-    readonly property bool fresh: chatId < 0 && chat.messages.count === 0
+    readonly property bool fresh: chat.areMessagesLoaded && chat.messages.count === 0
     property real shownChatId: -1
     property string mode: "none" // of InputMode.js
 

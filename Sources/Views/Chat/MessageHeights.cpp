@@ -1,5 +1,7 @@
 #include "MessageHeights.h"
 
+#include "Markdown/MarkdownHeights.h"
+
 #include <QAbstractItemModel>
 
 #include <algorithm>
@@ -20,7 +22,11 @@ double MessageHeights::heightOf(const QAbstractItemModel& model, int row) const 
     if (value("isUser").toBool())
         return m_aroundQuestion + lines(text, m_questionWidth) * m_lineHeight;
     const double reasoning = value("thinking").toString().isEmpty() ? 0 : m_thinkingHeight;
-    return m_aroundAnswer + reasoning + lines(text, m_answerWidth) * m_lineHeight;
+    if (m_isPlain)
+        return m_aroundAnswer + reasoning + lines(text, m_answerWidth) * m_lineHeight;
+    constexpr double plainLine = 20; // what the table of heights is drawn for
+    const double characters = m_answerWidth / std::max(1.0, m_characterWidth);
+    return m_aroundAnswer + reasoning + MarkdownHeights::of(text, characters) * m_lineHeight / plainLine;
 }
 
 double MessageHeights::lines(QStringView text, double width) const {

@@ -6,11 +6,12 @@
 
 namespace Korvi {
 
-// Guesses how high a message is from the length of its paragraphs.
+// Guesses how high a message is from the length of its paragraphs, an answer from what its lines begin with.
 class MessageHeights : public Korvi::RowEstimate { // qualified, for qmllint to know it
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(QByteArray textRole MEMBER m_textRole NOTIFY changed)
+    Q_PROPERTY(bool isPlain MEMBER m_isPlain NOTIFY changed) // answers are no Markdown
     // Pixels.
     Q_PROPERTY(qreal answerWidth MEMBER m_answerWidth NOTIFY changed)     // of the text of an answer
     Q_PROPERTY(qreal questionWidth MEMBER m_questionWidth NOTIFY changed) // of the text of a question at the widest
@@ -30,6 +31,7 @@ private:
     double lines(QStringView text, double width) const;
 
     QByteArray m_textRole = QByteArrayLiteral("text");
+    bool m_isPlain = false;
     qreal m_answerWidth = 600;
     qreal m_questionWidth = 480;
     qreal m_characterWidth = 7;

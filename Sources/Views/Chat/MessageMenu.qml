@@ -5,7 +5,8 @@ PopupMenu {
     id: menu
 
     property real messageId: -1
-    property string text
+    property string text // as it is read
+    property string markdown // as it was written; empty for a question, which is only that
     property string selectedText
     property bool canRetry: false
 
@@ -20,6 +21,7 @@ PopupMenu {
         const place = row.mapToItem(parent, x, y)
         messageId = row.messageId
         text = row.wholeText()
+        markdown = row.isUser ? "" : row.markdown()
         selectedText = row.selectedText()
         canRetry = row.canRetry
         popup(place.x, place.y, selectedText.length > 0 ? copySelection : copyAll)
@@ -29,6 +31,7 @@ PopupMenu {
 
     onClosed: {
         text = ""
+        markdown = ""
         selectedText = ""
     }
 
@@ -40,6 +43,14 @@ PopupMenu {
         text: "Копировать"
 
         onTriggered: menu.copyWanted(menu.text)
+    }
+    PopupMenuItem {
+        height: visible ? implicitHeight : 0
+        objectName: "copyMarkdownItem"
+        text: "Копировать как Markdown"
+        visible: menu.markdown.length > 0
+
+        onTriggered: menu.copyWanted(menu.markdown)
     }
     PopupMenuItem {
         id: copySelection

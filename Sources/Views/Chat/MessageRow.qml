@@ -8,7 +8,8 @@ Item {
     required property int index
     required property real messageId
     required property bool isUser
-    required property string text
+    required property string question // empty for an answer
+    required property var content // of an answer
     required property string thinking
     required property bool isStreaming
     required property real columnWidth
@@ -27,22 +28,27 @@ Item {
     signal menuWanted(real x, real y)
     signal caretMoved(real y, real height)
 
+    // What is read, and what was written.
     function wholeText(): string {
-        return text
+        return isUser ? question : body.item.wholeText() // qmllint disable
+    }
+
+    function markdown(): string {
+        return isUser ? question : body.item.markdown() // qmllint disable
     }
 
     function selectedText(): string {
-        return content.item.selectedText() // qmllint disable
+        return body.item.selectedText() // qmllint disable
     }
 
     function deselect(): void {
-        content.item.deselect() // qmllint disable
+        body.item.deselect() // qmllint disable
     }
 
-    Accessible.name: (isUser ? "Вы: " : "Ответ: ") + text.slice(0, 200)
+    Accessible.name: isUser ? "Вы: " + question.slice(0, 200) : "Ответ: " + (body.item?.beginning ?? "") // qmllint disable
     Accessible.role: Accessible.ListItem
     activeFocusOnTab: tabStop || activeFocus // it may not be taken from the row that has the focus
-    implicitHeight: Math.ceil(content.height) // rows begin on whole pixels
+    implicitHeight: Math.ceil(body.height) // rows begin on whole pixels
 
     // The Tab key goes on to buttons that have been scrolled out of sight.
     onFocusedButtonChanged: {
@@ -61,9 +67,9 @@ Item {
         else if (event.matches(StandardKey.Copy))
             copyWanted(selectedText() || wholeText())
         else if (activeFocus && event.matches(StandardKey.SelectAll))
-            content.item.selectAll()
+            body.item.selectAll()
         else if (activeFocus && (event.key === Qt.Key_Return || event.key === Qt.Key_Enter))
-            content.item.takeCaret()
+            body.item.takeCaret()
         else
             return
         event.accepted = true
@@ -79,12 +85,12 @@ Item {
         onTapped: point => row.menuWanted(point.position.x, point.position.y)
     }
     FocusRing {
-        anchors.fill: content
+        anchors.fill: body
         anchors.margins: -Theme.gap2
         shown: row.activeFocus
     }
     Loader {
-        id: content
+        id: body
 
         anchors.horizontalCenter: parent.horizontalCenter
         sourceComponent: row.isUser ? bubble : answer
@@ -95,7 +101,7 @@ Item {
 
         // qmllint disable unqualified
         UserBubble {
-            text: row.text
+            text: row.question
 
             onCaretMoved: (y, height) => row.caretMoved(y, height)
             onCopyWanted: text => row.copyWanted(text)
@@ -109,8 +115,8 @@ Item {
         AnswerView {
             actionsShown: row.highlighted || row.isLast
             canRetry: row.canRetry
+            content: row.content
             isStreaming: row.isStreaming
-            text: row.text
             thinking: row.thinking
             thinkingOpen: row.thinkingOpen
 

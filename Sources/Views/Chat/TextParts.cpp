@@ -1,5 +1,7 @@
 #include "TextParts.h"
 
+#include <algorithm>
+
 namespace Korvi {
 
 void TextParts::setText(const QString& text) {
@@ -66,6 +68,15 @@ QString TextParts::between(int firstPart, int from, int lastPart, int to) const 
 
 int TextParts::lengthOf(int row) const {
     return row < 0 || row >= count() ? 0 : static_cast<int>(part(row).size());
+}
+
+int TextParts::startOf(int row) const {
+    return row < 0 || row >= count() ? 0 : static_cast<int>(m_starts[static_cast<std::size_t>(row)]);
+}
+
+int TextParts::partOf(int position) const {
+    const auto next = std::ranges::upper_bound(m_starts, static_cast<qsizetype>(std::max(position, 0)));
+    return static_cast<int>(next - m_starts.begin()) - 1;
 }
 
 int TextParts::rowCount(const QModelIndex& parent) const {

@@ -32,6 +32,9 @@ public:
     // The text from a character of one part up to a character of the same or a later one.
     Q_INVOKABLE QString between(int firstPart, int from, int lastPart, int to) const;
     Q_INVOKABLE int lengthOf(int part) const;
+    // In the whole text, where a border that is not shown counts too.
+    Q_INVOKABLE int startOf(int part) const;
+    Q_INVOKABLE int partOf(int position) const; // the last one that begins there or before; -1 without parts
 
     int rowCount(const QModelIndex& parent = {}) const override;
     QVariant data(const QModelIndex& index, int role) const override;

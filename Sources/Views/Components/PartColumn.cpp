@@ -18,7 +18,9 @@ constexpr double plainEstimate = 64; // pixels, where nobody estimates
 
 PartColumn::PartColumn(QQuickItem* parent)
     : QQuickItem(parent)
-    , m_items(*this, [this] { changed(); }) {}
+    , m_items(*this, [this] { changed(); }) {
+    setFiltersChildMouseEvents(true);
+}
 
 PartColumn::~PartColumn() {
     if (m_column)
@@ -32,6 +34,7 @@ void PartColumn::setModel(QAbstractItemModel* model) {
         m_model->disconnect(this);
     m_model = model;
     m_items.setModel(model);
+    m_gapRole = model ? model->roleNames().key("gap", -1) : -1;
     if (m_model) {
         using Model = QAbstractItemModel;
         connect(m_model, &Model::rowsInserted, this,
@@ -40,7 +43,8 @@ void PartColumn::setModel(QAbstractItemModel* model) {
             [this](const QModelIndex& first, const QModelIndex& last, const QList<int>& roles) {
                 partsChanged(first.row(), last.row(), roles);
             });
-        connect(m_model, &Model::rowsRemoved, this, &PartColumn::resetParts);
+        connect(m_model, &Model::rowsRemoved, this,
+            [this](const QModelIndex&, int first, int last) { partsRemoved(first, last); });
         connect(m_model, &Model::rowsMoved, this, &PartColumn::resetParts);
         connect(m_model, &Model::layoutChanged, this, &PartColumn::resetParts);
         connect(m_model, &Model::modelReset, this, &PartColumn::resetParts);
@@ -56,6 +60,35 @@ void PartColumn::setDelegate(QQmlComponent* delegate) {
     m_items.setDelegate(delegate);
     changed();
     emit delegateChanged();
+}
+
+QQmlListProperty<PartKind> PartColumn::kinds() {
+    // Declared, never changed later.
+    return {this, nullptr, &PartColumn::appendKind,
+        [](QQmlListProperty<PartKind>* list) { return static_cast<PartColumn*>(list->object)->m_kinds.size(); },
+        [](QQmlListProperty<PartKind>* list, qsizetype at) {
+            return static_cast<PartColumn*>(list->object)->m_kinds.at(at);
+        },
+        nullptr};
+}
+
+void PartColumn::appendKind(QQmlListProperty<PartKind>* list, PartKind* kind) {
+    static_cast<PartColumn*>(list->object)->m_kinds.append(kind);
+}
+
+void PartColumn::setGapScale(qreal scale) {
+    if (scale == m_gapScale)
+        return;
+    m_gapScale = scale;
+    m_estimatesOld = true;
+    changed();
+    emit gapScaleChanged();
+}
+
+double PartColumn::gap(int part) const {
+    if (m_gapRole < 0 || !m_items.isShown(part))
+        return 0;
+    return std::round(m_model->data(m_model->index(part, 0), m_gapRole).toDouble() * m_gapScale);
 }
 
 void PartColumn::setEstimate(RowEstimate* estimate) {
@@ -87,6 +120,12 @@ void PartColumn::partsInserted(int first, int last) {
     changed();
 }
 
+void PartColumn::partsRemoved(int first, int last) {
+    m_items.noteRemoval(first, last - first + 1);
+    m_heights.remove(first, last - first + 1);
+    changed();
+}
+
 void PartColumn::partsChanged(int first, int last, const QList<int>& roles) {
     m_items.noteChange(first, last, roles);
     for (int part = first; part <= last; ++part) {
@@ -97,12 +136,22 @@ void PartColumn::partsChanged(int first, int last, const QList<int>& roles) {
 }
 
 std::vector<double> PartColumn::estimates(int first, int count) const {
-    std::vector<double> guesses(static_cast<std::size_t>(count), plainEstimate);
-    if (m_estimate) {
-        for (int i = 0; i < count; ++i)
-            guesses[static_cast<std::size_t>(i)] = std::round(m_estimate->heightOf(*m_model, first + i));
+    std::vector<double> guesses(static_cast<std::size_t>(count), 0);
+    for (int i = 0; i < count; ++i) {
+        const int part = first + i;
+        if (m_items.isShown(part))
+            guesses[static_cast<std::size_t>(i)] =
+                gap(part) + std::round(m_estimate ? m_estimate->heightOf(*m_model, part) : plainEstimate);
     }
     return guesses;
+}
+
+QQuickItem* PartColumn::obtain(int part) {
+    const QQuickItem* before = m_items.find(part);
+    QQuickItem* item = m_items.obtain(part);
+    if (item && item != before)
+        emit partMade(part, item);
+    return item;
 }
 
 void PartColumn::see(double from, double to, double reach) {
@@ -118,7 +167,7 @@ void PartColumn::see(double from, double to, double reach) {
         for (int part = m_heights.rowAt(from); part < m_heights.count() && m_heights.before(part) < to; ++part) {
             if (part < 0)
                 continue;
-            m_items.obtain(part);
+            obtain(part);
             measure(part);
         }
     }
@@ -133,22 +182,37 @@ void PartColumn::see(double from, double to, double reach) {
     place();
 }
 
+QQuickItem* PartColumn::showPart(int part) {
+    if (part < 0 || part >= m_heights.count() || !m_items.canCreate())
+        return nullptr;
+    QQuickItem* item = obtain(part);
+    changed();
+    return item;
+}
+
+int PartColumn::focusedPart() const {
+    return window() ? m_items.rowOf(window()->activeFocusItem()) : -1;
+}
+
 bool PartColumn::measure(int part) {
     const QQuickItem* item = m_items.find(part);
-    if (!item || item->height() == m_heights.at(part))
+    if (!item)
         return false;
-    m_heights.set(part, item->height());
+    const double height = gap(part) + std::ceil(item->height());
+    if (height == m_heights.at(part))
+        return false;
+    m_heights.set(part, height);
     return true;
 }
 
 void PartColumn::place() {
     for (const auto& [part, item] : m_items.live())
-        item->setY(m_heights.before(part));
+        item->setY(m_heights.before(part) + gap(part));
     setImplicitHeight(m_heights.total());
 }
 
 bool PartColumn::holdsFocus(int part) const {
-    return window() && m_items.rowOf(window()->activeFocusItem()) == part;
+    return focusedPart() == part;
 }
 
 // What is in view is for the column to say, once per frame.
@@ -177,8 +241,40 @@ void PartColumn::findColumn() {
         m_column->rememberParts(this);
 }
 
+// Only looks on: a handler of its own would come too late once a text has taken the pointer for itself.
+bool PartColumn::childMouseEventFilter(QQuickItem* item, QEvent* event) {
+    const auto place = [&] { return mapFromScene(static_cast<QMouseEvent*>(event)->scenePosition()); };
+    switch (event->type()) {
+    case QEvent::MouseButtonPress:
+        m_pointerIsDown = static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton &&
+            item->metaObject()->indexOfMethod("positionToRectangle(int)") >= 0;
+        if (m_pointerIsDown)
+            emit pointerPressed(place().x(), place().y());
+        break;
+    case QEvent::MouseMove:
+        if (m_pointerIsDown)
+            emit pointerMoved(place().x(), place().y());
+        break;
+    case QEvent::MouseButtonRelease:
+    case QEvent::UngrabMouse:
+        if (m_pointerIsDown)
+            emit pointerReleased();
+        m_pointerIsDown = false;
+        break;
+    default: break;
+    }
+    return false;
+}
+
 void PartColumn::componentComplete() {
     QQuickItem::componentComplete();
+    if (!m_kinds.isEmpty()) {
+        QHash<QString, QQmlComponent*> kinds;
+        for (const PartKind* kind : m_kinds)
+            kinds.insert(kind->name(), kind->delegate());
+        m_items.setKinds(kinds);
+        resetParts();
+    }
     findColumn();
     changed();
 }

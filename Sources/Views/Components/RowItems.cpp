@@ -11,6 +11,7 @@ namespace {
 Q_LOGGING_CATEGORY(lcRows, "korvi.views.rows")
 
 constexpr char indexProperty[] = "index";
+constexpr char kindName[] = "kind";
 
 // Moves the keys from `first` on by `by`.
 template <class Value>
@@ -36,12 +37,26 @@ void RowItems::setModel(QAbstractItemModel* model) {
     releaseAll();
     m_model = model;
     m_roles.clear();
+    m_kindRole = model && !m_kinds.isEmpty() ? model->roleNames().key(kindName, -1) : -1;
 }
 
 void RowItems::setDelegate(QQmlComponent* delegate) {
     releaseAll();
     m_delegate = delegate;
     m_roles.clear();
+}
+
+void RowItems::setKinds(const QHash<QString, QQmlComponent*>& kinds) {
+    releaseAll();
+    m_kinds = kinds;
+    m_roles.clear();
+    m_kindRole = m_model && !kinds.isEmpty() ? m_model->roleNames().key(kindName, -1) : -1;
+}
+
+QQmlComponent* RowItems::component(int row) const {
+    if (m_kindRole < 0)
+        return m_delegate;
+    return m_kinds.value(m_model->data(m_model->index(row, 0), m_kindRole).toString(), m_delegate);
 }
 
 QQuickItem* RowItems::find(int row) const {
@@ -53,8 +68,13 @@ QQuickItem* RowItems::obtain(int row) {
     QQuickItem* item = find(row);
     if (!item)
         return create(row);
-    if (const auto node = m_changes.extract(row); !node.empty())
+    if (const auto node = m_changes.extract(row); !node.empty()) {
+        if (m_components.value(item) != component(row)) { // it has become something else
+            release(row);
+            return create(row);
+        }
         update(row, *item, node.mapped());
+    }
     return item;
 }
 
@@ -103,6 +123,7 @@ void RowItems::release(int row) {
     if (node.empty())
         return;
     QQuickItem* item = node.mapped();
+    m_components.remove(item);
     item->disconnect(&m_parent);
     item->setVisible(false);
     item->deleteLater(); // it may be the one that asks for this
@@ -121,26 +142,30 @@ void RowItems::shift(int first, int by) {
 }
 
 QQuickItem* RowItems::create(int row) {
-    QQmlContext* context = m_delegate->creationContext();
+    QQmlComponent* delegate = component(row);
+    if (!delegate)
+        return nullptr;
+    QQmlContext* context = delegate->creationContext();
     if (!context)
         context = qmlContext(&m_parent);
-    QObject* object = m_delegate->beginCreate(context);
+    QObject* object = delegate->beginCreate(context);
     auto* item = qobject_cast<QQuickItem*>(object);
     if (!item) {
-        qCWarning(lcRows) << "a row cannot be made:" << m_delegate->errorString();
+        qCWarning(lcRows) << "a row cannot be made:" << delegate->errorString();
         delete object;
         return nullptr;
     }
-    if (m_roles.isEmpty()) {
+    Roles& roles = m_roles[delegate];
+    if (roles.isEmpty()) {
         const QHash<int, QByteArray> names = m_model->roleNames();
         for (auto role = names.begin(); role != names.end(); ++role) {
             if (item->metaObject()->indexOfProperty(role.value()) >= 0)
-                m_roles.insert(role.key(), role.value());
+                roles.insert(role.key(), role.value());
         }
     }
     const QModelIndex index = m_model->index(row, 0);
     QVariantMap properties;
-    for (auto role = m_roles.begin(); role != m_roles.end(); ++role)
+    for (auto role = roles.cbegin(); role != roles.cend(); ++role)
         properties.insert(QString::fromLatin1(role.value()), m_model->data(index, role.key()));
     if (item->metaObject()->indexOfProperty(indexProperty) >= 0)
         properties.insert(QString::fromLatin1(indexProperty), row);
@@ -148,27 +173,29 @@ QQuickItem* RowItems::create(int row) {
     item->setParent(&m_parent);
     item->setParentItem(&m_parent);
     item->setWidth(m_width);
-    m_delegate->setInitialProperties(item, properties);
-    m_delegate->completeCreate();
-    if (m_delegate->isError()) {
-        qCWarning(lcRows) << "a row cannot be made:" << m_delegate->errorString();
+    delegate->setInitialProperties(item, properties);
+    delegate->completeCreate();
+    if (delegate->isError()) {
+        qCWarning(lcRows) << "a row cannot be made:" << delegate->errorString();
         delete item;
         return nullptr;
     }
     orderAmongSiblings(row, *item);
     m_live.emplace(row, item);
+    m_components.insert(item, delegate);
     QObject::connect(item, &QQuickItem::heightChanged, &m_parent, m_heightChanged);
     return item;
 }
 
 void RowItems::update(int row, QQuickItem& item, const Change& change) {
     const QModelIndex index = m_model->index(row, 0);
+    const Roles roles = m_roles.value(m_components.value(&item));
     const auto apply = [&](int role) {
-        if (const auto name = m_roles.constFind(role); name != m_roles.constEnd())
+        if (const auto name = roles.constFind(role); name != roles.constEnd())
             item.setProperty(name.value(), m_model->data(index, role));
     };
     if (change.all) {
-        for (auto role = m_roles.begin(); role != m_roles.end(); ++role)
+        for (auto role = roles.cbegin(); role != roles.cend(); ++role)
             apply(role.key());
     } else {
         for (const int role : change.roles)

@@ -4,7 +4,7 @@ import QtQuick.Templates as T
 T.ScrollBar {
     id: bar
 
-    implicitHeight: Theme.gap2
+    implicitHeight: Theme.gap3
     implicitWidth: Theme.gap3
     minimumSize: 0.06
     padding: pressed || hovered ? Theme.gap1 / 2 : Theme.gap1
@@ -13,7 +13,7 @@ T.ScrollBar {
     contentItem: Rectangle {
         color: bar.pressed || bar.hovered ? Theme.t3 : Theme.line2
         opacity: bar.active || bar.hovered ? 1 : 0.6
-        radius: width / 2
+        radius: Math.min(width, height) / 2
 
         Behavior on opacity { NumberAnimation { duration: Theme.calm } }
     }

@@ -83,12 +83,16 @@ bool VirtualColumn::fill() {
 
 void VirtualColumn::showParts(int row) {
     const QQuickItem* item = m_items.find(row);
-    const QSet<PartColumn*> all = m_parts; // what is made may hold parts of its own
-    for (PartColumn* parts : all) {
-        if (!item || !item->isAncestorOf(parts) || !parts->isVisible())
-            continue;
-        const double edge = topWanted() - rowPosition(row) - parts->mapToItem(item, {}).y();
-        parts->see(edge, edge + viewHeight(), viewHeight());
+    QSet<PartColumn*> seen;
+    while (seen.size() < m_parts.size()) { // what is made may hold parts of its own
+        const QSet<PartColumn*> others = m_parts - seen;
+        seen = m_parts;
+        for (PartColumn* parts : others) {
+            if (!m_parts.contains(parts) || !item || !item->isAncestorOf(parts) || !parts->isVisible())
+                continue;
+            const double edge = topWanted() - rowPosition(row) - parts->mapToItem(item, {}).y();
+            parts->see(edge, edge + viewHeight(), viewHeight());
+        }
     }
 }
 

@@ -48,6 +48,11 @@ ThemeColors {
     readonly property int buttonHeight: px(36)
     readonly property int roundButton: px(32)
     readonly property int actionHeight: px(26)
+    readonly property int codeHeader: px(34)
+    readonly property int imageHeight: 420 // of an image in an answer, at the most
+    readonly property int imagePlaceholder: 240 // of one that is not there yet
+    readonly property int imageDecoded: 1600 // pixels, of the longer edge
+    readonly property int cellPadding: px(9) // above and below the text of a table
     readonly property int icon: px(16)
     readonly property int hairline: 1
     readonly property int haloWidth: 3
@@ -64,6 +69,13 @@ ThemeColors {
     readonly property int fontCodeBox: px(24)
     readonly property int fontDisplay: px(26)
 
+    // Formulas and diagrams.
+    readonly property int fontFormula: px(18)
+    readonly property int fontInlineFormula: px(14) // its small letters are as high as those of the words around it
+    readonly property real leastFormulaFit: 0.75 // of its size: a wide one is not made smaller than that
+    readonly property int pendingFormulaHeight: 40 // before it is known
+    readonly property int diagramMargin: 26 // above and below
+
     // Milliseconds.
     readonly property int quick: reducedMotion ? 0 : 120
     readonly property int calm: reducedMotion ? 0 : 180
@@ -71,6 +83,8 @@ ThemeColors {
     readonly property int jump: reducedMotion ? 0 : 250 // to another place of a list
     readonly property int pulse: 900
     readonly property int toolTipDelay: 600
+    readonly property int feedback: 1600 // a button says what it has done
+    readonly property int patience: 1000 // before something is shown in place of what does not come
 
     // A length that was drawn for 13-pixel text.
     function px(length: real): int {

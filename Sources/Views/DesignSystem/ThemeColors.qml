@@ -18,8 +18,16 @@ QtObject {
     readonly property color onacc:   dark ? "#10202f" : "#ffffff" // text and icons on the accent
     readonly property color accbg:   dark ? "#1d2f42" : "#e8f2fc" // accent background
     readonly property color code:    dark ? "#151514" : "#f6f6f3" // code block
+    readonly property color codeKeyword: dark ? "#e06b75" : "#b8323f" // tokens of a code block
+    readonly property color codeString:  dark ? "#99c278" : "#447321"
+    readonly property color codeNumber:  dark ? "#d19966" : "#955a17"
+    readonly property color codeComment: dark ? "#80858f" : "#6a6d75"
+    readonly property color codeType:    dark ? "#61b0f0" : "#1768b0"
     readonly property color icode:   dark ? "#f0958d" : "#b3403a" // inline code text
     readonly property color icodebg: dark ? "#2d2a29" : "#f3f1ee" // inline code background
+    readonly property color diagram: dark ? Qt.rgba(0.1176, 0.1176, 0.1176, 1) : Qt.rgba(0.949, 0.949, 0.949, 1) // behind one
+    readonly property color fallback: dark ? "#2d2d2d" : "#e8e8e8" // behind the code of what is no diagram
+    readonly property color fallbackText: dark ? "#aaaaaa" : "#666666"
     readonly property color ok:      dark ? "#5cbf8a" : "#26794c" // success
     readonly property color err:     dark ? "#ef7a73" : "#b93530" // error
     readonly property color errbg:   dark ? "#3a2322" : "#fdf0ef" // error background
@@ -34,4 +42,12 @@ QtObject {
     readonly property color halo:    dark ? "#404a9cf0" : "#211a6dc8" // around what has the focus
     readonly property color scrim:   dark ? "#99000000" : "#52000000" // behind a drawer
     readonly property color shadow:  dark ? "#0a000000" : "#02000000" // one layer of a soft shadow
+    // Behind films and pictures it is dark in both schemes.
+    readonly property color stage:   dark ? "#0f0f0e" : "#262624"
+    readonly property color stageText: "#f4f4f0"
+    readonly property color stageButton: "#8c3a3a38"
+    readonly property color stageLit: "#d9565653"
+    readonly property color stageScrim: "#a6000000"
+    readonly property color viewer:  "#e6101010"
+    readonly property color paper:   "#ffffff" // under documents that bring their own colours
 }

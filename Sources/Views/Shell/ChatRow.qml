@@ -31,6 +31,7 @@ BaseButton {
             anchors.right: end.left
             anchors.verticalCenter: parent.verticalCenter
             marks: row.marks
+            objectName: "chatName"
             plain: row.text
         }
         Item {

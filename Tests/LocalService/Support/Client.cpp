@@ -2,12 +2,14 @@
 
 #include "Core/Asio.h"
 
+#include <algorithm>
 #include <boost/asio/connect.hpp>
 #include <boost/asio/read.hpp>
 #include <boost/asio/write.hpp>
 #include <boost/beast/core/buffers_to_string.hpp>
 #include <boost/beast/core/flat_buffer.hpp>
 #include <boost/beast/websocket.hpp>
+#include <cctype>
 #include <curl/curl.h>
 
 namespace korvi::service::test {
@@ -57,6 +59,66 @@ Reply request(
     curl_slist_free_all(headers);
     reply.body = json::parse(answer, nullptr, false);
     return reply;
+}
+
+namespace {
+
+std::size_t takeHeader(char* data, std::size_t, std::size_t size, void* user) {
+    std::string line(data, size);
+    const auto colon = line.find(':');
+    if (colon != std::string::npos) {
+        std::string name = line.substr(0, colon);
+        std::transform(
+            name.begin(), name.end(), name.begin(), [](char c) { return static_cast<char>(std::tolower(c)); });
+        const auto begin = line.find_first_not_of(' ', colon + 1);
+        (*static_cast<std::map<std::string, std::string>*>(user))[name] = line.substr(begin, line.size() - begin - 2);
+    }
+    return size;
+}
+
+}
+
+Fetched fetch(const std::string& url, const std::vector<std::string>& headers, const std::string& method,
+    const std::string& body) {
+    const std::unique_ptr<CURL, decltype(&curl_easy_cleanup)> easy(curl_easy_init(), curl_easy_cleanup);
+    curl_slist* lines = curl_slist_append(nullptr, "Expect:");
+    for (const auto& header : headers)
+        lines = curl_slist_append(lines, header.c_str());
+    Fetched fetched;
+    curl_easy_setopt(easy.get(), CURLOPT_URL, url.c_str());
+    curl_easy_setopt(easy.get(), CURLOPT_NOPROXY, "*");
+    if (method == "HEAD")
+        curl_easy_setopt(easy.get(), CURLOPT_NOBODY, 1L);
+    else
+        curl_easy_setopt(easy.get(), CURLOPT_CUSTOMREQUEST, method.c_str());
+    curl_easy_setopt(easy.get(), CURLOPT_HTTPHEADER, lines);
+    if (!body.empty()) {
+        curl_easy_setopt(easy.get(), CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(body.size()));
+        curl_easy_setopt(easy.get(), CURLOPT_POSTFIELDS, body.c_str());
+    }
+    curl_easy_setopt(easy.get(), CURLOPT_WRITEFUNCTION, append);
+    curl_easy_setopt(easy.get(), CURLOPT_WRITEDATA, &fetched.body);
+    curl_easy_setopt(easy.get(), CURLOPT_HEADERFUNCTION, takeHeader);
+    curl_easy_setopt(easy.get(), CURLOPT_HEADERDATA, &fetched.headers);
+    if (curl_easy_perform(easy.get()) == CURLE_OK)
+        curl_easy_getinfo(easy.get(), CURLINFO_RESPONSE_CODE, &fetched.status);
+    curl_slist_free_all(lines);
+    return fetched;
+}
+
+std::string multipart(const std::string& filename, const std::string& type, const std::string& bytes) {
+    return "--korvi-boundary\r\nContent-Disposition: form-data; name=\"file\"; filename=\"" + filename +
+        "\"\r\nContent-Type: " + type + "\r\n\r\n" + bytes + "\r\n--korvi-boundary--\r\n";
+}
+
+Fetched upload(int port, const std::string& token, const std::string& form) {
+    return fetch("http://127.0.0.1:" + std::to_string(port) + "/api/v1/storage/upload",
+        {"Content-Type: multipart/form-data; boundary=korvi-boundary", "Authorization: Bearer " + token}, "POST", form);
+}
+
+std::string uploaded(int port, const std::string& token, const std::string& filename, const std::string& bytes,
+    const std::string& type) {
+    return json::parse(upload(port, token, multipart(filename, type, bytes)).body).at("url");
 }
 
 std::string signIn(ServiceProcess& service, const std::string& email) {

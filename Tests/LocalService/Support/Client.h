@@ -2,6 +2,7 @@
 
 #include "Support/ServiceProcess.h"
 
+#include <map>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
@@ -18,6 +19,23 @@ struct Reply {
 
 Reply request(int port, const std::string& method, const std::string& path, const std::string& body = {},
     const std::string& token = {});
+
+struct Fetched {
+    long status = 0;
+    /// Names in lower case.
+    std::map<std::string, std::string> headers;
+    std::string body;
+};
+
+/// Any address, any body.
+Fetched fetch(const std::string& url, const std::vector<std::string>& headers = {}, const std::string& method = "GET",
+    const std::string& body = {});
+/// A form with one file, as the client sends it.
+std::string multipart(const std::string& filename, const std::string& type, const std::string& bytes);
+Fetched upload(int port, const std::string& token, const std::string& form);
+/// The address of a file that has been uploaded.
+std::string uploaded(int port, const std::string& token, const std::string& filename, const std::string& bytes,
+    const std::string& type = "application/octet-stream");
 
 /// A signed-in session of the user with this address; the code is read from the service's console.
 std::string signIn(ServiceProcess& service, const std::string& email);

@@ -36,11 +36,13 @@ void FakeModel::serve() {
         const auto head = asio::read_until(socket, asio::dynamic_buffer(text), "\r\n\r\n", error);
         if (error)
             return;
-        const auto length = std::stoul(text.substr(text.find("Content-Length: ") + 16));
+        const auto field = text.find("Content-Length: ");
+        const auto length = field == std::string::npos ? 0 : std::stoul(text.substr(field + 16));
         if (text.size() < head + length)
             asio::read(socket, asio::dynamic_buffer(text), asio::transfer_exactly(head + length - text.size()), error);
         const auto request = nlohmann::json::parse(text.substr(head), nullptr, false);
-        const bool isTitle = request["messages"][0]["role"] == "system";
+        const bool isTitle =
+            request.is_object() && request.contains("messages") && request["messages"][0]["role"] == "system";
         if (isTitle ? titles == titles_.size() : answers == scripts_.size())
             continue;
         Script& script = isTitle ? titles_[titles++] : scripts_[answers++];
@@ -67,6 +69,12 @@ void FakeModel::answer(tcp::socket& socket, const Script& script) {
 
 std::string streamHead() {
     return "HTTP/1.1 200 OK\r\nContent-Type: text/event-stream\r\nConnection: close\r\n\r\n";
+}
+
+std::vector<std::string> jsonAnswer(const nlohmann::json& body, const std::string& status) {
+    const std::string text = body.dump();
+    return {"HTTP/1.1 " + status + "\r\nContent-Type: application/json\r\nContent-Length: " +
+        std::to_string(text.size()) + "\r\nConnection: close\r\n\r\n" + text};
 }
 
 std::string event(const nlohmann::json& delta) {

@@ -51,6 +51,7 @@ private:
 
 /// The head of an answer that streams.
 std::string streamHead();
+std::vector<std::string> jsonAnswer(const nlohmann::json& body, const std::string& status = "200 OK");
 std::string event(const nlohmann::json& delta);
 
 }

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QImage>
+
+namespace Korvi {
+
+// What the user has copied somewhere.
+class Clipboard {
+public:
+    virtual ~Clipboard() = default;
+
+    virtual bool hasText() const = 0; // that is not empty
+    virtual QImage image() const = 0; // null without one
+};
+
+}

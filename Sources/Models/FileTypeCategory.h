@@ -1,0 +1,7 @@
+#pragma once
+
+namespace Korvi {
+
+enum class FileTypeCategory { image, document, code, video, audio, unsupported };
+
+}

@@ -1,0 +1,130 @@
+#include "FileNames.h"
+
+#include <QFileInfo>
+#include <QLocale>
+
+#include <algorithm>
+#include <array>
+
+namespace Korvi {
+
+using namespace Qt::Literals;
+
+namespace {
+
+constexpr qsizetype longestName = 120; // characters; file systems allow 255 bytes, a Cyrillic letter takes two
+
+// In lower case.
+constexpr QStringView starters[] = {u"appimage", u"apk", u"bat", u"bin", u"cmd", u"com", u"deb", u"desktop", u"elf",
+    u"exe", u"flatpakref", u"jar", u"jnlp", u"js", u"lnk", u"msi", u"out", u"php", u"pl", u"ps1", u"py", u"pyw", u"rb",
+    u"rpm", u"run", u"scr", u"sh", u"so", u"vbs", u"wsf"};
+
+struct KindRow {
+    QStringView extension;
+    QStringView kind;
+};
+
+constexpr std::array kinds{
+    KindRow{u"txt", u"Текст"},
+    KindRow{u"md", u"Markdown"},
+    KindRow{u"doc", u"Документ Word"},
+    KindRow{u"docx", u"Документ Word"},
+    KindRow{u"odt", u"Документ"},
+    KindRow{u"rtf", u"Документ"},
+    KindRow{u"xls", u"Таблица Excel"},
+    KindRow{u"xlsx", u"Таблица Excel"},
+    KindRow{u"ods", u"Таблица"},
+    KindRow{u"csv", u"Таблица CSV"},
+    KindRow{u"ppt", u"Презентация"},
+    KindRow{u"pptx", u"Презентация"},
+    KindRow{u"odp", u"Презентация"},
+    KindRow{u"html", u"Веб-страница"},
+    KindRow{u"htm", u"Веб-страница"},
+    KindRow{u"zip", u"Архив ZIP"},
+};
+
+struct TypeRow {
+    QStringView prefix;
+    QStringView kind;
+};
+
+constexpr std::array types{
+    TypeRow{u"application/pdf", u"PDF"},
+    TypeRow{u"text/", u"Текст"},
+    TypeRow{u"image/", u"Изображение"},
+    TypeRow{u"video/", u"Видео"},
+    TypeRow{u"audio/", u"Аудио"},
+    TypeRow{u"application/zip", u"Архив ZIP"},
+};
+
+QString extensionOf(const QString& name) {
+    const qsizetype dot = name.lastIndexOf(u'.');
+    const QString extension = dot > 0 ? name.mid(dot + 1) : QString();
+    return extension.size() <= 12 ? extension : QString();
+}
+
+}
+
+QString safeFileName(const QString& name, const QString& fallback) {
+    QString safe;
+    for (const QChar character : name) {
+        const QChar::Category category = character.category();
+        // Marks of direction can make "exe.pdf" of "fdp.exe".
+        if (category == QChar::Other_Control || category == QChar::Other_Format)
+            continue;
+        safe += character == u'/' || character == u'\\' || character == u':' ? u'_' : character;
+    }
+    safe = safe.simplified();
+    while (safe.startsWith(u'.') || safe.startsWith(u' '))
+        safe.remove(0, 1);
+    while (safe.endsWith(u'.') || safe.endsWith(u' '))
+        safe.chop(1);
+    if (safe.size() > longestName) {
+        const QString extension = extensionOf(safe);
+        safe = extension.isEmpty() ? safe.left(longestName)
+                                   : safe.left(longestName - extension.size() - 1) + u'.' + extension;
+    }
+    return safe.isEmpty() ? fallback : safe;
+}
+
+QString freePath(const QString& folder, const QString& name) {
+    QString path = folder + u'/' + name;
+    const QString extension = extensionOf(name);
+    const QString base = extension.isEmpty() ? name : name.chopped(extension.size() + 1);
+    for (int number = 2; QFileInfo::exists(path); ++number) {
+        path = u"%1/%2 (%3)"_s.arg(folder, base).arg(number);
+        if (!extension.isEmpty())
+            path += u'.' + extension;
+    }
+    return path;
+}
+
+bool mayStartSomething(const QString& name) {
+    return std::ranges::find(starters, QStringView(extensionOf(name).toLower())) != std::end(starters);
+}
+
+QString fileKind(const QString& name, const QString& mimetype) {
+    const QString extension = extensionOf(name).toLower();
+    const auto* row = std::ranges::find(kinds, QStringView(extension), &KindRow::extension);
+    if (row != kinds.end())
+        return row->kind.toString();
+    if (!extension.isEmpty())
+        return extension.toUpper();
+    const auto* type =
+        std::ranges::find_if(types, [&](const TypeRow& candidate) { return mimetype.startsWith(candidate.prefix); });
+    return type != types.end() ? type->kind.toString() : u"Файл"_s;
+}
+
+QString fileSize(qint64 bytes) {
+    constexpr QStringView units[] = {u"Б", u"КБ", u"МБ", u"ГБ"};
+    double size = static_cast<double>(std::max<qint64>(0, bytes));
+    std::size_t unit = 0;
+    while (size >= 1000 && unit + 1 < std::size(units)) {
+        size /= 1000;
+        ++unit;
+    }
+    const int digits = unit == 0 || size >= 100 ? 0 : 1;
+    return QLocale(QLocale::Russian).toString(size, 'f', digits) + u'\u00a0' + units[unit].toString();
+}
+
+}

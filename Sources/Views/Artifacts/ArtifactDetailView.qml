@@ -1,0 +1,139 @@
+import QtQuick
+import Korvi.Views // the types written in C++
+
+// A document that an answer has made, beside the conversation: as it is written, then as it looks and as its text.
+FocusScope {
+    id: view
+
+    required property string artifactId
+    required property string title
+    required property string kindName
+    required property string text
+    required property bool isGenerating
+    property bool isDownloadingPDF: false
+    property string pdfURL // the path of the file; empty without one
+    property bool showShareSheet: false // what is to be done with the PDF
+    property string pdfError // empty without one
+    property string module: "qrc:/qt-project.org/imports/Korvi/Views/"
+
+    property string tab: "preview" // or "code"
+    readonly property bool hasPreview: kind.preview !== ArtifactKind.NoPreview && !isGenerating
+    readonly property bool showsPreview: hasPreview && tab === "preview"
+    readonly property string fileName: (title || "Artifact").replace(/[/:]/g, "_") + "." + kind.extension
+
+    signal closed
+    signal copyWanted(string text)
+    signal saveWanted(string name)
+    signal pdfWanted
+    signal pdfOpened
+    signal pdfSaved
+    signal pdfShown // in its folder
+    signal pdfDismissed
+
+    Accessible.name: title
+    Accessible.role: Accessible.Pane
+
+    Keys.onEscapePressed: closed()
+    Keys.onPressed: event => {
+        event.accepted = event.matches(StandardKey.Save)
+        if (event.accepted)
+            saveWanted(fileName)
+    }
+    // Another document begins as it looks.
+    onArtifactIdChanged: tab = "preview"
+
+    ArtifactKind {
+        id: kind
+
+        name: view.kindName
+    }
+    Rectangle {
+        anchors.fill: parent
+        color: Theme.bg
+    }
+    ArtifactHeader {
+        id: header
+
+        busy: view.isDownloadingPDF
+        generating: view.isGenerating
+        kindLabel: kind.label
+        tab: view.tab
+        tabsShown: view.hasPreview
+        title: view.title
+        width: parent.width
+
+        onClosed: view.closed()
+        onCopyWanted: view.copyWanted(view.text)
+        onPdfWanted: view.pdfWanted()
+        onSaveWanted: view.saveWanted(view.fileName)
+        onTabChosen: tab => view.tab = tab
+    }
+    Loader {
+        id: body
+
+        anchors.bottom: strips.top
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.top: header.bottom
+        focus: true
+        objectName: "artifactBody"
+
+        // By address where it is rarely needed.
+        source: view.module + (!view.showsPreview || kind.preview === ArtifactKind.Document
+            || kind.preview === ArtifactKind.Diagram ? "ArtifactTextView.qml" : "ArtifactPageView.qml")
+
+        onLoaded: {
+            item.focus = true // qmllint disable
+        }
+    }
+    Binding { property: "text"; target: body.item; value: view.text }
+    Binding { property: "kindName"; target: body.item; value: view.kindName }
+    Binding { property: "isGenerating"; target: body.item; value: view.isGenerating }
+    Binding { property: "showsPreview"; target: body.item; value: view.showsPreview }
+    Connections {
+        function onCopyWanted(text) {
+            view.copyWanted(text)
+        }
+        function onCodeWanted() {
+            view.tab = "code"
+        }
+
+        ignoreUnknownSignals: true
+        target: body.item
+    }
+    Column {
+        id: strips
+
+        anchors.bottom: parent.bottom
+        anchors.bottomMargin: height > 0 ? Theme.gap4 : 0
+        spacing: Theme.gap2
+        width: parent.width - Theme.gap4 * 2
+        x: Theme.gap4
+
+        MessageStrip {
+            dismissible: true
+            objectName: "pdfError"
+            text: view.pdfError
+            visible: text.length > 0
+            width: parent.width
+
+            onDismissed: view.pdfDismissed()
+        }
+        ArtifactShareSheet {
+            objectName: "shareSheet"
+            path: view.pdfURL
+            visible: view.showShareSheet
+            width: parent.width
+
+            onDismissed: view.pdfDismissed()
+            onFolderWanted: view.pdfShown()
+            onOpenWanted: view.pdfOpened()
+            onSaveWanted: view.pdfSaved()
+        }
+    }
+    Rectangle {
+        color: Theme.line
+        height: parent.height
+        width: Theme.hairline
+    }
+}

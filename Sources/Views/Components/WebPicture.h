@@ -1,0 +1,83 @@
+#pragma once
+
+#include <QImage>
+#include <QPointer>
+#include <QQuickPaintedItem>
+#include <QtQml/qqmlregistration.h>
+
+class QNetworkReply;
+
+namespace Korvi {
+
+// A picture from the network: https, or http from this machine; nothing else is asked for. It is decoded off the main
+// thread, no larger than it is shown, and remembered for when its row comes back into view. What goes wrong is told by
+// `status` alone: no address gets into the log.
+class WebPicture : public QQuickPaintedItem {
+    Q_OBJECT
+    QML_ELEMENT
+    Q_PROPERTY(QString source READ source WRITE setSource NOTIFY sourceChanged)
+    Q_PROPERTY(QSize bounds READ bounds WRITE setBounds NOTIFY boundsChanged) // of the decoded picture, device pixels
+    Q_PROPERTY(qreal radius MEMBER m_radius NOTIFY looksChanged)
+    Q_PROPERTY(bool crops MEMBER m_crops NOTIFY looksChanged) // fills its place instead of fitting into it
+    Q_PROPERTY(Status status READ status NOTIFY statusChanged)
+    Q_PROPERTY(QSize naturalSize READ naturalSize NOTIFY statusChanged) // of the picture itself; empty until ready
+    Q_PROPERTY(double progress READ progress NOTIFY progressChanged)    // 0 to 1; -1 while it is unknown
+
+public:
+    enum Status { Empty, Loading, Ready, Failed };
+    Q_ENUM(Status)
+
+    static constexpr qint64 largestFile = 32LL * 1024 * 1024; // bytes
+
+    explicit WebPicture(QQuickItem* parent = nullptr);
+    ~WebPicture() override;
+
+    static bool isAllowed(const QUrl& url);
+
+    QString source() const { return m_source; }
+    void setSource(const QString& source);
+    QSize bounds() const { return m_bounds; }
+    void setBounds(const QSize& bounds);
+    Status status() const { return m_status; }
+    QSize naturalSize() const { return m_naturalSize; }
+    double progress() const { return m_progress; }
+
+    Q_INVOKABLE void reload();
+    Q_INVOKABLE QUrl suggestedFile() const;           // for a dialog that saves it
+    Q_INVOKABLE void copy() const;                    // as a picture, and as PNG
+    Q_INVOKABLE bool savePng(const QUrl& file) const; // as far as it is decoded; false when it cannot be written
+
+    void paint(QPainter* painter) override;
+
+signals:
+    void sourceChanged();
+    void boundsChanged();
+    void looksChanged();
+    void statusChanged();
+    void progressChanged();
+
+protected:
+    void componentComplete() override;
+
+private:
+    void load();
+    void stop();
+    void finished(QNetworkReply* reply);
+    void decode(const QByteArray& bytes);
+    void show(const QImage& image, const QSize& naturalSize);
+    void setStatus(Status status);
+    QString key() const;
+
+    QString m_source;
+    QSize m_bounds = QSize(1024, 1024);
+    qreal m_radius = 0;
+    bool m_crops = false;
+    Status m_status = Empty;
+    QSize m_naturalSize;
+    double m_progress = -1;
+    QImage m_image;
+    QPointer<QNetworkReply> m_reply;
+    quint64 m_turn = 0; // what an older load still brings is not wanted
+};
+
+}

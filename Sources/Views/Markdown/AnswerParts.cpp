@@ -1,0 +1,514 @@
+#include "AnswerParts.h"
+
+#include "MarkdownTable.h"
+#include "Match.h"
+#include "ParagraphTable.h"
+#include "ParagraphsOf.h"
+#include "Pipeline/TableText.h"
+
+#include <algorithm>
+
+namespace Korvi {
+
+namespace {
+
+constexpr double gapAround = 12; // what is not text
+constexpr qsizetype beginningLength = 200;
+
+std::optional<AnswerPartKind> kindOf(const MessageContent& block) {
+    using Kind = std::optional<AnswerPartKind>;
+    return match(
+        block.value, [](const MessageContent::Text&) -> Kind { return AnswerPartKind::text; },
+        [](const MessageContent::Image&) -> Kind { return AnswerPartKind::image; },
+        [](const MessageContent::Video&) -> Kind { return AnswerPartKind::video; },
+        [](const MessageContent::Music&) -> Kind { return AnswerPartKind::music; },
+        [](const MessageContent::File&) -> Kind { return AnswerPartKind::file; },
+        [](const Artifact&) -> Kind { return AnswerPartKind::artifact; },
+        [](const MessageContent::Thinking&) -> Kind { return std::nullopt; }, // shown folded, above
+        [](const MessageContent::Generating&) -> Kind { return AnswerPartKind::generating; },
+        [](const WebSearchContent&) -> Kind { return AnswerPartKind::search; },
+        [](const MessageContent::SearchInProgress&) -> Kind { return AnswerPartKind::searching; },
+        [](const MessageContent::Unknown&) -> Kind { return std::nullopt; });
+}
+
+AnswerPartKind kindOf(const Markdown::Segment& segment) {
+    using Markdown::Block;
+    const auto* special = std::get_if<Markdown::SpecialSegment>(&segment);
+    if (!special)
+        return AnswerPartKind::text;
+    return match(
+        special->block.value, [](const Block::CodeBlock&) { return AnswerPartKind::code; },
+        [](const Block::MermaidBlock&) { return AnswerPartKind::mermaid; },
+        [](const Block::LatexBlock&) { return AnswerPartKind::latex; },
+        [](const Block::Table&) { return AnswerPartKind::table; },
+        [](const Block::Image&) { return AnswerPartKind::image; }, [](const auto&) { return AnswerPartKind::text; });
+}
+
+QVariant dataOf(const Markdown::Block& block, int role) {
+    using Markdown::Block;
+    if (const auto* code = block.as<Block::CodeBlock>()) {
+        if (role == AnswerParts::LanguageRole)
+            return code->language.value_or(QString());
+        if (role == AnswerParts::CodeRole)
+            return code->code;
+    } else if (const auto* diagram = block.as<Block::MermaidBlock>()) {
+        if (role == AnswerParts::CodeRole)
+            return diagram->code;
+    } else if (const auto* formula = block.as<Block::LatexBlock>()) {
+        if (role == AnswerParts::FormulaRole)
+            return formula->formula;
+    } else if (const auto* table = block.as<Block::Table>()) {
+        if (role == AnswerParts::TableRole)
+            return QVariant::fromValue(MarkdownTable(*table));
+    } else if (const auto* image = block.as<Block::Image>()) {
+        if (role == AnswerParts::UrlRole)
+            return image->url;
+        if (role == AnswerParts::AltRole)
+            return image->alt.value_or(QString());
+    }
+    return {};
+}
+
+QVariant dataOf(const MessageContent& block, int role) {
+    if (role == AnswerParts::BlockRole)
+        return QVariant::fromValue(block);
+    if (const auto* image = block.as<MessageContent::Image>())
+        return role == AnswerParts::UrlRole ? QVariant(image->url)
+            : role == AnswerParts::AltRole  ? QVariant(QString())
+                                            : QVariant();
+    if (const auto* video = block.as<MessageContent::Video>())
+        return role == AnswerParts::UrlRole ? QVariant(video->url) : QVariant();
+    if (const auto* music = block.as<MessageContent::Music>())
+        return role == AnswerParts::UrlRole ? QVariant(music->url) : QVariant();
+    if (const auto* file = block.as<MessageContent::File>()) {
+        switch (role) {
+        case AnswerParts::UrlRole: return file->url;
+        case AnswerParts::FilenameRole: return file->filename;
+        case AnswerParts::MimetypeRole: return file->mimetype;
+        default: return {};
+        }
+    }
+    if (const auto* search = block.as<MessageContent::SearchInProgress>())
+        return role == AnswerParts::QueryRole ? QVariant(search->query) : QVariant();
+    if (const auto* generating = block.as<MessageContent::Generating>())
+        return role == AnswerParts::WhatRole ? QVariant(generating->kind) : QVariant();
+    return {};
+}
+
+// Lines of a table, the header being number 0.
+QString readRows(const Markdown::Block::Table& table, qsizetype from, qsizetype to) {
+    Markdown::Block::Table part;
+    from = std::max<qsizetype>(from, 0);
+    to = std::min(to, static_cast<qsizetype>(table.rows.size()) + 1);
+    if (from >= to)
+        return {};
+    part.headers = from == 0 ? table.headers : table.rows[static_cast<std::size_t>(from - 1)];
+    part.rows.assign(table.rows.begin() + from, table.rows.begin() + to - 1);
+    return Markdown::tableAsTsv(part);
+}
+
+QString readingOf(const Markdown::Block& block, qsizetype from, qsizetype to) {
+    using Markdown::Block;
+    return match(
+        block.value, [&](const Block::CodeBlock& code) { return code.code.mid(from, to - from); },
+        [&](const Block::Table& table) { return readRows(table, from, to); },
+        [](const Block::MermaidBlock& diagram) { return diagram.code; },
+        [](const Block::LatexBlock& formula) { return QStringLiteral("$$%1$$").arg(formula.formula); },
+        [](const Block::Image& image) { return image.alt.value_or(image.url); }, [](const auto&) { return QString(); });
+}
+
+}
+
+bool AnswerParts::Part::isOfSame(const Part& other) const {
+    return kind == other.kind && source == other.source && segment == other.segment && range == other.range;
+}
+
+void AnswerParts::setContent(const QVariant& content) {
+    m_content = content;
+    std::vector<const MessageContent*> blocks;
+    MessageContent whole;
+    if (content.canConvert<MessageHandle>()) {
+        const ChatMessage* message = content.value<MessageHandle>().message();
+        if (message && message->content) {
+            for (const MessageContent& block : *message->content) {
+                const auto* text = block.as<MessageContent::Text>();
+                if (kindOf(block) && !(text && text->text.isEmpty()))
+                    blocks.push_back(&block);
+            }
+        }
+    } else if (const QString text = content.toString(); !text.isEmpty()) {
+        whole.value = MessageContent::Text{text};
+        blocks.push_back(&whole);
+    }
+    take(blocks);
+    emit contentChanged();
+}
+
+void AnswerParts::take(const std::vector<const MessageContent*>& blocks) {
+    std::optional<Begin> begin;
+    bool citationsChanged = false;
+    const auto note = [&](std::size_t source, const Markdown::Change& change) {
+        citationsChanged = citationsChanged || change.citationsChanged;
+        if (!begin && (change.removed || change.added || change.continues))
+            begin = Begin{static_cast<int>(source), change};
+    };
+    for (std::size_t i = 0; i < blocks.size(); ++i) {
+        const auto* text = blocks[i]->as<MessageContent::Text>();
+        const bool known = i < m_sources.size() && m_sources[i].document.has_value() == (text != nullptr);
+        if (!known) {
+            m_sources.resize(std::min(i, m_sources.size()));
+            m_sources.emplace_back();
+        }
+        Source& source = m_sources[i];
+        if (text) {
+            if (!source.document)
+                source.document.emplace();
+            const QString& shown = source.document->text();
+            // A text that only grew is not shared: that would make its next growth copy it.
+            Markdown::Change change = !shown.isEmpty() && text->text.startsWith(shown)
+                ? source.document->append(QStringView(text->text).sliced(shown.size()))
+                : source.document->setText(text->text);
+            if (!known)
+                change.added = std::max<qsizetype>(change.added, 1);
+            note(i, change);
+        } else if (!known || source.block != *blocks[i]) {
+            source.block = *blocks[i];
+            note(i, {.added = 1});
+        }
+    }
+    if (m_sources.size() > blocks.size()) {
+        m_sources.resize(blocks.size());
+        note(blocks.size(), {.removed = 1, .citationsChanged = true});
+    }
+    if (begin)
+        rebuild(*begin);
+    if (citationsChanged)
+        emit this->citationsChanged();
+}
+
+void AnswerParts::rebuild(const Begin& begin) {
+    const auto segment = static_cast<int>(begin.change.firstChangedSegment);
+    const auto first = std::partition_point(m_parts.begin(), m_parts.end(), [&](const Part& part) {
+        return part.source < begin.source || (part.source == begin.source && part.segment < segment);
+    });
+    auto kept = static_cast<std::size_t>(first - m_parts.begin());
+    int paragraph = 0;
+    if (begin.change.continues) {
+        // Where a part ends hangs on the paragraph after it, too.
+        for (std::size_t i = kept; i < m_parts.size(); ++i) {
+            const Part& part = m_parts[i];
+            if (part.source != begin.source || part.segment != segment || part.range.first >= begin.change.kept)
+                break;
+            if (part.kind == AnswerPartKind::text && part.range.from == 0) {
+                kept = i;
+                paragraph = part.range.first;
+            }
+        }
+    }
+    std::vector<Part> parts;
+    if (begin.source < static_cast<int>(m_sources.size())) {
+        const Source& source = m_sources[static_cast<std::size_t>(begin.source)];
+        if (source.document && segment < static_cast<int>(source.document->segments().size())) {
+            appendSegment(parts, begin.source, segment, paragraph);
+            appendSource(parts, begin.source, segment + 1);
+        } else if (!source.document) {
+            appendSource(parts, begin.source, 0);
+        }
+        for (int next = begin.source + 1; next < static_cast<int>(m_sources.size()); ++next)
+            appendSource(parts, next, 0);
+    }
+    replaceParts(kept, std::move(parts), begin);
+}
+
+void AnswerParts::appendSegment(std::vector<Part>& parts, int source, int segment, int firstParagraph) const {
+    const Markdown::Segment& shown =
+        m_sources[static_cast<std::size_t>(source)].document->segments()[static_cast<std::size_t>(segment)];
+    if (!isText(shown)) {
+        parts.push_back({kindOf(shown), source, segment, {}, 0});
+        return;
+    }
+    const auto lengthOf = [&](int number) { return paragraphLength(shown, number); };
+    const auto textOf = [&](int number) { return paragraphOf(shown, number).shown(); };
+    for (const TextRange& range : cutText(firstParagraph, paragraphCount(shown), lengthOf, textOf))
+        parts.push_back({AnswerPartKind::text, source, segment, range, 0});
+}
+
+void AnswerParts::appendSource(std::vector<Part>& parts, int source, int firstSegment) const {
+    const Source& from = m_sources[static_cast<std::size_t>(source)];
+    if (!from.document) {
+        parts.push_back({*kindOf(from.block), source, 0, {}, 0});
+        return;
+    }
+    const auto count = static_cast<int>(from.document->segments().size());
+    for (int segment = firstSegment; segment < count; ++segment)
+        appendSegment(parts, source, segment, 0);
+}
+
+void AnswerParts::replaceParts(std::size_t kept, std::vector<Part> parts, const Begin& begin) {
+    const std::size_t before = m_parts.size();
+    const std::size_t after = kept + parts.size();
+    const std::size_t common = std::min(before, after);
+    std::size_t firstChanged = common;
+    if (before > after)
+        beginRemoveRows({}, static_cast<int>(after), static_cast<int>(before) - 1);
+    for (std::size_t i = kept; i < common; ++i) {
+        const Part& part = parts[i - kept];
+        const bool same = begin.change.continues && part.isOfSame(m_parts[i]) && part.source == begin.source &&
+            part.segment == begin.change.firstChangedSegment && part.range.last < begin.change.kept;
+        if (same && part.kind == AnswerPartKind::text)
+            continue;
+        m_parts[i] = part;
+        m_parts[i].revision = ++m_revision;
+        firstChanged = std::min(firstChanged, i);
+    }
+    if (before > after) {
+        m_parts.resize(after);
+        endRemoveRows();
+    }
+    if (firstChanged < common)
+        emit dataChanged(index(static_cast<int>(firstChanged)), index(static_cast<int>(common) - 1));
+    if (after > before) {
+        beginInsertRows({}, static_cast<int>(before), static_cast<int>(after) - 1);
+        for (std::size_t i = common; i < after; ++i) {
+            m_parts.push_back(parts[i - kept]);
+            m_parts.back().revision = ++m_revision;
+        }
+        endInsertRows();
+    }
+    if (before != after) {
+        // What was open and is no longer the end, and the other way round.
+        const QModelIndex end = index(static_cast<int>(common) - 1);
+        if (m_isStreaming && end.isValid())
+            emit dataChanged(end, end, {IsOpenRole});
+        emit countChanged();
+    }
+    if (kept == 0)
+        updateBeginning();
+}
+
+void AnswerParts::setStreaming(bool streaming) {
+    if (streaming == m_isStreaming)
+        return;
+    m_isStreaming = streaming;
+    if (!streaming) {
+        for (Source& source : m_sources) {
+            if (source.document)
+                source.document->settle();
+        }
+    }
+    if (count() > 0)
+        emit dataChanged(index(count() - 1), index(count() - 1), {IsOpenRole});
+    emit isStreamingChanged();
+}
+
+void AnswerParts::updateBeginning() {
+    QString beginning;
+    for (int row = 0; row < count() && beginning.isEmpty(); ++row)
+        beginning = read(row, 0, beginningLength);
+    beginning.truncate(beginningLength);
+    if (beginning == m_beginning)
+        return;
+    m_beginning = beginning;
+    emit beginningChanged();
+}
+
+QVariantList AnswerParts::citations() const {
+    std::vector<Markdown::CitationSource> all;
+    for (const Source& source : m_sources) {
+        if (!source.document)
+            continue;
+        for (const Markdown::CitationSource& citation : source.document->citations()) {
+            const auto isSame = [&](const Markdown::CitationSource& other) { return other.url == citation.url; };
+            if (std::none_of(all.begin(), all.end(), isSame))
+                all.push_back(citation);
+        }
+    }
+    std::stable_sort(all.begin(), all.end(), [](const auto& a, const auto& b) { return a.index < b.index; });
+    QVariantList list;
+    for (const Markdown::CitationSource& citation : all)
+        list.append(QVariantMap{{QStringLiteral("index"), citation.index}, {QStringLiteral("url"), citation.url},
+            {QStringLiteral("domain"), citation.domain}});
+    return list;
+}
+
+const Markdown::Segment* AnswerParts::segment(const Part& part) const {
+    const auto source = static_cast<std::size_t>(part.source);
+    const auto number = static_cast<std::size_t>(part.segment);
+    if (source >= m_sources.size() || !m_sources[source].document)
+        return nullptr;
+    const std::vector<Markdown::Segment>& segments = m_sources[source].document->segments();
+    if (number >= segments.size() || kindOf(segments[number]) != part.kind)
+        return nullptr;
+    const bool fits = part.kind != AnswerPartKind::text || part.range.last < paragraphCount(segments[number]);
+    return fits ? &segments[number] : nullptr;
+}
+
+std::vector<Paragraph> AnswerParts::paragraphs(int row) const {
+    std::vector<Paragraph> all;
+    if (row < 0 || row >= count() || kind(row) != AnswerPartKind::text)
+        return all;
+    const Part& part = m_parts[static_cast<std::size_t>(row)];
+    const TextRange& range = part.range;
+    const Markdown::Segment* from = segment(part);
+    if (!from)
+        return all;
+    for (int number = range.first; number <= range.last; ++number) {
+        Paragraph paragraph = paragraphOf(*from, number);
+        const qsizetype begin = number == range.first ? range.from : 0;
+        const qsizetype end = number == range.last ? range.to : paragraph.length();
+        if (begin > 0 || end < paragraph.length())
+            paragraph = paragraph.sliced(begin, end);
+        all.push_back(std::move(paragraph));
+    }
+    return all;
+}
+
+const Markdown::Block* AnswerParts::special(int row) const {
+    if (row < 0 || row >= count() || kind(row) == AnswerPartKind::text)
+        return nullptr;
+    const Part& part = m_parts[static_cast<std::size_t>(row)];
+    const Markdown::Segment* from = segment(part);
+    return from ? &std::get<Markdown::SpecialSegment>(*from).block : nullptr;
+}
+
+// The kind, and whether it continues, but nothing in it.
+Paragraph AnswerParts::outline(int row, Edge edge) const {
+    const Part& part = m_parts[static_cast<std::size_t>(row)];
+    const Markdown::Segment* from = segment(part);
+    if (!from)
+        return {};
+    const bool first = edge == Edge::top;
+    return {paragraphKindOf(*from, first ? part.range.first : part.range.last), first && part.range.from > 0, {}};
+}
+
+double AnswerParts::gap(int row) const {
+    if (row == 0)
+        return 0;
+    const bool isText = kind(row) == AnswerPartKind::text;
+    if (isText && kind(row - 1) == AnswerPartKind::text)
+        return spaceBetween(outline(row - 1, Edge::bottom), outline(row, Edge::top));
+    return gapAround + (isText ? lookOf(outline(row, Edge::top).kind).before : 0);
+}
+
+QString AnswerParts::read(int row, qsizetype from, qsizetype to) const {
+    if (kind(row) != AnswerPartKind::text) {
+        const Markdown::Block* block = special(row);
+        if (!block || from >= to)
+            return {};
+        return readingOf(*block, from, to);
+    }
+    QString text;
+    const std::vector<Paragraph> all = paragraphs(row);
+    qsizetype begin = 0;
+    for (std::size_t i = 0; i < all.size() && begin < to; ++i) {
+        const qsizetype length = all[i].length();
+        if (i > 0 && from < begin)
+            text += separator(all[i - 1], all[i]);
+        if (from < begin + length)
+            text += all[i].read(from - begin, to - begin);
+        begin += length + 1;
+    }
+    return text;
+}
+
+QString AnswerParts::separatorAbove(int row) const {
+    if (kind(row) == AnswerPartKind::text && kind(row - 1) == AnswerPartKind::text)
+        return separator(outline(row - 1, Edge::bottom), outline(row, Edge::top));
+    return QStringLiteral("\n\n");
+}
+
+int AnswerParts::lengthOf(int row) const {
+    if (row < 0 || row >= count())
+        return 0;
+    if (kind(row) != AnswerPartKind::text) {
+        const Markdown::Block* block = special(row);
+        if (!block)
+            return 0;
+        if (const auto* code = block->as<Markdown::Block::CodeBlock>())
+            return static_cast<int>(code->code.size());
+        const auto* table = block->as<Markdown::Block::Table>();
+        return table ? static_cast<int>(table->rows.size()) + 1 : 1;
+    }
+    qsizetype length = -1;
+    for (const Paragraph& paragraph : paragraphs(row))
+        length += paragraph.length() + 1;
+    return static_cast<int>(length);
+}
+
+QString AnswerParts::between(int firstPart, int from, int lastPart, int to) const {
+    if (firstPart < 0 || lastPart >= count() || firstPart > lastPart)
+        return {};
+    QString text;
+    bool any = false;
+    for (int row = firstPart; row <= lastPart; ++row) {
+        const qsizetype begin = row == firstPart ? from : 0;
+        const qsizetype end = row == lastPart ? to : lengthOf(row);
+        const QString piece = read(row, begin, end);
+        if (piece.isEmpty())
+            continue;
+        if (any)
+            text += separatorAbove(row);
+        text += piece;
+        any = true;
+    }
+    return text;
+}
+
+QString AnswerParts::plainText() const {
+    return between(0, 0, count() - 1, lengthOf(count() - 1));
+}
+
+QString AnswerParts::markdown() const {
+    QStringList texts;
+    for (const Source& source : m_sources) {
+        if (source.document)
+            texts.append(source.document->text());
+    }
+    return texts.join(u'\n');
+}
+
+int AnswerParts::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : count();
+}
+
+QVariant AnswerParts::data(const QModelIndex& index, int role) const {
+    if (!index.isValid() || index.row() >= count())
+        return {};
+    const int row = index.row();
+    const Part& part = m_parts[static_cast<std::size_t>(row)];
+    switch (role) {
+    case KindRole: return QString(answerPartNames[static_cast<std::size_t>(part.kind)]);
+    case GapRole: return gap(row);
+    case IsOpenRole: return m_isStreaming && row == count() - 1;
+    case RevisionRole: return part.revision;
+    default: break;
+    }
+    if (const Markdown::Block* block = special(row))
+        return dataOf(*block, role);
+    const auto source = static_cast<std::size_t>(part.source);
+    if (part.kind != AnswerPartKind::text && source < m_sources.size() && !m_sources[source].document)
+        return dataOf(m_sources[source].block, role);
+    return {};
+}
+
+QHash<int, QByteArray> AnswerParts::roleNames() const {
+    return {
+        {KindRole, "kind"},
+        {GapRole, "gap"},
+        {IsOpenRole, "isOpen"},
+        {RevisionRole, "revision"},
+        {LanguageRole, "language"},
+        {CodeRole, "code"},
+        {FormulaRole, "formula"},
+        {TableRole, "table"},
+        {UrlRole, "url"},
+        {AltRole, "alt"},
+        {FilenameRole, "filename"},
+        {MimetypeRole, "mimetype"},
+        {QueryRole, "query"},
+        {WhatRole, "what"},
+        {BlockRole, "block"},
+    };
+}
+
+}

@@ -1,0 +1,236 @@
+import QtQuick
+import QtQuick.Templates as T
+import Korvi.Views // the types written in C++
+
+// A piece of code of any length that may grow at its end. It is laid out in parts, of which only those in view exist;
+// positions in it count through all of them.
+Item {
+    id: view
+
+    required property string code
+    property string language: ""
+    property bool isOpen: false // more may come
+    property bool wraps: false
+    property bool persistentSelection: false // it stays when the keyboard goes elsewhere
+
+    property int selectionStart: 0
+    property int selectionEnd: 0
+    readonly property bool selectionSpansParts: codeParts.partOf(selectionStart) !== codeParts.partOf(selectionEnd)
+    readonly property string selectedText: {
+        codeParts.text
+        return between(selectionStart, selectionEnd)
+    }
+    readonly property int length: codeParts.text.length
+    readonly property real characterWidth: metrics.advanceWidth("0")
+
+    signal caretMoved(real y, real height)
+    signal copyWanted(string text)
+    signal wrapsToggled // for those who want to know it when the block is made again
+
+    function between(from: int, to: int): string {
+        return codeParts.text.slice(from, to)
+    }
+
+    function select(from: int, to: int): void {
+        const start = Math.max(0, Math.min(from, to))
+        selectionEnd = Math.min(length, Math.max(from, to))
+        selectionStart = start
+    }
+
+    function selectAll(): void {
+        takeFocus()
+        select(0, length)
+    }
+
+    function deselect(): void {
+        select(0, 0)
+    }
+
+    function positionAt(x: real, y: real): int {
+        const at = column.mapFromItem(view, x, y)
+        const part = column.partAt(at.y)
+        const item = column.itemAt(part)
+        return part < 0 ? 0 : codeParts.startOf(part) + (item ? item.positionAt(at.x, at.y - item.y) : 0) // qmllint disable
+    }
+
+    function positionToRectangle(position: int): rect {
+        const part = codeParts.partOf(position)
+        const item = column.itemAt(part)
+        const place = item ? item.positionToRectangle(position - codeParts.startOf(part)) // qmllint disable
+            : Qt.rect(0, 0, 0, estimate.lineHeight)
+        return column.mapToItem(view, place.x, column.positionOf(Math.max(0, part)) + place.y, place.width, place.height)
+    }
+
+    function takeFocus(): void {
+        nearest()?.takeFocus() // qmllint disable
+    }
+
+    function takeCaret(): void {
+        nearest()?.takeCaret() // qmllint disable
+    }
+
+    // The first part that is at hand.
+    function nearest(): Item {
+        for (let part = 0; part < codeParts.count; ++part) {
+            if (column.itemAt(part))
+                return column.itemAt(part)
+        }
+        return null
+    }
+
+    function revealSideways(x: real): void {
+        const margin = Math.min(characterWidth * 4, scroll.width / 4)
+        const seen = area.width - Theme.gap4 * 2
+        if (x - margin < area.contentX)
+            scroll.scrollBy(x - margin - area.contentX)
+        else if (x + margin > area.contentX + seen)
+            scroll.scrollBy(x + margin - area.contentX - seen)
+    }
+
+    Accessible.name: language.length > 0 ? "Код: " + language : "Код"
+    Accessible.role: Accessible.Grouping
+    implicitHeight: scroll.y + scroll.height
+
+    Keys.onLeftPressed: event => event.accepted = scroll.scrollBy(-scroll.step)
+    Keys.onRightPressed: event => event.accepted = scroll.scrollBy(scroll.step)
+    Keys.onPressed: event => {
+        event.accepted = event.matches(StandardKey.Copy) && selectionEnd > selectionStart
+        if (event.accepted)
+            copyWanted(selectedText)
+    }
+
+    Rectangle {
+        anchors.fill: parent
+        border.color: Theme.line
+        color: Theme.code
+        radius: Theme.radiusCard
+    }
+    CodeHeader {
+        id: header
+
+        canWrap: area.contentWidth > area.width
+        language: view.language
+        width: parent.width
+        wraps: view.wraps
+
+        onCopyWanted: view.copyWanted(view.code)
+        onWrapToggled: {
+            view.wraps = !view.wraps
+            view.wrapsToggled()
+        }
+    }
+    SidewaysScroll {
+        id: scroll
+
+        flickable: area
+        height: column.height + Theme.gap4 * 2
+        step: view.characterWidth * 8
+        width: view.width - Theme.hairline * 2
+        x: Theme.hairline
+        y: header.height
+
+        Flickable {
+            id: area
+
+            readonly property real widest: codeParts.columns * view.characterWidth
+
+            anchors.fill: parent
+            boundsBehavior: Flickable.StopAtBounds
+            clip: contentWidth > width
+            contentHeight: height
+            contentWidth: view.wraps ? width : Math.max(width, Math.ceil(widest) + Theme.gap4 * 2)
+            interactive: false
+
+            T.ScrollBar.horizontal: ThinScrollBar {
+                focusPolicy: Qt.NoFocus // qmllint disable
+            }
+
+            onContentWidthChanged: scroll.scrollBy(0)
+
+            PartColumn {
+                id: column
+
+                height: implicitHeight
+                model: codeParts
+                // Not that of the longest line: a part is laid out again for each width.
+                width: view.wraps ? area.width - Theme.gap4 * 2 : Math.max(area.width, Math.pow(2, Math.ceil(Math.log2(area.widest + 1))))
+                x: Theme.gap4 - scroll.x
+                y: Theme.gap4
+
+                // qmllint disable unqualified
+                delegate: CodePart {
+                    id: edit
+
+                    parts: codeParts
+                    persistentSelection: view.persistentSelection || view.selectionSpansParts
+                    share: {
+                        const start = codeParts.startOf(index)
+                        return Qt.point(view.selectionStart - start, view.selectionEnd - start)
+                    }
+                    wrapMode: view.wraps ? TextEdit.Wrap : TextEdit.NoWrap
+
+                    onCaretMoved: (y, height) => {
+                        view.revealSideways(cursorRectangle.x)
+                        view.caretMoved(column.mapToItem(view, 0, edit.y + y).y, height)
+                    }
+                    onSelectionMade: (from, to) => {
+                        const start = codeParts.startOf(index)
+                        if (from < to)
+                            view.select(start + from, start + to)
+                        else if (!view.selectionSpansParts)
+                            view.deselect()
+                    }
+
+                    // The pointer left this part while it selects.
+                    PointHandler {
+                        id: drag
+
+                        property int position: 0 // where it was pressed
+
+                        // After the part itself has selected what it takes for the end.
+                        function follow(): void {
+                            const y = edit.y + point.position.y
+                            const part = column.partAt(y)
+                            const other = column.itemAt(part)
+                            if (view.persistentSelection) // it goes beyond the code
+                                return
+                            if (!active || !other || part === edit.index && !view.selectionSpansParts)
+                                return
+                            const at = codeParts.startOf(part) + other.positionAt(point.position.x, y - other.y)
+                            view.select(position, at)
+                            view.caretMoved(column.mapToItem(view, 0, y).y, 0)
+                        }
+
+                        onActiveChanged: {
+                            if (active) {
+                                view.deselect()
+                                position = codeParts.startOf(edit.index) + edit.positionAt(point.pressPosition.x, point.pressPosition.y)
+                            }
+                        }
+                        onPointChanged: Qt.callLater(follow) // qmllint disable
+                    }
+                }
+                // qmllint enable unqualified
+                estimate: CodeHeights {
+                    id: estimate
+
+                    lineHeight: Theme.leading(Theme.fontBody)
+                    wrapColumns: view.wraps ? column.width / view.characterWidth : 0
+                }
+            }
+        }
+    }
+    CodeParts {
+        id: codeParts
+
+        code: view.code
+        isOpen: view.isOpen
+        language: view.language
+    }
+    FontMetrics {
+        id: metrics
+
+        font.family: Theme.monoFamily
+        font.pixelSize: Theme.fontBody
+    }
+}

@@ -1,0 +1,61 @@
+import QtQuick
+import Korvi.Views // the types written in C++
+
+// Some hundred lines of a code block.
+SelectableText {
+    id: edit
+
+    required property int index
+    required property string part
+    required property CodeParts parts
+    // What is selected of all the code: the first character and the one after the last, counted from this part's first.
+    required property point share
+
+    property bool sharing: true // what changes then is not the reader's doing
+
+    signal selectionMade(int from, int to) // by the reader
+
+    function takeShare(): void {
+        const from = Math.max(0, Math.min(length, share.x))
+        const to = Math.max(0, Math.min(length, share.y))
+        sharing = true
+        if (from >= to)
+            deselect()
+        else if (selectionStart !== from || selectionEnd !== to)
+            select(from, to)
+        sharing = false
+    }
+
+    function tell(): void {
+        if (!sharing && (selectionStart < selectionEnd || (share.x < length && share.y > 0)))
+            selectionMade(selectionStart, selectionEnd)
+    }
+
+    Accessible.name: part
+    content: part
+    font.family: Theme.monoFamily
+    font.preferShaping: false // no ligatures: code is read character by character
+    objectName: "codePart"
+    tabStopDistance: 4 * advance.advanceWidth(" ")
+
+    Component.onCompleted: takeShare()
+    onSelectionEndChanged: tell()
+    onSelectionStartChanged: tell()
+    onShareChanged: takeShare()
+
+    FontMetrics {
+        id: advance
+
+        font: edit.font
+    }
+    CodeColours {
+        comment: Theme.codeComment
+        document: edit.textDocument
+        keyword: Theme.codeKeyword
+        number: Theme.codeNumber
+        part: edit.index
+        parts: edit.parts
+        string: Theme.codeString
+        type: Theme.codeType
+    }
+}

@@ -1,0 +1,183 @@
+import QtQuick
+import Korvi.Views // the types written in C++
+
+// An image of an answer. Until its size is known it has one that suits most, and the words that stand for it can be
+// read all the while.
+Item {
+    id: view
+
+    required property string url // anything that stood in the answer
+    property string alt: ""
+    property bool persistentSelection: false
+
+    // The image counts as one character.
+    property int selectionStart: 0
+    property int selectionEnd: 0
+    readonly property string selectedText: selectionEnd > selectionStart ? "![" + alt + "](" + url + ")" : ""
+    readonly property int length: 1
+
+    readonly property bool isRefused: address.url.toString().length === 0
+    readonly property bool hasFailed: picture.status === Image.Error
+    readonly property bool isShown: picture.status === Image.Ready
+    readonly property real scale: isShown ? Math.min(1, width / picture.implicitWidth, Theme.imageHeight / picture.implicitHeight) : 1
+
+    signal caretMoved(real y, real height)
+    signal copyWanted(string text)
+    signal opened(url address)
+
+    function select(from: int, to: int): void {
+        selectionEnd = Math.max(0, Math.min(1, Math.max(from, to)))
+        selectionStart = Math.max(0, Math.min(1, Math.min(from, to)))
+    }
+
+    function selectAll(): void {
+        takeFocus()
+        select(0, 1)
+    }
+
+    function deselect(): void {
+        select(0, 0)
+    }
+
+    function positionAt(x: real, y: real): int {
+        return y > height / 2 ? 1 : 0
+    }
+
+    function positionToRectangle(position: int): rect {
+        return Qt.rect(0, position > 0 ? height : 0, 0, 0)
+    }
+
+    function takeFocus(): void {
+        forceActiveFocus(Qt.OtherFocusReason)
+    }
+
+    function takeCaret(): void {
+        if (isShown)
+            target.forceActiveFocus(Qt.TabFocusReason)
+        else
+            takeFocus()
+    }
+
+    function retry(): void {
+        picture.source = ""
+        picture.source = Qt.binding(() => address.url)
+    }
+
+    implicitHeight: isShown ? Math.round(picture.implicitHeight * scale)
+        : isRefused || hasFailed ? Math.max(Theme.px(56), words.implicitHeight + Theme.gap3 * 2) : Theme.imagePlaceholder
+
+    Keys.onPressed: event => {
+        event.accepted = event.matches(StandardKey.Copy)
+        if (event.accepted)
+            copyWanted(selectedText || url)
+    }
+
+    ImageAddress {
+        id: address
+
+        text: view.url
+    }
+    Rectangle {
+        id: frame
+
+        anchors.fill: parent
+        border.color: Theme.line
+        color: Theme.code
+        radius: Theme.radiusCard
+        visible: !view.isShown
+    }
+    Image {
+        id: picture
+
+        asynchronous: true
+        height: view.height
+        mipmap: true
+        source: address.url
+        // Larger than any window shows it; never the whole of a huge one.
+        sourceSize: Qt.size(Theme.imageDecoded, Theme.imageDecoded)
+        visible: view.isShown
+        width: Math.round(implicitWidth * view.scale)
+    }
+    BaseButton {
+        id: target
+
+        height: picture.height
+        objectName: "imageTarget"
+        radius: Theme.gap1
+        text: view.alt.length > 0 ? view.alt : "Изображение"
+        visible: view.isShown
+        width: picture.width
+
+        background: Rectangle {
+            color: view.selectionEnd > view.selectionStart ? Theme.selection : target.hovered ? Theme.hover : "transparent"
+        }
+
+        onClicked: view.opened(address.url)
+
+        HoverHandler {
+            cursorShape: Qt.PointingHandCursor
+        }
+    }
+    Row {
+        id: words
+
+        readonly property real textWidth: view.width - Theme.gap4 * 2 - icon.width - spacing - (again.visible ? again.width + spacing : 0)
+
+        spacing: Theme.gap3
+        visible: !view.isShown
+        x: Theme.gap4
+        y: Math.round((view.height - height) / 2)
+
+        Symbol {
+            id: icon
+
+            anchors.verticalCenter: parent.verticalCenter
+            color: Theme.t2
+            name: view.isRefused || view.hasFailed ? "photo.badge.exclamationmark" : "photo"
+            size: Theme.px(20)
+        }
+        Column {
+            anchors.verticalCenter: parent.verticalCenter
+            width: words.textWidth
+
+            Label {
+                color: Theme.t1
+                elide: Text.ElideRight
+                maximumLineCount: 3
+                text: view.alt.length > 0 ? view.alt : "Изображение"
+                width: parent.width
+                wrapMode: Text.Wrap
+            }
+            Label {
+                color: view.hasFailed ? Theme.err : Theme.t2
+                elide: Text.ElideRight
+                font.pixelSize: Theme.fontLabel
+                maximumLineCount: 2
+                text: view.isRefused ? view.url : view.hasFailed ? "Не удалось загрузить изображение" : "Загрузка…"
+                width: parent.width
+                wrapMode: Text.WrapAnywhere
+            }
+        }
+        SecondaryButton {
+            id: again
+
+            anchors.verticalCenter: parent.verticalCenter
+            objectName: "imageRetryButton"
+            text: "Повторить"
+            visible: view.hasFailed
+
+            onClicked: view.retry()
+        }
+    }
+    Rectangle {
+        anchors.bottom: frame.bottom
+        anchors.bottomMargin: Theme.gap3
+        anchors.left: frame.left
+        anchors.leftMargin: Theme.gap4
+        color: Theme.acc
+        height: Theme.gap1 / 2
+        radius: height / 2
+        visible: picture.status === Image.Loading && picture.progress > 0
+        width: (frame.width - Theme.gap4 * 2) * picture.progress
+    }
+}

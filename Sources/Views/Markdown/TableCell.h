@@ -1,0 +1,20 @@
+#pragma once
+
+#include "Pipeline/Inline.h"
+
+#include <QColor>
+#include <QString>
+
+namespace Korvi::TableCell {
+
+// What is shown of a cell: without TeX noise and inline markers.
+std::vector<Markdown::Run> runs(const QString& markdown);
+
+struct Markup {
+    QString text;
+    bool isRich = false; // HTML; otherwise plain text
+};
+
+Markup markup(const QString& markdown, const QString& codeFamily, const QColor& code, const QColor& codeBackground);
+
+}

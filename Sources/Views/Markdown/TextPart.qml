@@ -1,0 +1,81 @@
+import QtQuick
+import Korvi.Views // the types written in C++
+
+// Headers, paragraphs and list items of an answer, with the formulas in them.
+ReadingText {
+    id: edit
+
+    required property int index
+    required property int revision
+    required property bool isOpen
+    required property AnswerParts parts
+    required property TextStyle style
+
+    // Where the text ends; named so that growth and a new width are noticed.
+    readonly property rect end: {
+        edit.revision
+        edit.contentHeight
+        edit.width
+        return edit.positionToRectangle(edit.length)
+    }
+
+    Accessible.name: isOpen ? "" : parts.between(index, 0, index, length) // qmllint disable
+    copiesItself: false
+    objectName: "textPart"
+
+    onContentHeightChanged: paragraphs.findPlaces()
+    onWidthChanged: paragraphs.findPlaces()
+
+    ParagraphDocument {
+        id: paragraphs
+
+        document: edit.textDocument
+        parts: edit.parts
+        revision: edit.revision
+        row: edit.index
+        style: edit.style
+
+        onAboutToChange: edit.keepSelection()
+        onChanged: edit.restoreSelection()
+    }
+    // qmllint disable unqualified
+    Repeater {
+        model: paragraphs.codePlaces
+
+        Rectangle {
+            required property rect place
+
+            color: Theme.icodebg
+            height: place.height + Theme.hairline * 2
+            radius: Theme.gap1
+            width: place.width + Theme.gap1
+            x: place.x - Theme.gap1 / 2
+            y: place.y - Theme.hairline
+            z: -1 // under the text
+        }
+    }
+    Repeater {
+        model: paragraphs.formulas
+
+        InlineFormula {
+            required property int index
+            required property rect place
+            required property string placeText
+
+            color: edit.style.color
+            formula: placeText
+            x: place.x
+            y: place.y + place.height - ascent
+
+            onSizeChanged: paragraphs.setFormulaSize(index, width, ascent, height - ascent)
+        }
+    }
+    // qmllint enable unqualified
+    Loader {
+        active: edit.isOpen
+        x: edit.end.x + Theme.gap1
+        y: edit.end.y + (edit.end.height - height) / 2
+
+        sourceComponent: StreamingDot {}
+    }
+}

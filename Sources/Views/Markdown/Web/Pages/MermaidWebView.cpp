@@ -1,0 +1,125 @@
+#include "MermaidWebView.h"
+
+#include "WebPage.h"
+
+namespace Korvi {
+
+using namespace Qt::Literals;
+
+namespace {
+
+struct Colors {
+    const char* name; // what the page calls it
+    const char* light;
+    const char* dark;
+};
+
+constexpr Colors colors[] = {
+    {"fallbackText", "#666", "#aaa"},
+    {"fallbackBackground", "#e8e8e8", "#2d2d2d"},
+    {"nodeFill", "#ffffff", "#2d2d2d"},
+    {"nodeStroke", "#bbb", "#888"},
+    {"labelText", "#1a1a1a", "#fff"},
+    {"edgeLine", "#aaa", "#888"},
+    {"secondary", "#f0f0f0", "#3a3a3a"},
+    {"clusterBorder", "#ccc", "#666"},
+    {"edgeLabelBackground", "#f2f2f2", "#2d2d2d"},
+    {"themeName", "default", "dark"},
+};
+
+// Replaces each {name} by that colour of the scheme.
+QString colored(QString text, bool isDark) {
+    for (const Colors& color : colors)
+        text.replace(u'{' + QLatin1StringView(color.name) + u'}', QLatin1StringView(isDark ? color.dark : color.light));
+    return text;
+}
+
+const auto style = uR"(* { margin: 0; padding: 0; box-sizing: border-box; }
+body { background: transparent; display: flex; justify-content: center; align-items: center; padding: 16px; overflow: hidden; }
+#diagram { max-width: 100%; }
+#diagram svg { max-width: 100%; height: auto; }
+#fallback {
+    display: none;
+    font-family: 'SF Mono', Menlo, monospace;
+    font-size: 12px;
+    white-space: pre-wrap;
+    word-wrap: break-word;
+    padding: 12px;
+    border-radius: 8px;
+    width: 100%;
+    color: {fallbackText};
+    background: {fallbackBackground};
+}
+.node rect, .node circle, .node ellipse, .node polygon { fill: {nodeFill} !important; stroke: {nodeStroke} !important; }
+.nodeLabel, .edgeLabel { color: {labelText} !important; fill: {labelText} !important; }
+.edgePath path { stroke: {edgeLine} !important; }
+marker path { fill: {edgeLine} !important; }
+)";
+
+const auto configuration = uR"(
+mermaid.initialize({
+    startOnLoad: false,
+    securityLevel: 'strict',
+    suppressErrorRendering: true,
+    fontFamily: 'Inter, sans-serif',
+    theme: '{themeName}',
+    themeVariables: {
+        primaryColor: '{nodeFill}',
+        tertiaryColor: '{nodeFill}',
+        mainBkg: '{nodeFill}',
+        primaryTextColor: '{labelText}',
+        titleColor: '{labelText}',
+        primaryBorderColor: '{nodeStroke}',
+        nodeBorder: '{nodeStroke}',
+        lineColor: '{edgeLine}',
+        secondaryColor: '{secondary}',
+        clusterBkg: '{secondary}',
+        background: 'transparent',
+        clusterBorder: '{clusterBorder}',
+        edgeLabelBackground: '{edgeLabelBackground}'
+    },
+    flowchart: { useMaxWidth: true, htmlLabels: true }
+});
+)";
+
+const auto drawing = uR"(
+const diagram = document.getElementById('diagram');
+const fallback = document.getElementById('fallback');
+function post(height) {
+    window.webkit?.messageHandlers?.heightHandler?.postMessage(height);
+}
+function reportHeight() {
+    post((document.querySelector('#diagram svg') || fallback).getBoundingClientRect().height + 32);
+}
+const observer = new ResizeObserver(entries => {
+    for (const entry of entries) {
+        const height = entry.contentRect.height + 32;
+        if (height > 50)
+            post(height);
+    }
+});
+mermaid.render('mermaid-svg', code).then(({ svg }) => {
+    diagram.innerHTML = svg;
+    observer.observe(diagram.querySelector('svg'));
+    reportHeight();
+}).catch(() => {
+    diagram.style.display = 'none';
+    fallback.textContent = code;
+    fallback.style.display = 'block';
+    reportHeight();
+});
+)";
+
+}
+
+QString MermaidWebView::generateMermaidHTML(const QString& code, bool isDark) {
+    const QString library =
+        u"<script src=\"%1/npm/mermaid@11/dist/mermaid.min.js\"></script>\n"_s.arg(QLatin1StringView(WebPage::origin));
+    const QString body = u"<div id=\"diagram\"></div>\n<pre id=\"fallback\"></pre>\n"_s;
+    const QString literal = WebPage::escapedForScript(QString(code).remove(u'\r'));
+    return WebPage::assemble(library, colored(QString::fromUtf16(style), isDark), body,
+        u"\nconst code = '"_s + literal + u"';"_s + colored(QString::fromUtf16(configuration), isDark) +
+            QString::fromUtf16(drawing));
+}
+
+}

@@ -1,0 +1,14 @@
+import QtQuick
+import QtQuick.Dialogs
+
+// Where a file is to be saved: the desktop's own dialog. Loaded when it is first asked for.
+FileDialog {
+    required property url file // that it proposes
+
+    acceptLabel: "Сохранить"
+    currentFolder: file.toString().replace(/\/[^/]*$/, "")
+    fileMode: FileDialog.SaveFile
+    rejectLabel: "Отмена"
+    selectedFile: file
+    title: "Сохранить как"
+}

@@ -1,0 +1,230 @@
+import QtQuick
+import QtMultimedia
+import Korvi.Views // the types written in C++
+import "Links.js" as Links
+import "Russian.js" as Russian
+
+// Plays a video from its address while it comes. Loaded with the first video that is played.
+FocusScope {
+    id: view
+
+    required property string url
+
+    readonly property bool isBuffering: player.mediaStatus === MediaPlayer.LoadingMedia
+        || player.mediaStatus === MediaPlayer.StalledMedia
+    readonly property bool isPlaying: player.playbackState === MediaPlayer.PlayingState
+    readonly property real duration: player.duration // milliseconds; 0 until it is known
+    readonly property real position: player.position
+    property string errorMessage // empty without one
+
+    signal linkOpened(string url)
+
+    function startStreaming(): void {
+        errorMessage = ""
+        if (!Links.isMedia(url)) {
+            errorMessage = "Неверный URL"
+            return
+        }
+        player.source = ""
+        player.source = url
+        player.play()
+    }
+
+    function toggle(): void {
+        if (isPlaying)
+            player.pause()
+        else
+            player.play()
+    }
+
+    function seek(milliseconds: real): void {
+        player.position = Math.max(0, Math.min(player.duration, player.position + milliseconds))
+    }
+
+    Accessible.name: "Видео"
+    Accessible.role: Accessible.Grouping
+
+    Component.onCompleted: startStreaming()
+    Keys.onLeftPressed: seek(-5000)
+    Keys.onRightPressed: seek(5000)
+    Keys.onSpacePressed: toggle()
+
+    MediaPlayer {
+        id: player
+
+        audioOutput: AudioOutput {
+            muted: mute.checked
+        }
+        videoOutput: output
+
+        onErrorOccurred: (error, text) => view.errorMessage = text || "Ошибка загрузки"
+    }
+    VideoOutput {
+        id: output
+
+        anchors.fill: parent
+    }
+    HoverHandler {
+        id: hover
+    }
+    TapHandler {
+        onTapped: view.toggle()
+    }
+    FocusRing {
+        around: Theme.radiusCard
+        shown: view.activeFocus
+    }
+    Spinner {
+        anchors.centerIn: parent
+        color: Theme.stageText
+        running: view.isBuffering && view.errorMessage.length === 0
+    }
+    Rectangle {
+        id: controls
+
+        anchors.bottom: parent.bottom
+        color: Theme.stageScrim
+        height: Theme.px(44)
+        opacity: hover.hovered || !view.isPlaying || view.activeFocus ? 1 : 0
+        radius: Theme.radiusCard
+        visible: opacity > 0 && view.errorMessage.length === 0
+        width: parent.width
+
+        Behavior on opacity { NumberAnimation { duration: Theme.quick } }
+
+        IconButton {
+            id: playButton
+
+            anchors.left: parent.left
+            anchors.leftMargin: Theme.gap2
+            anchors.verticalCenter: parent.verticalCenter
+            color: Theme.stageText
+            objectName: "pauseButton"
+            symbol: view.isPlaying ? "pause" : "play"
+            text: view.isPlaying ? "Пауза" : "Воспроизвести"
+
+            onClicked: view.toggle()
+        }
+        Label {
+            id: time
+
+            anchors.left: playButton.right
+            anchors.leftMargin: Theme.gap1
+            anchors.verticalCenter: parent.verticalCenter
+            color: Theme.stageText
+            font.pixelSize: Theme.fontSmall
+            text: Russian.clock(view.position) + (view.duration > 0 ? " / " + Russian.clock(view.duration) : "")
+        }
+        Item {
+            anchors.left: time.right
+            anchors.leftMargin: Theme.gap3
+            anchors.right: mute.left
+            anchors.rightMargin: Theme.gap3
+            height: parent.height
+
+            Rectangle {
+                anchors.verticalCenter: parent.verticalCenter
+                color: Theme.stageText
+                height: Theme.px(4)
+                opacity: 0.35
+                radius: height / 2
+                width: parent.width
+            }
+            Rectangle {
+                anchors.verticalCenter: parent.verticalCenter
+                color: Theme.stageText
+                height: Theme.px(4)
+                radius: height / 2
+                width: view.duration > 0 ? parent.width * view.position / view.duration : 0
+            }
+            MouseArea {
+                anchors.fill: parent
+
+                onClicked: mouse => player.position = view.duration * mouse.x / width
+            }
+        }
+        IconButton {
+            id: mute
+
+            anchors.right: outside.left
+            anchors.verticalCenter: parent.verticalCenter
+            checkable: true
+            color: Theme.stageText
+            opacity: checked ? 0.5 : 1
+            symbol: "waveform"
+            text: checked ? "Включить звук" : "Выключить звук"
+        }
+        IconButton {
+            id: outside
+
+            anchors.right: parent.right
+            anchors.rightMargin: Theme.gap2
+            anchors.verticalCenter: parent.verticalCenter
+            color: Theme.stageText
+            symbol: "arrow.up.right.square"
+            text: "Открыть в браузере"
+
+            onClicked: {
+                player.pause()
+                view.linkOpened(view.url)
+            }
+        }
+    }
+    Column {
+        anchors.centerIn: parent
+        spacing: Theme.gap2
+        visible: view.errorMessage.length > 0
+        width: parent.width - Theme.gap6 * 2
+
+        Label {
+            color: Theme.stageText
+            font.weight: Font.DemiBold
+            horizontalAlignment: Text.AlignHCenter
+            text: "Не удалось загрузить видео"
+            width: parent.width
+            wrapMode: Text.Wrap
+        }
+        Label {
+            color: Theme.stageText
+            elide: Text.ElideRight
+            font.pixelSize: Theme.fontLabel
+            horizontalAlignment: Text.AlignHCenter
+            maximumLineCount: 2
+            text: view.errorMessage
+            width: parent.width
+            wrapMode: Text.Wrap
+        }
+        BaseButton {
+            id: again
+
+            anchors.horizontalCenter: parent.horizontalCenter
+            horizontalPadding: Theme.gap4
+            implicitHeight: Theme.buttonHeight
+            objectName: "againButton"
+            radius: Theme.radiusField
+            text: "Попробовать снова"
+
+            background: Rectangle {
+                color: Theme.stageButton
+                radius: again.radius
+            }
+            contentItem: Row {
+                spacing: Theme.gap2
+
+                Symbol {
+                    anchors.verticalCenter: parent.verticalCenter
+                    color: Theme.stageText
+                    name: "arrow.clockwise"
+                    size: Theme.icon
+                }
+                Label {
+                    anchors.verticalCenter: parent.verticalCenter
+                    color: Theme.stageText
+                    text: again.text
+                }
+            }
+
+            onClicked: view.startStreaming()
+        }
+    }
+}

@@ -1,0 +1,157 @@
+#include "Linux/QtScheduler.h"
+#include "Markdown/FormulaEngine.h"
+#include "WaitFor.h"
+
+#include <QQmlComponent>
+#include <QQmlEngine>
+#include <QQuickItem>
+#include <QQuickWindow>
+
+#include <gmock/gmock.h>
+
+namespace Korvi::Test {
+
+using namespace Qt::Literals;
+using namespace std::chrono_literals;
+
+namespace {
+
+// One view in a window, without and with a renderer.
+class FormulaViewsTest : public testing::Test {
+protected:
+    FormulaViewsTest() {
+        QObject::connect(&scenes, &QQmlEngine::warnings, [](const QList<QQmlError>& warnings) {
+            for (const QQmlError& warning : warnings)
+                ADD_FAILURE() << qPrintable(warning.toString());
+        });
+    }
+
+    QQuickItem* show(const QByteArray& qml) {
+        QQmlComponent component(&scenes);
+        component.setData(
+            "import QtQuick\nimport Korvi.Views\nWindow { visible: true; width: 600; height: 600\n" + qml + "}", {});
+        window.reset(qobject_cast<QQuickWindow*>(component.create()));
+        EXPECT_TRUE(window) << qPrintable(component.errorString());
+        return window ? window->contentItem()->childItems().value(0) : nullptr;
+    }
+    static QQuickItem* part(QQuickItem* view, const char* name) {
+        return view->findChild<QQuickItem*>(QString::fromLatin1(name));
+    }
+    static bool isReady(QQuickItem* view) {
+        return waitFor([&] { return view->property("isReady").toBool(); }, 60s);
+    }
+
+    QtScheduler scheduler;
+    FormulaEngine engine{QStringLiteral(KORVI_RENDERER), QStringLiteral(KORVI_BUNDLE), scheduler};
+    QQmlEngine scenes;
+    std::unique_ptr<QQuickWindow> window;
+};
+
+}
+
+TEST_F(FormulaViewsTest, AFormulaIsFortyHighUntilItIsKnownAndAtOnceWhenItWas) {
+    engine.serve(scenes);
+    const QByteArray qml = "LaTeXView { formula: 'E = mc^2'; width: 500 }";
+    QQuickItem* view = show(qml);
+    EXPECT_EQ(view->implicitHeight(), 40);
+    EXPECT_FALSE(part(view, "formulaSource")->isVisible());
+    ASSERT_TRUE(isReady(view));
+    const qreal page = part(view, "formulaDrawing")->property("pageHeight").toReal();
+    EXPECT_GT(page, 10);
+    EXPECT_EQ(view->implicitHeight(), page + 8);
+
+    view = show(qml);
+    EXPECT_TRUE(view->property("isReady").toBool());
+    EXPECT_EQ(view->implicitHeight(), page + 8);
+}
+
+TEST_F(FormulaViewsTest, AFormulaIsOneCharacterThatCopiesAsItsSource) {
+    engine.serve(scenes);
+    QQuickItem* view = show("LaTeXView { formula: 'a_1'; isBlock: false }");
+    ASSERT_TRUE(isReady(view));
+    EXPECT_EQ(view->property("length"), 1);
+    EXPECT_EQ(view->property("selectedText"), u""_s);
+    QMetaObject::invokeMethod(view, "select", Q_ARG(int, 0), Q_ARG(int, 1));
+    EXPECT_EQ(view->property("selectedText"), u"$a_1$"_s);
+    view->setProperty("isBlock", true);
+    EXPECT_EQ(view->property("selectedText"), u"$$a_1$$"_s);
+    QMetaObject::invokeMethod(view, "deselect");
+    EXPECT_EQ(view->property("selectedText"), u""_s);
+}
+
+// Among words: on their baseline, no higher than it needs to be, and growing with the text.
+TEST_F(FormulaViewsTest, ASmallFormulaHasItsBaselineAndGrowsWithItsSize) {
+    engine.serve(scenes);
+    QQuickItem* view = show("LaTeXView { formula: 'x_1'; isBlock: false; fontSize: 20 }");
+    ASSERT_TRUE(isReady(view));
+    EXPECT_EQ(view->implicitHeight(), part(view, "formulaDrawing")->implicitHeight());
+    EXPECT_GT(view->baselineOffset(), 10);
+    EXPECT_LT(view->baselineOffset(), view->implicitHeight());
+    const qreal width = view->implicitWidth();
+    view->setProperty("fontSize", 40);
+    EXPECT_NEAR(view->implicitWidth(), 2 * width, 2);
+}
+
+TEST_F(FormulaViewsTest, AWideFormulaIsMadeSmallerAndThenScrolls) {
+    engine.serve(scenes);
+    QString terms;
+    for (int i = 0; i < 12; ++i)
+        terms += u"a_{%1} + "_s.arg(i);
+    QQuickItem* view = show("LaTeXView { formula: '" + terms.toUtf8() + "b'; width: 500 }");
+    ASSERT_TRUE(isReady(view));
+    EXPECT_LT(view->property("fit").toReal(), 1);
+    EXPECT_LE(part(view, "formulaDrawing")->width(), 501);
+    EXPECT_FALSE(part(view, "formulaBar")->isVisible());
+    view->setWidth(200);
+    EXPECT_EQ(view->property("fit").toReal(), 0.75);
+    EXPECT_GT(part(view, "formulaDrawing")->width(), 300);
+    EXPECT_TRUE(part(view, "formulaBar")->isVisible());
+}
+
+TEST_F(FormulaViewsTest, WhatIsStillBeingWrittenIsShownAsItIsWritten) {
+    engine.serve(scenes);
+    QQuickItem* view = show("LaTeXView { formula: '\\\\frac{1'; isOpen: true; width: 500 }");
+    EXPECT_TRUE(part(view, "formulaSource")->isVisible());
+    view->setProperty("formula", u"\\frac{1}{2}"_s);
+    settle();
+    EXPECT_FALSE(engine.process().isRunning()); // nothing was asked for
+    view->setProperty("isOpen", false);
+    EXPECT_TRUE(part(view, "formulaSource")->isVisible()); // until there is something better
+    ASSERT_TRUE(isReady(view));
+    EXPECT_FALSE(part(view, "formulaSource")->isVisible());
+}
+
+TEST_F(FormulaViewsTest, WhatCannotBeDrawnIsShownAsItsSource) {
+    // No renderer at all.
+    QQuickItem* view = show("LaTeXView { formula: 'x'; width: 500 }");
+    EXPECT_TRUE(part(view, "formulaSource")->isVisible());
+    EXPECT_EQ(part(view, "formulaSource")->property("text"), u"$$x$$"_s);
+    view = show("MermaidView { code: 'flowchart TD'; width: 500 }");
+    EXPECT_TRUE(waitFor([&] { return part(view, "diagramSource")->isVisible(); }));
+    EXPECT_GT(view->implicitHeight(), 20);
+
+    // One that does not understand it.
+    engine.serve(scenes);
+    view = show("LaTeXView { formula: '\\\\frac{1'; width: 500 }");
+    EXPECT_TRUE(waitFor([&] { return part(view, "formulaSource")->isVisible(); }, 60s));
+    view = show("MermaidView { code: 'не диаграмма'; width: 500 }");
+    EXPECT_TRUE(waitFor([&] { return part(view, "diagramSource")->isVisible(); }, 60s));
+    EXPECT_EQ(part(view, "diagramSource")->property("text"), u"не диаграмма"_s);
+}
+
+TEST_F(FormulaViewsTest, ADiagramGrowsAndNeverShrinks) {
+    engine.serve(scenes);
+    QQuickItem* view = show("MermaidView { code: 'flowchart TD\\n A --> B --> C'; width: 500 }");
+    EXPECT_EQ(view->implicitHeight(), 1);
+    ASSERT_TRUE(isReady(view));
+    const qreal grown = view->implicitHeight();
+    EXPECT_NEAR(grown, part(view, "diagramDrawing")->height() + 52, 1);
+    view->setWidth(80);
+    EXPECT_TRUE(waitFor([&] { return part(view, "diagramDrawing")->height() < grown - 60; }, 60s));
+    EXPECT_EQ(view->implicitHeight(), grown);
+    EXPECT_EQ(view->property("selectedText"), u""_s);
+    QMetaObject::invokeMethod(view, "selectAll");
+    EXPECT_EQ(view->property("selectedText"), u"```mermaid\nflowchart TD\n A --> B --> C\n```"_s);
+}
+
+}

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "Clipboard.h"
+
+namespace Korvi::Test {
+
+class FakeClipboard : public Clipboard {
+public:
+    bool text = false;
+    QImage picture;
+
+    bool hasText() const override { return text; }
+    QImage image() const override { return picture; }
+};
+
+}

@@ -1,0 +1,160 @@
+import QtQuick
+import QtTest
+import Korvi.Views
+
+Item {
+    id: root
+
+    height: 500
+    width: 600
+
+    Flickable {
+        id: area
+
+        anchors.fill: parent
+        contentHeight: answer.implicitHeight
+
+        AdvancedMarkdownText {
+            id: answer
+
+            width: root.width
+        }
+    }
+    SignalSpy {
+        id: copied
+
+        signalName: "copyWanted"
+        target: answer
+    }
+
+    TestCase {
+        name: "Answer"
+        when: windowShown
+
+        readonly property string text: "Первый абзац с `кодом`.\n\n```py\na = 1\nb = 2\n```\n\nМежду ними $x^2$ и слово.\n\n"
+            + "| А | Б |\n|---|---|\n| 1 | 2 |\n\n- раз\n- два"
+
+        function init() {
+            failOnWarning(/./)
+            answer.isStreaming = false
+            answer.deselect()
+            answer.text = ""
+            answer.text = text
+            wait(0)
+        }
+
+        function part(index) {
+            return findChild(answer, "answerText").itemAt(index)
+        }
+
+        function test_everyKindHasItsPlaceAndNothingOverlaps() {
+            const column = findChild(answer, "answerText")
+            let below = -1
+            for (let i = 0; i < answer.count; ++i) {
+                const item = part(i)
+                verify(item, "part " + i)
+                verify(item.height > 10, "part " + i)
+                verify(item.y > below, "part " + i)
+                below = item.y + item.height
+            }
+            compare(answer.count, 5)
+            verify(column.implicitHeight >= below)
+        }
+
+        function test_dragSelectsOverTextCodeAndTable() {
+            const first = part(0)
+            const last = part(4)
+            const y = item => item.mapToItem(root, 0, item.height / 2).y
+            mousePress(root, 60, y(first))
+            for (let at = y(first); at <= y(last); at += 6)
+                mouseMove(root, 60, at, 0, Qt.LeftButton)
+            mouseMove(root, 60, last.mapToItem(root, 0, last.height - 4).y, 0, Qt.LeftButton)
+            wait(0)
+            mouseRelease(root, 60, y(last))
+            const selected = answer.selectedText()
+            verify(selected.indexOf("a = 1\nb = 2") > 0, selected)
+            verify(selected.indexOf("Между ними $x^2$ и слово.\n\nА\tБ\n1\t2\n\n• раз") > 0, selected)
+            compare(part(1).selectedText, "a = 1\nb = 2")
+            copied.clear()
+            keySequence("Ctrl+C")
+            compare(copied.count, 1)
+            compare(copied.signalArguments[0][0], selected)
+
+            // It stays while the answer goes on, and goes with the next press.
+            answer.text = text + "\n\nЕщё абзац"
+            wait(0)
+            compare(answer.selectedText(), selected)
+            mouseClick(root, 60, y(first))
+            wait(0)
+            compare(answer.selectedText(), "")
+            compare(part(1).selectedText, "")
+        }
+
+        function test_keyboardSelectsOverTheBorders() {
+            answer.text = "Один.\n\n$$x$$\n\nДва слова.\n\n" + "```\nкод\n```\n\nКонец."
+            wait(0)
+            answer.takeCaret()
+            const first = part(0)
+            const second = part(2)
+            verify(first.activeFocus)
+            keyClick(Qt.Key_Right)
+            for (let i = 0; i < 4; ++i)
+                keyClick(Qt.Key_Right, Qt.ShiftModifier)
+            compare(answer.selectedText(), "дин.")
+            let presses = 0
+            while (!second.activeFocus && ++presses < 10)
+                keyClick(Qt.Key_Right, Qt.ShiftModifier)
+            for (let i = 0; i < 3; ++i)
+                keyClick(Qt.Key_Right, Qt.ShiftModifier)
+            compare(answer.selectedText(), "дин.\n\n$$x$$\n\nДва")
+            keySequence("Ctrl+C")
+            compare(copied.signalArguments[copied.count - 1][0], "дин.\n\n$$x$$\n\nДва")
+            // And back again.
+            for (let i = 0; i < 4; ++i)
+                keyClick(Qt.Key_Left, Qt.ShiftModifier)
+            presses = 0
+            while (!first.activeFocus && ++presses < 10)
+                keyClick(Qt.Key_Left, Qt.ShiftModifier)
+            keyClick(Qt.Key_Left, Qt.ShiftModifier)
+            compare(answer.selectedText(), "дин")
+            // Without Shift the caret goes on and nothing is selected.
+            keyClick(Qt.Key_Down)
+            keyClick(Qt.Key_Down)
+            compare(answer.selectedText(), "")
+            verify(!first.activeFocus)
+        }
+
+        function test_allIsSelectedAndFormulasAreTex() {
+            answer.selectAll()
+            compare(answer.selectedText(), answer.plainText())
+            verify(answer.plainText().indexOf("$x^2$") > 0)
+            compare(answer.markdown(), text)
+        }
+
+        function test_sourcesOpenOnlyWebPages() {
+            answer.text = "Слово [[2]](https://www.example.org/b) и [[1]](http://example.com/a)."
+            wait(0)
+            const footer = findChild(answer, "citationFooter")
+            verify(footer.visible)
+            const chip = findChild(footer, "citationChip")
+            compare(chip.domain, "example.com")
+            compare(chip.Accessible.role, Accessible.Link)
+            verify(chip.enabled)
+            verify(answer.implicitHeight >= footer.y + footer.height)
+            chip.url = "file:///etc/passwd"
+            verify(!chip.enabled)
+            answer.text = "Без источников"
+            verify(!footer.visible)
+        }
+
+        function test_aNewSizeOfTextAndColoursAreTakenOver() {
+            const before = part(0).height
+            Theme.textSize = 20
+            wait(0)
+            verify(part(0).height > before * 1.3, part(0).height)
+            Theme.textSize = 13
+            wait(0)
+            compare(part(0).height, before)
+        }
+    }
+}
