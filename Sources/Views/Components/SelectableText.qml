@@ -6,12 +6,8 @@ ReadingText {
     id: edit
 
     property alias content: growing.text
-<<<<<<< HEAD
-    property bool hasCaret: false
-    readonly property real lineDistance: Math.max(0, Theme.leading(font.pixelSize) - Math.ceil(metrics.height)) // lines are whole pixels
-=======
-    readonly property real lineDistance: Math.max(0, Theme.leading(font.pixelSize) - metrics.height)
->>>>>>> main
+    // Lines are whole pixels.
+    readonly property real lineDistance: Math.max(0, Theme.leading(font.pixelSize) - Math.ceil(metrics.height))
 
     Accessible.name: content
 
