@@ -54,7 +54,7 @@ FocusScope {
     }
 
     function grow(): void {
-        const wanted = raw.visible ? raw.height : isReady ? drawing.height + 2 * Theme.diagramMargin : 1
+        const wanted = raw.visible ? raw.needed : isReady ? drawing.height + 2 * Theme.diagramMargin : 1
         grownHeight = Math.max(grownHeight, wanted)
     }
 
@@ -144,13 +144,15 @@ FocusScope {
     Rectangle {
         id: raw
 
+        readonly property real needed: listing.implicitHeight + 2 * Theme.gap3
+
         color: Theme.fallback
-        height: Math.max(listing.implicitHeight + 2 * Theme.gap3, view.grownHeight)
+        height: Math.max(needed, view.grownHeight)
         radius: Theme.radiusRow
         visible: !view.isReady && (view.showsSource || drawing.isWrong || drawing.isMissed)
         width: view.width
 
-        onHeightChanged: view.grow()
+        onNeededChanged: view.grow()
         onVisibleChanged: view.grow()
 
         Text {
