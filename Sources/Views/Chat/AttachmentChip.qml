@@ -48,7 +48,7 @@ BaseButton {
                 id: picture
 
                 anchors.fill: parent
-                bounds: Qt.size(Theme.px(26) * 4, Theme.px(26) * 4) // room to cut a square out of, on any screen
+                longestSide: Theme.px(26) * 4 // room to cut a square out of, on any screen
                 crops: true
                 radius: Theme.radiusRow - Theme.gap1 / 2
                 readsFiles: chip.readsFiles

@@ -52,7 +52,7 @@ Item {
                 id: picture
 
                 anchors.fill: parent
-                bounds: Qt.size(1024, 1024)
+                longestSide: 1024
                 crops: true
                 radius: frame.radius
                 readsFiles: sent.isOurs

@@ -106,11 +106,11 @@ void WebPicture::setReadsFiles(bool readsFiles) {
         load();
 }
 
-void WebPicture::setBounds(const QSize& bounds) {
-    if (bounds == m_bounds)
+void WebPicture::setLongestSide(int pixels) {
+    if (pixels == m_longestSide)
         return;
-    m_bounds = bounds;
-    emit boundsChanged();
+    m_longestSide = pixels;
+    emit longestSideChanged();
 }
 
 void WebPicture::reload() {
@@ -123,7 +123,7 @@ void WebPicture::componentComplete() {
 }
 
 QString WebPicture::key() const {
-    return u"%1x%2 %3"_s.arg(m_bounds.width()).arg(m_bounds.height()).arg(m_source);
+    return QString::number(m_longestSide) + u' ' + m_source;
 }
 
 void WebPicture::stop() {
@@ -196,11 +196,12 @@ void WebPicture::decode(std::function<QByteArray()> read) {
         else
             show(result.image, result.naturalSize);
     });
-    QThreadPool::globalInstance()->start([promise, read = std::move(read), bounds = m_bounds] {
-        promise->start();
-        promise->addResult(decoded(read(), bounds));
-        promise->finish();
-    });
+    QThreadPool::globalInstance()->start(
+        [promise, read = std::move(read), bounds = QSize(m_longestSide, m_longestSide)] {
+            promise->start();
+            promise->addResult(decoded(read(), bounds));
+            promise->finish();
+        });
 }
 
 void WebPicture::show(const QImage& image, const QSize& naturalSize) {

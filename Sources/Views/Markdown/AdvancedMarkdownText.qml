@@ -24,7 +24,7 @@ Item {
     // Larger, among the other images of this answer.
     function showImage(address: url): void {
         const images = parts.images()
-        const index = images.findIndex(image => image.url === address.toString())
+        const index = images.findIndex(image => image.url === address.toString()) // qmllint disable
         if (context && index >= 0)
             context.imagesWanted(images, index)
         else
