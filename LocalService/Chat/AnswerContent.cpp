@@ -4,8 +4,8 @@
 #include "Core/Text.h"
 
 #include <algorithm>
-#include <map>
 #include <optional>
+#include <set>
 #include <string_view>
 
 namespace korvi::service {
@@ -173,8 +173,11 @@ std::optional<Citation> nextCitation(std::string_view text, std::size_t from) {
             continue;
         const auto address = text.substr(at + 1);
         const std::size_t scheme = address.starts_with("http://") ? 7 : address.starts_with("https://") ? 8 : 0;
-        const auto close = address.find(')');
-        if (scheme == 0 || close == std::string_view::npos || close <= scheme)
+        const auto close = scheme == 0 ? 0 : address.find(')');
+        if (scheme != 0 && close == std::string_view::npos)
+            // Nor is there one for any that follows: looking again each time would take quadratic time.
+            return std::nullopt;
+        if (scheme == 0 || close <= scheme)
             continue;
         citation.url = address.substr(0, close);
         citation.end = at + 1 + close + 1;
@@ -211,6 +214,7 @@ std::string withoutGaps(std::string_view text) {
 /// Citations leave the text and become a block of results.
 void gatherCitations(json& blocks) {
     std::vector<Citation> all;
+    std::set<std::string> known;
     for (json& block : blocks) {
         if (!is(block, "text"))
             continue;
@@ -220,7 +224,7 @@ void gatherCitations(json& blocks) {
         while (const auto citation = nextCitation(text, at)) {
             rest.append(text, at, citation->begin - at);
             at = citation->end;
-            if (std::none_of(all.begin(), all.end(), [&](const Citation& each) { return each.url == citation->url; }))
+            if (known.insert(citation->url).second)
                 all.push_back(*citation);
         }
         if (at > 0)

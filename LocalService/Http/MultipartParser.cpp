@@ -144,7 +144,7 @@ bool MultipartParser::passDelimiter() {
             state_ = State::failed;
         return false;
     }
-    if (pending_.compare(text, 2, "\r\n") != 0) {
+    if (pending_.compare(text, 2, "\r\n") != 0 || ++parts_ > maximumParts) {
         state_ = State::failed;
         return false;
     }

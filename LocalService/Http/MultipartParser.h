@@ -16,6 +16,7 @@ std::optional<std::string> multipartBoundary(std::string_view contentType);
 class MultipartParser {
 public:
     static constexpr std::size_t maximumHeader = std::size_t{8} * 1024;
+    static constexpr int maximumParts = 64;
 
     struct Part {
         std::string filename;
@@ -50,6 +51,7 @@ private:
     Handlers handlers_;
     State state_ = State::preamble;
     bool hasPart_ = false;
+    int parts_ = 0;
     std::string pending_;
     // Of the line break that ends a header: bytes at the beginning of `pending_`.
     std::size_t headerEnd_ = 0;

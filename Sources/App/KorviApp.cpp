@@ -71,7 +71,13 @@ KorviApp::KorviApp(std::unique_ptr<PathMonitor> paths, QObject* parent)
       })
     , m_about(m_info)
     , m_formulas(besideProgram(u"korvi-formulas"_s), besideProgram(u"web"_s), m_scheduler)
-    , m_scenes({m_auth, m_chat, m_home, m_consent, m_onboarding, m_theme, m_caches, m_about}, m_formulas) {
+    , m_downloads({m_transfer, m_desktop},
+          {QStandardPaths::writableLocation(QStandardPaths::DownloadLocation),
+              QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) + u"/korvi/opened"_s})
+    , m_artifactFiles({m_chatService, m_printer, m_desktop})
+    , m_scenes(
+          {m_auth, m_chat, m_home, m_consent, m_onboarding, m_theme, m_caches, m_about, m_downloads, m_artifactFiles},
+          m_formulas) {
     connect(&m_notifications, &NotificationCenter::didReceiveUnauthorizedError, this, &KorviApp::tokenDied);
     connect(&m_notifications, &NotificationCenter::didCompleteAIResponse, this, [this] {
         m_reviews.recordMessage();

@@ -1,9 +1,11 @@
 #pragma once
 
+#include "Artifacts/ArtifactPrinter.h"
 #include "Backend/APIClient.h"
 #include "Backend/AuthenticationService.h"
 #include "Backend/UsersService.h"
 #include "Cache/DataCacheManager.h"
+#include "Chat/ArtifactExport.h"
 #include "Chat/ChatService.h"
 #include "Chat/ChatViewModel.h"
 #include "Chat/ComposerAttachments.h"
@@ -12,14 +14,17 @@
 #include "Linux/DesktopNotifications.h"
 #include "Linux/LoginSleepMonitor.h"
 #include "Linux/QtClipboard.h"
+#include "Linux/QtFileTransfer.h"
 #include "Linux/QtHttpTransport.h"
 #include "Linux/QtScheduler.h"
 #include "Linux/QtWebSocketTransport.h"
 #include "Linux/RoutePathMonitor.h"
 #include "Linux/SecretServiceKeychain.h"
 #include "Linux/SystemClock.h"
-#include "Markdown/FormulaEngine.h"
 #include "Linux/ThreadWorkers.h"
+#include "Linux/XdgDesktop.h"
+#include "Markdown/FormulaEngine.h"
+#include "Media/FileDownloads.h"
 #include "NotificationCenter.h"
 #include "Scenes.h"
 #include "Shell/AIDataConsent.h"
@@ -108,6 +113,11 @@ private:
     AboutViewModel m_about;
     DesktopAppearance m_appearance;
     FormulaEngine m_formulas;
+    XdgDesktop m_desktop;
+    QtFileTransfer m_transfer;
+    FileDownloads m_downloads;
+    ArtifactPrinter m_printer;
+    ArtifactExport m_artifactFiles;
     Scenes m_scenes;
     TaskScope m_scope; // last: its tasks end before anything they use
 };

@@ -1,7 +1,9 @@
 #include "Scenes.h"
 
+#include "Chat/ArtifactExport.h"
 #include "Chat/ChatViewModel.h"
 #include "Markdown/FormulaEngine.h"
+#include "Media/FileDownloads.h"
 #include "Shell/AIDataConsent.h"
 #include "Shell/AboutViewModel.h"
 #include "Shell/AuthViewModel.h"
@@ -57,6 +59,8 @@ bool Scenes::openMain(const QString& notice) {
         {u"consent"_s, QVariant::fromValue(&m_viewModels.consent)},
         {u"onboarding"_s, QVariant::fromValue(&m_viewModels.onboarding)},
         {u"theme"_s, QVariant::fromValue(&m_viewModels.theme)},
+        {u"downloads"_s, QVariant::fromValue(&m_viewModels.downloads)},
+        {u"artifactFiles"_s, QVariant::fromValue(&m_viewModels.artifactFiles)},
         {u"notice"_s, notice},
     });
     // An import by name, unlike an address of a file, also registers the module's C++ types.

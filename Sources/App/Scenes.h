@@ -11,9 +11,11 @@ namespace Korvi {
 
 class AIDataConsent;
 class AboutViewModel;
+class ArtifactExport;
 class AuthViewModel;
 class CacheManager;
 class ChatViewModel;
+class FileDownloads;
 class FormulaEngine;
 class HomeViewModel;
 class Onboarding;
@@ -35,6 +37,8 @@ public:
         ThemeManager& theme;
         CacheManager& caches;
         AboutViewModel& about;
+        FileDownloads& downloads;
+        ArtifactExport& artifactFiles;
     };
 
     Scenes(ViewModels viewModels, FormulaEngine& formulas, QObject* parent = nullptr);

@@ -181,6 +181,18 @@ TEST(AnswerContent, GathersCitationsOfAWholeAnswerOnly) {
         {"title":"b.ru","url":"https://www.b.ru/x","content":"","favicon":"https://www.google.com/s2/favicons?sz=32&domain=b.ru"}]})"));
 }
 
+TEST(AnswerContent, TakesNoLongerForBracketsThatStayOpen) {
+    std::string open;
+    std::string cited;
+    for (int i = 0; i < 60'000; ++i) {
+        open += "[1](http://a ";
+        cited += "[1](http://" + std::to_string(i) + ")";
+    }
+    // With quadratic time the test's limit would find it.
+    EXPECT_EQ(contentOf({text(open)}, AnswerState::done)[0]["text"], open);
+    EXPECT_EQ(contentOf({text(cited)}, AnswerState::done).back()["results"].size(), 60'000U);
+}
+
 Typeset typeset(const std::string& source, std::chrono::seconds time = std::chrono::seconds(30)) {
     asio::io_context io;
     Typesetter typesetter(io, time);

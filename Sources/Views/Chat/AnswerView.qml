@@ -10,8 +10,11 @@ Item {
     required property bool thinkingOpen
     required property bool actionsShown
     required property bool canRetry
+    property AnswerContext context: null
 
     readonly property bool isEmpty: body.count === 0
+    // What a tool does, unless its placeholder says so.
+    readonly property string status: isStreaming && context && !context.hasPlaceholder ? context.toolStatus : ""
     readonly property alias beginning: body.beginning
 
     signal thinkingToggled
@@ -63,6 +66,7 @@ Item {
         id: body
 
         content: answer.content
+        context: answer.context
         isStreaming: answer.isStreaming
         visible: !answer.isEmpty
         width: parent.width - Theme.gap4
@@ -83,8 +87,15 @@ Item {
         }
         Label {
             color: Theme.t3
-            text: answer.thinking.length > 0 ? "Думаю…" : "Готовлю ответ…"
+            text: answer.status || (answer.thinking.length > 0 ? "Думаю…" : "Готовлю ответ…")
         }
+    }
+    ToolStatusLine {
+        id: tool
+
+        status: answer.isEmpty ? "" : answer.status
+        width: body.width
+        y: body.y + body.implicitHeight + Theme.gap3
     }
     // Its place is kept, so that nothing moves when it comes.
     Row {
@@ -99,6 +110,7 @@ Item {
         spacing: Theme.gap1
         x: -Theme.gap1 - Theme.hairline // symbols in line with the text
         y: body.y + (body.visible ? body.implicitHeight : waiting.height) + Theme.gap1
+            + (tool.visible ? tool.height + Theme.gap3 : 0)
 
         Behavior on opacity { NumberAnimation { duration: Theme.quick } }
 

@@ -8,6 +8,7 @@ FocusScope {
 
     required property ChatViewModel chat
     required property bool sidebarFolded
+    property FileDownloads downloads: null
 
     readonly property real margin: sidebarFolded ? Theme.gap4 : Theme.gap6
     readonly property real columnWidth: Math.min(Theme.px(Theme.readingWidth), width - margin * 2)
@@ -62,6 +63,21 @@ FocusScope {
         anchors.fill: parent
         color: Theme.bg
     }
+    AnswerContext {
+        id: context
+
+        artifacts: view.chat.artifacts
+        downloads: view.downloads
+        hasPlaceholder: view.chat.hasGeneratingPlaceholder
+        toolStatus: view.chat.currentToolStatus
+
+        onImagesWanted: (images, index) => viewer.open({ images: images, currentIndex: index })
+    }
+    OnDemand {
+        id: viewer
+
+        source: "qrc:/qt-project.org/imports/Korvi/Views/ImageViewerOverlay.qml"
+    }
     MessageList {
         id: list
 
@@ -71,6 +87,7 @@ FocusScope {
         anchors.top: header.bottom
         canRetry: !view.chat.isGenerating
         columnWidth: view.columnWidth
+        context: context
         messages: view.chat.messages
         visible: !view.fresh
 

@@ -10,6 +10,7 @@ Flickable {
 
     required property var messages // a list model with the roles messageId, isUser, text, thinking, isStreaming
     required property real columnWidth
+    property AnswerContext context: null
     property bool canRetry: false // the last question can be asked again
 
     property var openThinking: ({}) // the reasoning that the reader unfolded, by message
@@ -135,6 +136,7 @@ Flickable {
 
             canRetry: list.canRetry && index >= list.count - 2
             columnWidth: list.columnWidth
+            context: list.context
             holdsFocus: index === column.focusedRow
             isLast: index === list.count - 1
             tabStop: index === list.tabRow

@@ -18,6 +18,7 @@ Item {
     required property bool tabStop
     required property bool isLast
     required property bool canRetry
+    property AnswerContext context: null
 
     readonly property bool highlighted: hover.hovered || holdsFocus
     readonly property BaseButton focusedButton: holdsFocus ? Window.activeFocusItem as BaseButton : null
@@ -116,6 +117,7 @@ Item {
             actionsShown: row.highlighted || row.isLast
             canRetry: row.canRetry
             content: row.content
+            context: row.context
             isStreaming: row.isStreaming
             thinking: row.thinking
             thinkingOpen: row.thinkingOpen

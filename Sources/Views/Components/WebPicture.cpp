@@ -89,11 +89,11 @@ void WebPicture::setSource(const QString& source) {
         load();
 }
 
-void WebPicture::setBounds(const QSize& bounds) {
-    if (bounds == m_bounds)
+void WebPicture::setLongestSide(int pixels) {
+    if (pixels == m_longestSide)
         return;
-    m_bounds = bounds;
-    emit boundsChanged();
+    m_longestSide = pixels;
+    emit longestSideChanged();
 }
 
 void WebPicture::reload() {
@@ -106,7 +106,7 @@ void WebPicture::componentComplete() {
 }
 
 QString WebPicture::key() const {
-    return u"%1x%2 %3"_s.arg(m_bounds.width()).arg(m_bounds.height()).arg(m_source);
+    return QString::number(m_longestSide) + u' ' + m_source;
 }
 
 void WebPicture::stop() {
@@ -172,7 +172,7 @@ void WebPicture::decode(const QByteArray& bytes) {
         else
             show(result.image, result.naturalSize);
     });
-    QThreadPool::globalInstance()->start([promise, bytes, bounds = m_bounds] {
+    QThreadPool::globalInstance()->start([promise, bytes, bounds = QSize(m_longestSide, m_longestSide)] {
         promise->start();
         promise->addResult(decoded(bytes, bounds));
         promise->finish();

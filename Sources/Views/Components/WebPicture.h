@@ -16,12 +16,12 @@ class WebPicture : public QQuickPaintedItem {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(QString source READ source WRITE setSource NOTIFY sourceChanged)
-    Q_PROPERTY(QSize bounds READ bounds WRITE setBounds NOTIFY boundsChanged) // of the decoded picture, device pixels
+    Q_PROPERTY(int longestSide READ longestSide WRITE setLongestSide NOTIFY longestSideChanged) // decoded, at most
     Q_PROPERTY(qreal radius MEMBER m_radius NOTIFY looksChanged)
     Q_PROPERTY(bool crops MEMBER m_crops NOTIFY looksChanged) // fills its place instead of fitting into it
     Q_PROPERTY(Status status READ status NOTIFY statusChanged)
-    Q_PROPERTY(QSize naturalSize READ naturalSize NOTIFY statusChanged) // of the picture itself; empty until ready
-    Q_PROPERTY(double progress READ progress NOTIFY progressChanged)    // 0 to 1; -1 while it is unknown
+    Q_PROPERTY(QSizeF naturalSize READ naturalSize NOTIFY statusChanged) // of the picture itself; empty until ready
+    Q_PROPERTY(double progress READ progress NOTIFY progressChanged)     // 0 to 1; -1 while it is unknown
 
 public:
     enum Status { Empty, Loading, Ready, Failed };
@@ -36,10 +36,10 @@ public:
 
     QString source() const { return m_source; }
     void setSource(const QString& source);
-    QSize bounds() const { return m_bounds; }
-    void setBounds(const QSize& bounds);
+    int longestSide() const { return m_longestSide; }
+    void setLongestSide(int pixels);
     Status status() const { return m_status; }
-    QSize naturalSize() const { return m_naturalSize; }
+    QSizeF naturalSize() const { return m_naturalSize; }
     double progress() const { return m_progress; }
 
     Q_INVOKABLE void reload();
@@ -51,7 +51,7 @@ public:
 
 signals:
     void sourceChanged();
-    void boundsChanged();
+    void longestSideChanged();
     void looksChanged();
     void statusChanged();
     void progressChanged();
@@ -69,7 +69,7 @@ private:
     QString key() const;
 
     QString m_source;
-    QSize m_bounds = QSize(1024, 1024);
+    int m_longestSide = 1024;
     qreal m_radius = 0;
     bool m_crops = false;
     Status m_status = Empty;

@@ -1,5 +1,6 @@
 import QtQuick
 import Korvi.Views // the types written in C++
+import "Links.js" as Links
 
 // An answer, or anything else in Markdown, in parts of which only those in view exist; selected and copied as one text.
 // May grow at its end. Beneath it stand the sources that it cites.
@@ -10,6 +11,7 @@ Item {
     property string text
     property bool isStreaming: false
     property color textColor: Theme.t1
+    property AnswerContext context: null
 
     readonly property alias count: parts.count
     readonly property alias beginning: parts.beginning // for a screen reader
@@ -18,6 +20,16 @@ Item {
     signal caretMoved(real y, real height)
     signal copyWanted(string text)
     signal enlargeWanted(string code) // of a diagram
+
+    // Larger, among the other images of this answer.
+    function showImage(address: url): void {
+        const images = parts.images()
+        const index = images.findIndex(image => image.url === address.toString()) // qmllint disable
+        if (context && index >= 0)
+            context.imagesWanted(images, index)
+        else
+            Qt.openUrlExternally(address)
+    }
 
     function selectedText(): string {
         return selection.selectedText()
@@ -150,7 +162,50 @@ Item {
 
                     onCaretMoved: (y, height) => view.caretMoved(image.y + y, height)
                     onCopyWanted: text => view.copyWanted(selection.span ? view.selectedText() : text)
-                    onOpened: address => Qt.openUrlExternally(address)
+                    onOpened: address => view.showImage(address)
+                }
+            },
+            PartKind {
+                name: "video"
+
+                VideoCard {
+                    onLinkOpened: url => Links.open(url)
+                }
+            },
+            PartKind {
+                name: "file"
+
+                FilePart {
+                    context: view.context
+                }
+            },
+            PartKind {
+                name: "artifact"
+
+                ArtifactPart {
+                    context: view.context
+                    isGenerating: view.isStreaming
+                }
+            },
+            PartKind {
+                name: "search"
+
+                SearchPart {
+                    context: view.context
+
+                    onCopyWanted: text => view.copyWanted(text)
+                }
+            },
+            PartKind {
+                name: "searching"
+
+                WebSearchInProgressView {}
+            },
+            PartKind {
+                name: "generating"
+
+                GeneratingPart {
+                    context: view.context
                 }
             }
         ]

@@ -467,6 +467,16 @@ QString AnswerParts::markdown() const {
     return texts.join(u'\n');
 }
 
+QVariantList AnswerParts::images() const {
+    QVariantList images;
+    for (int row = 0; row < count(); ++row) {
+        if (kind(row) == AnswerPartKind::image)
+            images.append(QVariantMap{{QStringLiteral("url"), data(index(row), UrlRole)},
+                {QStringLiteral("alt"), data(index(row), AltRole)}});
+    }
+    return images;
+}
+
 int AnswerParts::rowCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : count();
 }

@@ -66,6 +66,7 @@ public:
     Q_INVOKABLE int lengthOf(int part) const; // characters as drawn
     Q_INVOKABLE QString plainText() const;    // all that is read
     Q_INVOKABLE QString markdown() const;     // the texts as they came
+    Q_INVOKABLE QVariantList images() const;  // [{ url, alt }], in their order
 
     int rowCount(const QModelIndex& parent = {}) const override;
     QVariant data(const QModelIndex& index, int role) const override;

@@ -69,8 +69,6 @@ void ParagraphDocument::setAll() {
     const std::vector<Paragraph> paragraphs = m_parts->paragraphs(m_row);
     if (paragraphs.empty() && m_paragraphs.empty())
         return;
-    for (Formula& formula : m_found)
-        formula.width = 0; // of another size now
     emit aboutToChange();
     rewrite(paragraphs, 0, 0);
     emit changed();
@@ -139,7 +137,7 @@ void ParagraphDocument::insert(QTextCursor& cursor, const Paragraph& paragraph, 
             continue;
         }
         if (piece.style == Paragraph::Style::formula) {
-            cursor.insertText(QString(QChar::ObjectReplacementCharacter), formulaFormat(sized(piece.text)));
+            cursor.insertText(QString(QChar::ObjectReplacementCharacter), formulaFormat(sizeOf(piece.text)));
         } else if (piece.style == Paragraph::Style::marker && from == 0) {
             cursor.insertText(piece.text.chopped(1), m_style->charFormat(paragraph.kind, piece.style));
             cursor.insertText(piece.text.last(1), m_style->markerEndFormat(paragraph.kind, piece.text));
@@ -151,17 +149,15 @@ void ParagraphDocument::insert(QTextCursor& cursor, const Paragraph& paragraph, 
 }
 
 // Equal formulas are equally large; one that was never seen is taken to be as wide as its text.
-ParagraphDocument::Formula ParagraphDocument::sized(const QString& text) const {
-    for (const Formula& formula : m_found) {
-        if (formula.text == text && formula.width > 0)
-            return formula;
-    }
+ParagraphDocument::Size ParagraphDocument::sizeOf(const QString& formula) const {
+    if (const auto known = m_sizes.constFind(formula); known != m_sizes.constEnd())
+        return *known;
     const QFontMetricsF metrics(m_style->charFormat(Paragraph::Kind::body, Paragraph::Style::base).font());
-    return {text, 0, metrics.horizontalAdvance(text), metrics.ascent(), metrics.descent()};
+    return {metrics.horizontalAdvance(formula), metrics.ascent(), metrics.descent()};
 }
 
 // An image that stands in the middle reaches half its height and a quarter of its font's x-height above the baseline.
-QTextCharFormat ParagraphDocument::formulaFormat(const Formula& formula) const {
+QTextCharFormat ParagraphDocument::formulaFormat(const Size& formula) const {
     QTextImageFormat format;
     format.merge(m_style->charFormat(Paragraph::Kind::body, Paragraph::Style::formula));
     format.setName(formulaImage);
@@ -179,16 +175,18 @@ void ParagraphDocument::setFormulaSize(int formula, qreal width, qreal ascent, q
     if (formula < 0 || formula >= static_cast<int>(m_found.size()) || width <= 0)
         return;
     Formula& known = m_found[static_cast<std::size_t>(formula)];
-    if (known.width == width && known.ascent == ascent && known.descent == descent)
+    const Size size{width, ascent, descent};
+    m_sizes.insert(known.text, size);
+    if (known.size == size)
         return;
-    known.width = width;
-    known.ascent = ascent;
-    known.descent = descent;
+    known.size = size;
     QTextCursor cursor(m_document->textDocument());
     cursor.setPosition(known.position);
     cursor.setPosition(known.position + 1, QTextCursor::KeepAnchor);
-    cursor.setCharFormat(formulaFormat(known));
-    findPlaces();
+    cursor.setCharFormat(formulaFormat(size));
+    if (!m_placesOld)
+        QMetaObject::invokeMethod(this, &ParagraphDocument::findPlaces, Qt::QueuedConnection);
+    m_placesOld = true;
 }
 
 void ParagraphDocument::findFormulas() {
@@ -200,9 +198,7 @@ void ParagraphDocument::findFormulas() {
         for (const Paragraph::Piece& piece : paragraph.pieces) {
             m_hasCode = m_hasCode || piece.style == Paragraph::Style::code;
             if (piece.style == Paragraph::Style::formula) {
-                Formula formula = sized(piece.text);
-                formula.position = position;
-                found.push_back(std::move(formula));
+                found.push_back({piece.text, position, sizeOf(piece.text)});
             }
             position += static_cast<int>(piece.length());
         }
@@ -212,6 +208,7 @@ void ParagraphDocument::findFormulas() {
 }
 
 void ParagraphDocument::findPlaces() {
+    m_placesOld = false;
     std::vector<PlaceListModel::Place> formulas;
     std::vector<PlaceListModel::Place> codes;
     if (m_document && m_style && (!m_found.empty() || m_hasCode)) {
@@ -230,8 +227,8 @@ void ParagraphDocument::findPlaces() {
                     if (line.isValid()) {
                         const double x = std::min(line.cursorToX(begin), line.cursorToX(end));
                         const double baseline = origin.y() + line.y() + line.ascent();
-                        formulas.push_back(
-                            {known.text, QRectF(origin.x() + x, baseline - known.ascent, known.width, known.ascent)});
+                        formulas.push_back({known.text,
+                            QRectF(origin.x() + x, baseline - known.size.ascent, known.size.width, known.size.ascent)});
                     }
                 } else if (piece.style == Paragraph::Style::code) {
                     const QFontMetricsF metrics(m_style->charFormat(paragraph.kind, piece.style).font());

@@ -4,6 +4,7 @@
 #include "PlaceListModel.h"
 #include "TextStyle.h"
 
+#include <QHash>
 #include <QPointer>
 #include <QQmlParserStatus>
 #include <QQuickTextDocument>
@@ -46,7 +47,8 @@ public:
     void classBegin() override {}
     void componentComplete() override;
 
-    // How much room a formula needs, in pixels; `ascent` and `descent` from the baseline.
+    // How much room a formula needs, in pixels; `ascent` and `descent` from the baseline. Its place follows in the next
+    // turn of the main loop.
     Q_INVOKABLE void setFormulaSize(int formula, qreal width, qreal ascent, qreal descent);
     // After the text was laid out anew.
     Q_INVOKABLE void findPlaces();
@@ -61,12 +63,17 @@ signals:
     void changed();
 
 private:
+    struct Size { // pixels
+        double width = 0;
+        double ascent = 0;
+        double descent = 0;
+
+        bool operator==(const Size&) const = default;
+    };
     struct Formula {
         QString text;
         int position = 0; // in the document
-        double width = 0; // pixels
-        double ascent = 0;
-        double descent = 0;
+        Size size;        // that it has there
     };
 
     void update();
@@ -74,8 +81,8 @@ private:
     void rewrite(const std::vector<Paragraph>& paragraphs, std::size_t first, qsizetype from);
     void insert(QTextCursor& cursor, const Paragraph& paragraph, qsizetype from) const;
     QTextBlockFormat blockFormat(const std::vector<Paragraph>& paragraphs, std::size_t number) const;
-    QTextCharFormat formulaFormat(const Formula& formula) const;
-    Formula sized(const QString& text) const;
+    QTextCharFormat formulaFormat(const Size& size) const;
+    Size sizeOf(const QString& formula) const;
     void findFormulas();
 
     QPointer<QQuickTextDocument> m_document;
@@ -83,12 +90,14 @@ private:
     QPointer<TextStyle> m_style;
     std::vector<Paragraph> m_paragraphs; // in the document
     std::vector<Formula> m_found;        // formulas in it
+    QHash<QString, Size> m_sizes;        // of those that were laid out
     PlaceListModel m_formulas;
     PlaceListModel m_codePlaces;
     int m_row = -1;
     int m_revision = -1;
     bool m_complete = false;
     bool m_hasCode = false;
+    bool m_placesOld = false;
 };
 
 }

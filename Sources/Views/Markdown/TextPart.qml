@@ -23,6 +23,7 @@ ReadingText {
     copiesItself: false
     objectName: "textPart"
 
+    Component.onCompleted: paragraphs.findPlaces()
     onContentHeightChanged: paragraphs.findPlaces()
     onWidthChanged: paragraphs.findPlaces()
 

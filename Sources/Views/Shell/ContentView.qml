@@ -9,6 +9,8 @@ FocusScope {
     required property AuthViewModel auth
     required property ChatViewModel chat
     required property HomeViewModel home
+    required property FileDownloads downloads
+    required property ArtifactExport artifactFiles
 
     readonly property string screen: !auth.isInitialCheckComplete ? ""
         : auth.isAuthenticated ? "HomeView.qml"
@@ -16,7 +18,8 @@ FocusScope {
 
     function show(): void {
         if (screen === "HomeView.qml")
-            screenLoader.setSource(screen, { auth: root.auth, chat: root.chat })
+            screenLoader.setSource(screen, { auth: root.auth, chat: root.chat, downloads: root.downloads,
+                artifactFiles: root.artifactFiles })
         else if (screen.length > 0)
             screenLoader.setSource(screen, { auth: root.auth })
     }

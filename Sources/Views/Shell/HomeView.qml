@@ -6,6 +6,8 @@ FocusScope {
 
     required property AuthViewModel auth
     required property ChatViewModel chat
+    required property FileDownloads downloads
+    required property ArtifactExport artifactFiles
 
     readonly property string module: "qrc:/qt-project.org/imports/Korvi/Views/"
 
@@ -91,17 +93,37 @@ FocusScope {
             onShortcutsRequested: home.actions.shortcuts()
         }
 
-        ConversationView {
-            id: conversation
-
+        SidePanel {
             anchors.fill: parent
-            chat: home.chat
             focus: true
-            sidebarFolded: layout.folded
+            open: home.chat.artifacts.isOpen
 
-            onMenuRequested: (item, x, y) => chatActions.openMenu(home.chat.activeChatId, home.chat.activeChatName,
-                home.chat.chats.isFavorite(home.chat.activeChatId), item, x, y)
-            onSidebarRequested: layout.toggle()
+            panel: Component {
+                Loader {
+                    // By address: a start pays for no document.
+                    // qmllint disable unqualified
+                    Component.onCompleted: setSource(home.module + "ArtifactPanel.qml", {
+                        artifacts: home.chat.artifacts, files: home.artifactFiles,
+                        chatId: Qt.binding(() => home.chat.activeChatId), focus: true,
+                    })
+                    // qmllint enable unqualified
+                    focus: true
+                }
+            }
+
+            ConversationView {
+                id: conversation
+
+                anchors.fill: parent
+                chat: home.chat
+                downloads: home.downloads
+                focus: true
+                sidebarFolded: layout.folded
+
+                onMenuRequested: (item, x, y) => chatActions.openMenu(home.chat.activeChatId, home.chat.activeChatName,
+                    home.chat.chats.isFavorite(home.chat.activeChatId), item, x, y)
+                onSidebarRequested: layout.toggle()
+            }
         }
     }
     ChatActions {

@@ -10,6 +10,8 @@ Window {
     required property AIDataConsent consent
     required property Onboarding onboarding
     required property ThemeManager theme
+    required property FileDownloads downloads
+    required property ArtifactExport artifactFiles
 
     property string notice // what is wrong with the place where settings are kept; empty when all is well
 
@@ -58,8 +60,10 @@ Window {
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.top: noticeBar.bottom
+        artifactFiles: window.artifactFiles
         auth: window.auth
         chat: window.chat
+        downloads: window.downloads
         home: window.home
     }
     FirstRunSheets {

@@ -15,7 +15,7 @@ Item {
         id: picture
 
         anchors.fill: parent
-        bounds: Qt.size(64, 64)
+        longestSide: 64
         radius: Theme.gap1 / 2
         source: favicon.source
     }

@@ -94,7 +94,7 @@ CardPart {
                         color: card.error.length > 0 ? Theme.err : Theme.t2
                         elide: Text.ElideRight
                         font.pixelSize: Theme.fontSmall
-                        text: card.stateText || [card.kind, card.size].filter(fact => fact.length > 0).join(" · ")
+                        text: card.stateText || card.kind + (card.kind && card.size ? " · " : "") + card.size
                         width: parent.width
                     }
                 }
@@ -156,10 +156,11 @@ CardPart {
 
         function toggleAt(button: Item): void {
             active = true
-            if (item.opened)
-                item.close()
+            const popup = item as PopupMenu
+            if (popup.opened)
+                popup.close()
             else
-                item.popup(button, 0, button.height)
+                popup.popup(button, 0, button.height)
         }
 
         active: false

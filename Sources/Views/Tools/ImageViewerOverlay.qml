@@ -103,7 +103,7 @@ T.Popup {
             WebPicture {
                 id: picture
 
-                bounds: Qt.size(8192, 8192)
+                longestSide: 8192
                 height: Math.round(naturalSize.height * area.shownScale)
                 objectName: "viewerPicture"
                 source: overlay.current.url

@@ -6,7 +6,7 @@ FileDialog {
     required property url file // that it proposes
 
     acceptLabel: "Сохранить"
-    currentFolder: file.toString().replace(/\/[^/]*$/, "")
+    currentFolder: String(file).replace(/\/[^/]*$/, "")
     fileMode: FileDialog.SaveFile
     rejectLabel: "Отмена"
     selectedFile: file

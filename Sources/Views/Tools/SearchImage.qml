@@ -23,7 +23,7 @@ BaseButton {
             id: picture
 
             anchors.fill: parent
-            bounds: Qt.size(480, 480)
+            longestSide: 480
             crops: true
             opacity: tile.hovered && !tile.down ? 0.9 : 1
             radius: tile.radius

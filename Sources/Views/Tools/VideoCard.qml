@@ -23,7 +23,7 @@ CardPart {
             stage.source = ""
             linkOpened(url)
         } else {
-            stage.item.forceActiveFocus(Qt.TabFocusReason)
+            stage.item.forceActiveFocus(Qt.TabFocusReason) // qmllint disable
         }
     }
 

@@ -13,8 +13,9 @@ FocusScope {
     readonly property bool isBuffering: player.mediaStatus === MediaPlayer.LoadingMedia
         || player.mediaStatus === MediaPlayer.StalledMedia
     readonly property bool isPlaying: player.playbackState === MediaPlayer.PlayingState
-    readonly property real duration: player.duration // milliseconds; 0 until it is known
-    readonly property real position: player.position
+    // Milliseconds; 0 until it is known.
+    readonly property real duration: player.duration // qmllint disable
+    readonly property real position: player.position // qmllint disable
     property string errorMessage // empty without one
 
     signal linkOpened(string url)
@@ -38,7 +39,7 @@ FocusScope {
     }
 
     function seek(milliseconds: real): void {
-        player.position = Math.max(0, Math.min(player.duration, player.position + milliseconds))
+        player.position = Math.max(0, Math.min(duration, position + milliseconds))
     }
 
     Accessible.name: "Видео"

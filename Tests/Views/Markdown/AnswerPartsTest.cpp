@@ -275,6 +275,7 @@ TEST(ParagraphDocument, KeepsRoomForAFormulaAboveAndBelowTheBaseline) {
     ParagraphDocument& paragraphs = shown.paragraphs();
     const QTextDocument* document = paragraphs.document()->textDocument();
     paragraphs.setFormulaSize(0, 40, 30, 4);
+    paragraphs.findPlaces();
     const PlaceListModel::Place place = paragraphs.formulas()->places().front();
     const QTextLine line = document->firstBlock().layout()->lineAt(0);
     EXPECT_EQ(place.rect.width(), 40);

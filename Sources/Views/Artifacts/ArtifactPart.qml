@@ -1,0 +1,31 @@
+import QtQuick
+import Korvi.Views // the types written in C++
+
+// A document as a part of an answer.
+CardPart {
+    id: part
+
+    required property var block
+    property AnswerContext context: null
+    property bool isGenerating: false
+
+    implicitHeight: card.implicitHeight
+
+    ArtifactBlock {
+        id: artifact
+
+        block: part.block
+    }
+    ArtifactCardView {
+        id: card
+
+        focus: true
+        isGenerating: part.isGenerating
+        isSelected: artifact.artifactId.length > 0 && part.context?.artifacts?.selectedArtifactId === artifact.artifactId
+        kindName: artifact.kind
+        title: artifact.title
+        width: part.width
+
+        onChosen: part.context?.artifacts?.select(artifact.artifactId)
+    }
+}

@@ -1,0 +1,15 @@
+import QtQml
+import Korvi.ViewModels
+
+// What the parts of answers need of their surroundings beyond their own block.
+QtObject {
+    property FileDownloads downloads: null
+    property ArtifactSelection artifacts: null
+    property string toolStatus // of the answer under way; empty when no tool is at work
+    property bool hasPlaceholder: false // which then tells the status
+
+    // What was unfolded, by what it is of: rows are made again when they come back into view.
+    readonly property var kept: ({})
+
+    signal imagesWanted(var images, int index) // { url, alt }
+}

@@ -1,0 +1,20 @@
+import QtQuick
+
+// The place of what a tool makes, as a part of an answer.
+CardPart {
+    id: part
+
+    required property string what
+    property AnswerContext context: null
+
+    implicitHeight: skeleton.implicitHeight
+
+    GeneratingSkeleton {
+        id: skeleton
+
+        focus: true
+        kind: part.what
+        status: part.isOpen ? part.context?.toolStatus ?? "" : ""
+        width: part.width
+    }
+}
