@@ -23,7 +23,7 @@ Async<QByteArray> ArtifactPrinter::print(QString kind, QString title, QString te
     }
     auto* process = new PreviewProcess(this);
     const auto end = [process] { process->deleteLater(); };
-    const auto fail = [resolver, end](const QString& reason) mutable {
+    auto fail = [resolver, end](const QString& reason) mutable {
         end();
         resolver.fail(PrintError(reason));
     };
