@@ -13,7 +13,7 @@
 #include <cstdio>
 
 using namespace Korvi;
-using Clock = std::chrono::steady_clock;
+using Stopwatch = std::chrono::steady_clock;
 
 namespace {
 
@@ -33,8 +33,8 @@ std::vector<QByteArray> framesOf(qsizetype characters) {
     return frames;
 }
 
-double milliseconds(Clock::time_point since) {
-    return std::chrono::duration<double, std::milli>(Clock::now() - since).count();
+double milliseconds(Stopwatch::time_point since) {
+    return std::chrono::duration<double, std::milli>(Stopwatch::now() - since).count();
 }
 
 double stream(const std::vector<QByteArray>& frames) {
@@ -54,7 +54,7 @@ double stream(const std::vector<QByteArray>& frames) {
     selection.select(messages.messages().front().content->front().as<Artifact>()->id);
     qsizetype read = 0;
     QObject::connect(&selection, &ArtifactSelection::changed, [&] { read += selection.text().size() > 0 ? 1 : 0; });
-    const auto start = Clock::now();
+    const auto start = Stopwatch::now();
     int pieces = 0;
     for (const QByteArray& each : frames) {
         const std::vector<SocketEvent> events = SocketFrame::parse(each);
@@ -71,7 +71,7 @@ double stream(const std::vector<QByteArray>& frames) {
 
 double floorOf(const std::vector<QByteArray>& frames) {
     QString text;
-    const auto start = Clock::now();
+    const auto start = Stopwatch::now();
     for (const QByteArray& each : frames) {
         const std::vector<SocketEvent> events = SocketFrame::parse(each);
         text += std::get<SocketEvent::ArtifactChunk>(events.front().value).args.value(QLatin1String("text")).toString();

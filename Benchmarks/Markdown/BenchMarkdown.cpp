@@ -92,6 +92,7 @@ double reparse(const QString& text, qsizetype step) {
 }
 
 int main() {
+    std::setvbuf(stdout, nullptr, _IOLBF, 0);
     QByteArray summary = "bench-markdown";
     const QString answer = mixedAnswer(1024 * 1024);
     const QByteArray utf8 = answer.toUtf8();
@@ -116,8 +117,8 @@ int main() {
     }
 
     constexpr qsizetype length = 512 * 1024;
-    constexpr qsizetype streamedLength = 128 * 1024;
-    std::printf("\n%-22s %12s %8s %14s %8s %10s\n", "hostile", "512 K, ms", "x2", "piece of 128 K", "x2", "p99, us");
+    constexpr qsizetype streamedLength = 32 * 1024;
+    std::printf("\n%-22s %12s %8s %14s %8s %10s\n", "hostile", "512 K, ms", "x2", "pieces, 32 K", "x2", "p99, us");
     for (const HostileText& hostile : hostileTexts()) {
         const auto whole = [&](qsizetype size) {
             const QString text = hostile.ofLength(size);
@@ -131,7 +132,6 @@ int main() {
         const Streamed more = stream(hostile.ofLength(2 * streamedLength));
         std::printf("%-22s %12.1f %8.1f %11.1f ms %8.1f %10.0f\n", hostile.name, once, twice / once, pieces.total * 1e3,
             more.total / pieces.total, more.p99);
-        std::fflush(stdout);
     }
     std::printf("%s\n", summary.constData());
     return isMissed ? 1 : 0;

@@ -12,6 +12,7 @@ using namespace Korvi::Markdown;
 namespace {
 
 constexpr qsizetype comparedLength = 600;
+constexpr qsizetype comparisons = 20;
 
 void require(bool holds, const char* what) {
     if (holds)
@@ -45,6 +46,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const QString text = QString::fromUtf8(reinterpret_cast<const char*>(data + 1), qsizetype(size) - 1);
     StreamingDocument document;
     const bool isShort = text.size() <= comparedLength;
+    qsizetype compareAt = 0;
     for (qsizetype at = 0; at < text.size();) {
         dice = dice * 1664525U + 1013904223U;
         const qsizetype length = std::min(text.size() - at, qsizetype(1 + (dice >> 16) % (1U + (data[0] & 31U))));
@@ -54,6 +56,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         if (isShort) {
             const QString fault = faultOf(change, before, document.segments());
             require(fault.isEmpty(), qPrintable(fault));
+        }
+        if (isShort && at >= compareAt) {
+            compareAt = at + text.size() / comparisons;
             compare(document);
         }
     }

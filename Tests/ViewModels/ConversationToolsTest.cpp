@@ -261,6 +261,30 @@ TEST_F(ConversationToolsTest, AQuestionWaitsForItsFilesAndLeavesWithThem) {
     EXPECT_THAT(files->copies(), IsEmpty());
 }
 
+TEST_F(ConversationToolsTest, WhatIsAskedMeanwhileKeepsItsOrder) {
+    load({chatJson(1), chatJson(2)});
+    chat->selectChat(1);
+    http.open(u"/chats/1/messages"_s).answer(listJson({}));
+    chat->attachments()->addFiles({makeFile(u"a.txt"_s)});
+    const auto frames = service.frames().size();
+    ask(u"первый"_s);
+    chat->selectChat(2);
+    http.open(u"/chats/2/messages"_s).answer(listJson({}));
+    ask(u"второй"_s);
+    EXPECT_EQ(service.frames().size(), frames);
+    uploadAnswers(R"({"url":"https://s/a"})");
+    EXPECT_EQ(service.frames().size(), frames + 2);
+    EXPECT_EQ(lastText(), u"второй"_s);
+    chunk(u"Первому."_s);
+    end();
+    chunk(u"Второму."_s);
+    end();
+    EXPECT_THAT(shown(), ElementsAre(u"user: второй"_s, u"ai: Второму."_s));
+    chat->selectChat(1);
+    EXPECT_EQ(told(chat->messages()->messages().front()), u"file-https://s/a \"первый\""_s);
+    EXPECT_EQ(blocks(), u"\"Первому.\""_s);
+}
+
 TEST_F(ConversationToolsTest, AFileThatDoesNotGoUpIsLeftOutAndCanBeSentAgain) {
     chat->attachments()->addFiles({makeFile(u"a.txt"_s)});
     ask(u"вопрос"_s);

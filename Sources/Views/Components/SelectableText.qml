@@ -6,7 +6,8 @@ ReadingText {
     id: edit
 
     property alias content: growing.text
-    readonly property real lineDistance: Math.max(0, Theme.leading(font.pixelSize) - metrics.height)
+    // Lines are whole pixels.
+    readonly property real lineDistance: Math.max(0, Theme.leading(font.pixelSize) - Math.ceil(metrics.height))
 
     Accessible.name: content
 

@@ -169,6 +169,15 @@ Item {
                     }
                     wrapMode: view.wraps ? TextEdit.Wrap : TextEdit.NoWrap
 
+                    Keys.onPressed: event => {
+                        if (event.matches(StandardKey.Copy) && view.selectionEnd > view.selectionStart)
+                            view.copyWanted(view.selectedText)
+                        else if (event.matches(StandardKey.SelectAll))
+                            view.select(0, view.length)
+                        else
+                            return
+                        event.accepted = true
+                    }
                     onCaretMoved: (y, height) => {
                         view.revealSideways(cursorRectangle.x)
                         view.caretMoved(column.mapToItem(view, 0, edit.y + y).y, height)
@@ -226,6 +235,8 @@ Item {
         code: view.code
         isOpen: view.isOpen
         language: view.language
+
+        onModelReset: view.deselect()
     }
     FontMetrics {
         id: metrics

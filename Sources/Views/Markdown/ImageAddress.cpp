@@ -6,7 +6,7 @@ namespace Korvi {
 
 namespace {
 
-bool mayBeLoaded(const QUrl& url) {
+bool isAllowed(const QUrl& url) {
     if (!url.isValid() || url.host().isEmpty())
         return false;
     return url.scheme() == QLatin1String("https") || (url.scheme() == QLatin1String("http") && isLoopback(url));
@@ -19,7 +19,7 @@ void ImageAddress::setText(const QString& text) {
         return;
     m_text = text;
     const QUrl url(text.trimmed());
-    m_url = mayBeLoaded(url) ? url : QUrl();
+    m_url = isAllowed(url) ? url : QUrl();
     emit textChanged();
 }
 

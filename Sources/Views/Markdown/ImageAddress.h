@@ -13,6 +13,7 @@ class ImageAddress : public QObject {
     QML_ELEMENT
     Q_PROPERTY(QString text READ text WRITE setText NOTIFY textChanged)
     Q_PROPERTY(QUrl url READ url NOTIFY textChanged) // empty unless it may be loaded
+    Q_PROPERTY(bool mayBeLoaded READ mayBeLoaded NOTIFY textChanged)
 
 public:
     using QObject::QObject;
@@ -20,6 +21,7 @@ public:
     QString text() const { return m_text; }
     void setText(const QString& text);
     QUrl url() const { return m_url; }
+    bool mayBeLoaded() const { return !m_url.isEmpty(); }
 
 signals:
     void textChanged();

@@ -16,10 +16,10 @@ Item {
     readonly property string selectedText: selectionEnd > selectionStart ? "![" + alt + "](" + url + ")" : ""
     readonly property int length: 1
 
-    readonly property bool isRefused: address.url.toString().length === 0
+    readonly property bool isRefused: !address.mayBeLoaded
     readonly property bool hasFailed: picture.status === Image.Error
     readonly property bool isShown: picture.status === Image.Ready
-    readonly property real scale: isShown ? Math.min(1, width / picture.implicitWidth, Theme.imageHeight / picture.implicitHeight) : 1
+    readonly property real shrinking: isShown ? Math.min(1, width / picture.implicitWidth, Theme.imageHeight / picture.implicitHeight) : 1
 
     signal caretMoved(real y, real height)
     signal copyWanted(string text)
@@ -63,7 +63,7 @@ Item {
         picture.source = Qt.binding(() => address.url)
     }
 
-    implicitHeight: isShown ? Math.round(picture.implicitHeight * scale)
+    implicitHeight: isShown ? Math.round(picture.implicitHeight * shrinking)
         : isRefused || hasFailed ? Math.max(Theme.px(56), words.implicitHeight + Theme.gap3 * 2) : Theme.imagePlaceholder
 
     Keys.onPressed: event => {
@@ -94,9 +94,10 @@ Item {
         mipmap: true
         source: address.url
         // Larger than any window shows it; never the whole of a huge one.
-        sourceSize: Qt.size(Theme.imageDecoded, Theme.imageDecoded)
+        sourceSize.height: Theme.imageDecoded
+        sourceSize.width: Theme.imageDecoded
         visible: view.isShown
-        width: Math.round(implicitWidth * view.scale)
+        width: Math.round(implicitWidth * view.shrinking)
     }
     BaseButton {
         id: target

@@ -107,7 +107,7 @@ FocusScope {
     Item {
         id: strip
 
-        readonly property real hidden: Math.max(0, drawing.implicitWidth - view.width)
+        readonly property real hidden: Math.max(0, drawing.implicitWidth - view.width - 1) // it is rounded up
 
         clip: hidden > 0 && view.isBlock
         height: drawing.implicitHeight

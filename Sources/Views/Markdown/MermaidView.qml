@@ -145,7 +145,7 @@ FocusScope {
         id: raw
 
         color: Theme.fallback
-        height: Math.max(source.implicitHeight + 2 * Theme.gap3, view.grownHeight)
+        height: Math.max(listing.implicitHeight + 2 * Theme.gap3, view.grownHeight)
         radius: Theme.radiusRow
         visible: !view.isReady && (view.showsSource || drawing.isWrong || drawing.isMissed)
         width: view.width
@@ -154,7 +154,7 @@ FocusScope {
         onVisibleChanged: view.grow()
 
         Text {
-            id: source
+            id: listing
 
             color: Theme.fallbackText
             font.family: Theme.monoFamily

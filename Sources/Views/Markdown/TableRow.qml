@@ -50,7 +50,7 @@ Item {
             wrapMode: Text.Wrap
             x: (row.offsets[index] ?? 0) + Theme.gap1
             // Rich text has the air of its lines above them, plain text below.
-            y: Theme.cellPadding - (modelData.isRich ? lineHeight - metrics.height : 0)
+            y: Theme.cellPadding - (modelData.isRich ? lineHeight - Math.ceil(metrics.height) : 0)
         }
         // qmllint enable unqualified
     }

@@ -45,8 +45,10 @@ void TableRows::setTable(const MarkdownTable& table) {
         beginResetModel();
         m_count = count;
         resetWidths();
-        measureFrom(0);
+        addToWidths(0);
         endResetModel();
+        align();
+        fitColumns();
     } else {
         const int last = m_count - 1;
         const bool lastChanged = last > 0 && before.rows.back() != now.rows[static_cast<std::size_t>(last) - 1];
@@ -83,6 +85,12 @@ void TableRows::resetWidths() {
 }
 
 void TableRows::measureFrom(int firstRow) {
+    addToWidths(firstRow);
+    align();
+    fitColumns();
+}
+
+void TableRows::addToWidths(int firstRow) {
     if (!m_isComplete)
         return;
     const auto& content = m_table.content();
@@ -91,8 +99,6 @@ void TableRows::measureFrom(int firstRow) {
         m_widths.addHeader(shown(content.headers));
     for (auto row = static_cast<std::size_t>(std::max(firstRow, 1)); row <= content.rows.size(); ++row)
         m_widths.addRow(shown(content.rows[row - 1]));
-    align();
-    fitColumns();
 }
 
 void TableRows::fitColumns() {
@@ -101,11 +107,8 @@ void TableRows::fitColumns() {
     QList<qreal> widths = m_widths.fit(m_available, m_around, m_readable);
     if (widths == m_columnWidths)
         return;
-    const bool moreColumns = widths.size() != m_columnWidths.size();
     m_columnWidths = std::move(widths);
     emit columnWidthsChanged();
-    if (moreColumns && m_count > 0)
-        emit dataChanged(index(0), index(m_count - 1), {CellsRole});
 }
 
 void TableRows::align() {

@@ -73,6 +73,7 @@ private:
     void restyle();
     void resetWidths();
     void measureFrom(int firstRow);
+    void addToWidths(int firstRow);
     void fitColumns();
     void align();
 

@@ -19,6 +19,8 @@ using namespace Korvi::Markdown;
 
 namespace {
 
+constexpr qsizetype streamedLength = 100'000; // comparing with the whole takes its time
+
 constexpr const char* files[] = {"ccache/README.md", "fonts-inter/README.md.gz", "git/README.md",
     "git/contrib/vscode/README.md", "libfmt-dev/changelog.gz", "libsoci-dev/changelog.gz", "libssl-dev/changelog.gz",
     "libutf8proc-dev/changelog.gz", "nlohmann-json3-dev/README.md.gz", "nlohmann-json3-dev/changelog.gz",
@@ -102,7 +104,7 @@ TEST(RealFiles, BecomeTheBlocksThatAreKnown) {
         if (entry != known.end() && !qEnvironmentVariableIsSet("KORVI_WRITE_GOLDEN")) {
             EXPECT_EQ(made, entry->second) << name;
         }
-        expectSameWhenStreamed(text, name);
+        expectSameWhenStreamed(text.left(streamedLength), name);
     }
     EXPECT_GE(found, 5) << "hardly any of the packages in scripts/packages.txt is there";
     if (qEnvironmentVariableIsSet("KORVI_WRITE_GOLDEN") && golden.open(QFile::WriteOnly))

@@ -10,13 +10,6 @@
 #include <csignal>
 #include <unistd.h>
 
-#ifdef __SANITIZE_ADDRESS__
-// The web engine deletes by a base class of another size, and leaves much to the end of the process.
-extern "C" const char* __asan_default_options() {
-    return "new_delete_type_mismatch=0:detect_leaks=0";
-}
-#endif
-
 int main(int argc, char* argv[]) {
     // What libraries print must not come between the answers.
     const int output = dup(STDOUT_FILENO);

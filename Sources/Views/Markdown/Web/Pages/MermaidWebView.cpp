@@ -2,6 +2,8 @@
 
 #include "WebPage.h"
 
+#include <QStringList>
+
 namespace Korvi {
 
 using namespace Qt::Literals;
@@ -25,10 +27,31 @@ constexpr Colors colors[] = {
     {"clusterBorder", "#ccc", "#666"},
     {"edgeLabelBackground", "#f2f2f2", "#2d2d2d"},
     {"themeName", "default", "dark"},
+    // Slices, branches: what the library derives from the colours above cannot be told apart.
+    {"series1", "#a9c9f0", "#2f5f96"},
+    {"series2", "#b4dcc3", "#2f7450"},
+    {"series3", "#f2d6a2", "#86622a"},
+    {"series4", "#ebbdb8", "#8e4743"},
+    {"series5", "#d0c3f2", "#5f4d9e"},
+    {"series6", "#b9dbe0", "#2f6e77"},
 };
+
+constexpr int seriesCount = 6;
+
+// The settings of as many slices and branches as the library counts, our colours again and again.
+QString series() {
+    QStringList settings;
+    for (int i = 0; i < 12; ++i) {
+        settings << u"pie%1: '{series%2}'"_s.arg(i + 1).arg(i % seriesCount + 1)
+                 << u"cScale%1: '{series%2}'"_s.arg(i).arg(i % seriesCount + 1)
+                 << u"cScaleLabel%1: '{labelText}'"_s.arg(i);
+    }
+    return settings.join(u", "_s);
+}
 
 // Replaces each {name} by that colour of the scheme.
 QString colored(QString text, bool isDark) {
+    text.replace(u"{series}"_s, series());
     for (const Colors& color : colors)
         text.replace(u'{' + QLatin1StringView(color.name) + u'}', QLatin1StringView(isDark ? color.dark : color.light));
     return text;
@@ -76,7 +99,16 @@ mermaid.initialize({
         clusterBkg: '{secondary}',
         background: 'transparent',
         clusterBorder: '{clusterBorder}',
-        edgeLabelBackground: '{edgeLabelBackground}'
+        edgeLabelBackground: '{edgeLabelBackground}',
+        git0: '{secondary}',
+        gitBranchLabel0: '{labelText}',
+        pieTitleTextColor: '{labelText}',
+        pieLegendTextColor: '{labelText}',
+        pieSectionTextColor: '{labelText}',
+        pieStrokeColor: '{nodeStroke}',
+        pieOuterStrokeColor: '{nodeStroke}',
+        pieOpacity: '1',
+        {series}
     },
     flowchart: { useMaxWidth: true, htmlLabels: true }
 });
