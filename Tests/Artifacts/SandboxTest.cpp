@@ -3,6 +3,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QNetworkDatagram>
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QTcpServer>
@@ -211,26 +212,24 @@ TEST_F(SandboxTest, TheProcessHasNoNetworkWhereTheKernelGrantsThat) {
     EXPECT_EQ(devices.count(':'), 1) << devices.constData(); // the loopback device, which is down
 }
 
+const QString responsive = uR"html(<!doctype html><body style="margin:0">
+<div id="area" style="width:400px;height:300px;background:rgb(1,2,3)" tabindex="0"></div><script>
+area.onclick = event => { area.style.background = event.clientX === 50 ? 'rgb(4,5,6)' : 'rgb(200,0,0)'; area.focus() }
+area.onkeydown = event => { if (event.key === 'ж') area.style.background = 'rgb(0,160,0)' }
+</script>)html"_s;
+
+const QString pictureWithScript = uR"svg(<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 100 100"
+width="300" height="300"><rect id="r" width="100" height="100" fill="rgb(0,160,0)"/>
+<script>document.getElementById('r').setAttribute('fill', 'rgb(200,0,0)')</script></svg>)svg"_s;
+
 TEST_F(SandboxTest, ScriptRunsAndHearsThePointerAndTheKeyboard) {
-    Shown shown(
-        u"html"_s,
-        uR"(<!doctype html><body style="margin:0">
-<div id="area" style="width:400px;height:300px;background:rgb(1,2,3)" tabindex = "0" > </ div><script> area.onclick =
-                                                                                     event = >
-            {
-                area.style.background = event.clientX == = 50 ? 'rgb(4,5,6)' : 'rgb(200,0,0)';
-                area.focus()
-            } area.onkeydown = event = >
-            {
-                if (event.key == = 'ж')
-                    area.style.background = 'rgb(0,160,0)'
-            }</ script>) "_s);
-        ASSERT_TRUE(shown.turns(QColor(1, 2, 3)));
+    Shown shown(u"html"_s, responsive);
+    ASSERT_TRUE(shown.turns(QColor(1, 2, 3)));
     ASSERT_TRUE(waitFor([&] { return shown.preview().status() == ArtifactPreview::Ready; }));
     const QPointF place(50, 60);
     for (const auto type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
-        QMouseEvent event(type, place, place, Qt::LeftButton,
-            type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton, Qt::NoModifier);
+        const auto buttons = type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton;
+        QMouseEvent event(type, place, place, Qt::LeftButton, buttons, Qt::NoModifier);
         QCoreApplication::sendEvent(&shown.preview(), &event);
     }
     EXPECT_TRUE(shown.turns(QColor(4, 5, 6)));
@@ -242,15 +241,8 @@ TEST_F(SandboxTest, ScriptRunsAndHearsThePointerAndTheKeyboard) {
 }
 
 TEST_F(SandboxTest, APictureIsShownAndItsScriptIsNotRun) {
-    Shown shown(u"svg"_s,
-        uR"(<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 100 100" width="300" height="300">
-<rect id="r" width="100" height="100" fill="rgb(0,160,0)" /
-            > <script> document.getElementById('r').setAttribute('fill', 'rgb(200,0,0)') < / script > </ svg>) "_s);
-        EXPECT_TRUE(waitFor(
-            [&] {
-                return shown.colour({200, 150}) == green;
-            },
-            20s));
+    Shown shown(u"svg"_s, pictureWithScript);
+    EXPECT_TRUE(waitFor([&] { return shown.colour({200, 150}) == green; }, 20s));
     settle(50);
     EXPECT_EQ(shown.colour({200, 150}), green);
 }
