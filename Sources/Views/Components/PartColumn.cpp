@@ -164,9 +164,9 @@ void PartColumn::see(double from, double to, double reach) {
     for (const auto& [part, item] : m_items.live())
         measure(part);
     if (from < m_heights.total() && to > 0) {
-        for (int part = m_heights.rowAt(from); part < m_heights.count() && m_heights.before(part) < to; ++part) {
-            if (part < 0)
-                continue;
+        // Without parts the nearest one is none.
+        const int first = std::max(0, m_heights.rowAt(from));
+        for (int part = first; part < m_heights.count() && m_heights.before(part) < to; ++part) {
             obtain(part);
             measure(part);
         }
