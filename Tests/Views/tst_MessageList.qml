@@ -449,6 +449,18 @@ Item {
             compare(column.selectedText(), "")
         }
 
+        // A block of code begins with no line at all; above it stands a row that is in view.
+        function test_partsThatAreStillEmptyAreNothingToSee() {
+            const last = messages.count - 1
+            const text = paragraph + "\n\n```py\n"
+            for (const grown of [text, text + "a = 1", text + "a = 1\n```\n\n| А |", text + "```\n\n| А |\n|---|"]) {
+                answer(last, grown)
+                settled()
+                compare(Math.round(list.distanceToEnd), 0)
+            }
+            verify(list.column.itemAt(last).height > 60)
+        }
+
         // 256 KB, and as much again that comes while it is read.
         function test_answerOfAnyLengthCostsWhatIsSeen() {
             const last = messages.count - 1

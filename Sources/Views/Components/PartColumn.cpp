@@ -5,6 +5,7 @@
 #include <QQuickWindow>
 #include <QScopedValueRollback>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -164,9 +165,8 @@ void PartColumn::see(double from, double to, double reach) {
     for (const auto& [part, item] : m_items.live())
         measure(part);
     if (from < m_heights.total() && to > 0) {
-        for (int part = m_heights.rowAt(from); part < m_heights.count() && m_heights.before(part) < to; ++part) {
-            if (part < 0)
-                continue;
+        for (int part = std::max(0, m_heights.rowAt(from)); part < m_heights.count() && m_heights.before(part) < to;
+             ++part) {
             obtain(part);
             measure(part);
         }

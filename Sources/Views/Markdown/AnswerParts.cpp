@@ -229,7 +229,7 @@ void AnswerParts::appendSegment(std::vector<Part>& parts, int source, int segmen
     }
     const auto lengthOf = [&](int number) { return paragraphLength(shown, number); };
     const auto textOf = [&](int number) { return paragraphOf(shown, number).shown(); };
-    for (const TextRange& range : cutText(firstParagraph, paragraphCount(shown), lengthOf, textOf))
+    for (const PartRange& range : cutText(firstParagraph, paragraphCount(shown), lengthOf, textOf))
         parts.push_back({AnswerPartKind::text, source, segment, range, 0});
 }
 
@@ -348,7 +348,7 @@ std::vector<Paragraph> AnswerParts::paragraphs(int row) const {
     if (row < 0 || row >= count() || kind(row) != AnswerPartKind::text)
         return all;
     const Part& part = m_parts[static_cast<std::size_t>(row)];
-    const TextRange& range = part.range;
+    const PartRange& range = part.range;
     const Markdown::Segment* from = segment(part);
     if (!from)
         return all;

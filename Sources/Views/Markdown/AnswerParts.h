@@ -1,8 +1,8 @@
 #pragma once
 
 #include "PartKinds.h"
+#include "PartRange.h"
 #include "Pipeline/StreamingDocument.h"
-#include "TextRange.h"
 
 #include "Chat/MessageHandle.h"
 
@@ -89,7 +89,7 @@ private:
         AnswerPartKind kind = AnswerPartKind::text;
         int source = 0;
         int segment = 0; // of the source's document
-        TextRange range; // of a text
+        PartRange range; // of a text
         int revision = 0;
 
         bool isOfSame(const Part& other) const;

@@ -3,6 +3,7 @@
 #include <QAbstractTextDocumentLayout>
 #include <QFontMetricsF>
 #include <QImage>
+#include <QScopedValueRollback>
 #include <QTextBlock>
 #include <QTextCursor>
 #include <QTextDocument>
@@ -98,6 +99,7 @@ void ParagraphDocument::update() {
 
 // Everything behind that character of that paragraph.
 void ParagraphDocument::rewrite(const std::vector<Paragraph>& paragraphs, std::size_t first, qsizetype from) {
+    const QScopedValueRollback guard(m_rewriting, true);
     QTextDocument* document = m_document->textDocument();
     QTextCursor cursor(document);
     cursor.beginEditBlock();
@@ -122,6 +124,7 @@ void ParagraphDocument::rewrite(const std::vector<Paragraph>& paragraphs, std::s
     cursor.endEditBlock();
     m_paragraphs = paragraphs;
     findFormulas();
+    m_rewriting = false;
     findPlaces();
 }
 
@@ -208,6 +211,8 @@ void ParagraphDocument::findFormulas() {
 }
 
 void ParagraphDocument::findPlaces() {
+    if (m_rewriting) // the text item has another height, and says so in the midst of it
+        return;
     m_placesOld = false;
     std::vector<PlaceListModel::Place> formulas;
     std::vector<PlaceListModel::Place> codes;

@@ -98,6 +98,7 @@ private:
     bool m_complete = false;
     bool m_hasCode = false;
     bool m_placesOld = false;
+    bool m_rewriting = false;
 };
 
 }

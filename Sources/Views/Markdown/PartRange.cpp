@@ -1,4 +1,4 @@
-#include "TextRange.h"
+#include "PartRange.h"
 
 namespace Korvi {
 
@@ -16,9 +16,9 @@ qsizetype pieceEnd(const QString& text, qsizetype from) {
 
 }
 
-std::vector<TextRange> cutText(
+std::vector<PartRange> cutText(
     int first, int count, const std::function<qsizetype(int)>& lengthOf, const std::function<QString(int)>& shownText) {
-    std::vector<TextRange> parts;
+    std::vector<PartRange> parts;
     qsizetype length = 0; // of the part that is open, which is the last one then
     for (int i = first; i < count; ++i) {
         const qsizetype own = lengthOf(i);

@@ -7,13 +7,13 @@
 namespace Korvi {
 
 // Some of the paragraphs of a segment, the first and the last one possibly not as a whole; in characters as drawn.
-struct TextRange {
+struct PartRange {
     int first = 0; // paragraphs
     int last = 0;
     qsizetype from = 0; // in the first
     qsizetype to = 0;   // in the last; behind its end
 
-    bool operator==(const TextRange&) const = default;
+    bool operator==(const PartRange&) const = default;
 };
 
 // Cuts the paragraphs from `first` on, before which a part has ended, into parts that are laid out one by one: whole
@@ -23,7 +23,7 @@ struct TextRange {
 constexpr qsizetype partLength = 4000;
 constexpr qsizetype longestPart = 2 * partLength;
 
-std::vector<TextRange> cutText(
+std::vector<PartRange> cutText(
     int first, int count, const std::function<qsizetype(int)>& lengthOf, const std::function<QString(int)>& shownText);
 
 }
