@@ -108,6 +108,7 @@ TEST_F(Attachments, WhatIsDroppedGoesWithTheMessageAndIsSeenAfterARestart) {
     ASSERT_TRUE(waitFor([this] { return m_person->chat().areMessagesLoaded(); }));
     EXPECT_TRUE(seen(u"sentImage"_s));
     EXPECT_TRUE(seen(u"sentFile"_s));
+    ASSERT_TRUE(waitFor([this] { return m_person->see(u"sentImage"_s)->isEnabled(); })); // it is there
     m_person->click(u"sentImage"_s);
     EXPECT_TRUE(seen(u"viewerPicture"_s));
 }
