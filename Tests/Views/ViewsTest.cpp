@@ -29,11 +29,8 @@ public slots:
         engine->rootContext()->setContextProperty("keyboard", &m_keyboard);
         engine->rootContext()->setContextProperty("markdown", &m_markdown);
         connect(engine, &QQmlEngine::warnings, this, [](const QList<QQmlError>& warnings) {
-            for (const QQmlError& warning : warnings) {
-                // What the network did not give is no fault of the QML.
-                if (!warning.description().startsWith("QML Image: "))
-                    qFatal("QML warning: %s", qUtf8Printable(warning.toString()));
-            }
+            for (const QQmlError& warning : warnings)
+                qFatal("QML warning: %s", qUtf8Printable(warning.toString()));
         });
     }
 

@@ -80,6 +80,10 @@ bool WebPicture::isAllowed(const QUrl& url) {
         (url.scheme() == "https"_L1 || (url.scheme() == "http"_L1 && isLoopback(url)));
 }
 
+bool WebPicture::isRefused() const {
+    return !m_source.isEmpty() && !isAllowed(QUrl(m_source, QUrl::StrictMode));
+}
+
 void WebPicture::setSource(const QString& source) {
     if (source == m_source)
         return;

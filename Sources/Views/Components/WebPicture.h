@@ -17,6 +17,7 @@ class WebPicture : public QQuickPaintedItem {
     QML_ELEMENT
     Q_PROPERTY(QString source READ source WRITE setSource NOTIFY sourceChanged)
     Q_PROPERTY(int longestSide READ longestSide WRITE setLongestSide NOTIFY longestSideChanged) // decoded, at most
+    Q_PROPERTY(bool isRefused READ isRefused NOTIFY sourceChanged) // it is an address that is never asked
     Q_PROPERTY(qreal radius MEMBER m_radius NOTIFY looksChanged)
     Q_PROPERTY(bool crops MEMBER m_crops NOTIFY looksChanged) // fills its place instead of fitting into it
     Q_PROPERTY(Status status READ status NOTIFY statusChanged)
@@ -38,6 +39,7 @@ public:
     void setSource(const QString& source);
     int longestSide() const { return m_longestSide; }
     void setLongestSide(int pixels);
+    bool isRefused() const;
     Status status() const { return m_status; }
     QSizeF naturalSize() const { return m_naturalSize; }
     double progress() const { return m_progress; }
