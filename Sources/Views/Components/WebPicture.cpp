@@ -208,7 +208,7 @@ void WebPicture::decode(std::function<QByteArray()> read) {
         });
 }
 
-void WebPicture::show(const QImage& image, const QSizeF& naturalSize) {
+void WebPicture::show(const QImage& image, const QSize& naturalSize) {
     m_image = image;
     m_naturalSize = naturalSize;
     setStatus(Ready);
