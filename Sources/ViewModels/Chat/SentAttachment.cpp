@@ -53,21 +53,21 @@ void SentAttachment::refresh() {
 SentAttachment::Now SentAttachment::find() const {
     const QUrl url(m_address);
     if (!m_attachments)
-        return {.state = url.isLocalFile() ? missing : sent};
+        return {.state = url.isLocalFile() ? Missing : Sent};
     if (!url.isLocalFile())
-        return {.state = sent, .sizeText = m_attachments->sizeOf(m_address)};
+        return {.state = Sent, .sizeText = m_attachments->sizeOf(m_address)};
     const bool isOurs = m_attachments->isOurs(url);
     if (const ChatFileAttachment* each = findIn(*m_attachments->uploading(), url))
-        return {.state = uploading,
+        return {.state = Uploading,
             .progress = each->uploadProgress,
             .sizeText = SupportedFileTypes::byteCount(each->fileSize),
             .isOurs = isOurs};
     if (const ChatFileAttachment* each = findIn(*m_attachments->failed(), url))
-        return {.state = failed,
+        return {.state = Failed,
             .error = each->uploadError.value_or(QString()),
             .sizeText = SupportedFileTypes::byteCount(each->fileSize),
             .isOurs = isOurs};
-    return {.state = missing, .isOurs = isOurs};
+    return {.state = Missing, .isOurs = isOurs};
 }
 
 }

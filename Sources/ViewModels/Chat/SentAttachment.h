@@ -20,10 +20,10 @@ class SentAttachment : public QObject {
 
 public:
     enum State {
-        sent,
-        uploading,
-        failed,  // it can be sent again
-        missing, // it has not gone with the message
+        Sent,
+        Uploading,
+        Failed,  // it can be sent again
+        Missing, // it has not gone with the message
     };
     Q_ENUM(State)
 
@@ -46,7 +46,7 @@ signals:
 
 private:
     struct Now {
-        State state = sent;
+        State state = Sent;
         double progress = 0;
         QString error = {};
         QString sizeText = {};

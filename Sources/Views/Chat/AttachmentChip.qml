@@ -9,10 +9,10 @@ BaseButton {
     required property string category // see AttachmentSymbol.js
     required property url source // the file
     property string details // its size
-    property string error // empty without one
+    required property string error // empty without one
     property bool readsFiles: true // it is the user's own
-    property bool isUploading: false
-    property real progress: 0
+    required property bool isUploading
+    required property real progress
     property string closeText: "Убрать файл"
 
     readonly property bool isPictured: picture.status === WebPicture.Ready
@@ -22,7 +22,7 @@ BaseButton {
     signal removed
 
     Accessible.description: "%1: Delete".arg(closeText)
-    Accessible.name: [text, note.text].filter(part => part.length > 0).join(", ")
+    Accessible.name: note.text.length > 0 ? "%1, %2".arg(text).arg(note.text) : text
     Accessible.role: Accessible.ListItem
     hint: error || (label.truncated ? text : "")
     implicitHeight: Theme.attachmentHeight
@@ -52,13 +52,14 @@ BaseButton {
                 crops: true
                 radius: Theme.radiusRow - Theme.gap1 / 2
                 readsFiles: chip.readsFiles
-                source: chip.category === "image" ? chip.source.toString() : ""
+                source: chip.category === "image" ? "%1".arg(chip.source) : ""
                 visible: chip.isPictured
             }
             Symbol {
                 anchors.centerIn: parent
                 color: chip.error.length > 0 ? Theme.err : Theme.t2
                 name: chip.error.length > 0 ? "exclamationmark.triangle" : AttachmentSymbol.of(chip.category)
+                size: Theme.icon
                 visible: !chip.isPictured && !chip.isUploading
             }
             ProgressRing {
@@ -86,12 +87,11 @@ BaseButton {
         Label {
             id: note
 
-            anchors.left: label.right
-            anchors.leftMargin: Theme.gap2
             anchors.verticalCenter: parent.verticalCenter
             color: Theme.t2
             font.pixelSize: Theme.fontLabel
-            text: chip.details
+            text: chip.error.length > 0 ? "не загружен" : chip.details
+            x: label.x + Math.ceil(label.contentWidth) + Theme.gap2 // an elided name is narrower than its place
         }
         IconButton {
             id: close

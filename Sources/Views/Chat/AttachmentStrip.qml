@@ -87,8 +87,11 @@ FocusScope {
                     category: "image"
                     closeText: "Не изменять изображение"
                     details: ""
-                    focusPolicy: strip.current === 0 ? Qt.TabFocus : Qt.NoFocus
+                    error: ""
+                    focusPolicy: strip.current === 0 || activeFocus ? Qt.TabFocus : Qt.NoFocus
+                    isUploading: false
                     objectName: "editImageChip"
+                    progress: 0
                     source: strip.editImage
                     text: "Правка изображения"
                     visible: strip.editImage.length > 0
@@ -110,7 +113,8 @@ FocusScope {
                         required property string sizeText
 
                         details: sizeText
-                        focusPolicy: strip.current === index + (editChip.visible ? 1 : 0) ? Qt.TabFocus : Qt.NoFocus
+                        focusPolicy: strip.current === index + (editChip.visible ? 1 : 0) || activeFocus
+                            ? Qt.TabFocus : Qt.NoFocus
                         objectName: "attachmentChip"
                         text: filename
 

@@ -20,7 +20,7 @@ FocusScope {
 
     readonly property bool editingImage: editImage.length > 0
     readonly property int inset: Theme.gap4
-    readonly property real textTop: strip.visible ? strip.y + strip.height + Theme.gap2 : Theme.gap4
+    readonly property real textTop: strip.visible ? strip.y + strip.height + Theme.gap3 : Theme.gap4
     readonly property real lineHeight: Theme.leading(edit.font.pixelSize)
     readonly property real barHeight: bar.height
     property string recalled // what came back by the Up key

@@ -16,15 +16,15 @@ Item {
     property FileDownload download: null // once it was asked for
     readonly property string about: [downloads?.kind(filename, mimetype) ?? "", sent.sizeText || (download?.size ?? "")]
         .filter(fact => fact.length > 0).join(" · ")
-    readonly property bool hasFailed: sent.state === SentAttachment.failed || (download?.error ?? "").length > 0
+    readonly property bool hasFailed: sent.state === SentAttachment.Failed || (download?.error ?? "").length > 0
 
     function stateText(): string {
         switch (sent.state) {
-        case SentAttachment.uploading:
+        case SentAttachment.Uploading:
             return "Загружаю… %1 %".arg(Math.round(sent.progress * 100))
-        case SentAttachment.failed:
+        case SentAttachment.Failed:
             return "Не удалось загрузить"
-        case SentAttachment.missing:
+        case SentAttachment.Missing:
             return "Отправлено без файла"
         default:
             return download?.error || (download?.isRunning ? "Загружаю…" : about)
@@ -45,7 +45,7 @@ Item {
 
         Accessible.description: details.text
         Accessible.name: "Файл: %1".arg(file.filename)
-        enabled: sent.state === SentAttachment.sent && file.downloads !== null
+        enabled: sent.state === SentAttachment.Sent && file.downloads !== null
         height: Theme.sentFileHeight
         hint: sent.error || (name.truncated ? file.filename : "")
         leftPadding: Theme.gap2 + Theme.gap1 / 2
@@ -86,7 +86,7 @@ Item {
                     objectName: "uploadRing"
                     progress: sent.progress
                     track: Theme.line2
-                    visible: sent.state === SentAttachment.uploading
+                    visible: sent.state === SentAttachment.Uploading
                     width: Theme.px(18)
                 }
             }
@@ -131,7 +131,7 @@ Item {
         enabled: file.context?.canSend ?? false
         objectName: "sendSeparatelyButton"
         text: "Отправить отдельно"
-        visible: sent.state === SentAttachment.failed
+        visible: sent.state === SentAttachment.Failed
 
         onClicked: file.context.sendWanted(file.url)
     }

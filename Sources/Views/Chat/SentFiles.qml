@@ -8,9 +8,11 @@ Column {
     required property var content // of the message
     property AnswerContext context: null
 
-    readonly property int count: files.images.length + files.files.length
-    readonly property string names: (files.images.length > 0 ? ["изображение"] : [])
-        .concat(files.files.map(file => file.filename)).join(", ")
+    readonly property var imageAddresses: files.images
+    readonly property var fileBlocks: files.files
+    readonly property int count: imageAddresses.length + fileBlocks.length
+    readonly property string names: (imageAddresses.length > 0 ? ["изображение"] : [])
+        .concat(fileBlocks.map(file => file.filename)).join(", ")
 
     function takeFocus(): void {
         const first = images.itemAt(0) ?? cards.itemAt(0)
@@ -18,7 +20,7 @@ Column {
     }
 
     function showImage(index: int): void {
-        const all = files.images.map((url, i) => ({ url: url, alt: "", isOurs: images.itemAt(i)?.isOurs ?? false }))
+        const all = imageAddresses.map((url, i) => ({ url: url, alt: "", isOurs: images.itemAt(i)?.isOurs ?? false }))
         context.imagesWanted(all, index)
     }
 
@@ -38,7 +40,7 @@ Column {
         Repeater {
             id: images
 
-            model: files.images
+            model: sent.imageAddresses
 
             // qmllint disable unqualified
             delegate: SentImage {
@@ -58,7 +60,7 @@ Column {
     Repeater {
         id: cards
 
-        model: files.files
+        model: sent.fileBlocks
 
         // qmllint disable unqualified
         delegate: SentFile {

@@ -12,10 +12,10 @@ Item {
 
     readonly property alias isOurs: sent.isOurs
     readonly property bool isReady: picture.status === WebPicture.Ready
-    readonly property bool hasFailed: sent.state === SentAttachment.failed
+    readonly property bool hasFailed: sent.state === SentAttachment.Failed
     readonly property string stateText: hasFailed ? "Не удалось загрузить"
-        : sent.state === SentAttachment.missing ? "Отправлено без изображения"
-        : sent.state === SentAttachment.uploading ? "Загружаю…"
+        : sent.state === SentAttachment.Missing ? "Отправлено без изображения"
+        : sent.state === SentAttachment.Uploading ? "Загружаю…"
         : picture.status === WebPicture.Failed ? "Изображение недоступно" : ""
 
     signal openWanted
@@ -78,7 +78,7 @@ Item {
                 color: Theme.stageScrim
                 height: width
                 radius: width / 2
-                visible: sent.state === SentAttachment.uploading
+                visible: sent.state === SentAttachment.Uploading
                 width: Theme.px(44)
 
                 ProgressRing {
@@ -104,7 +104,7 @@ Item {
         anchors.top: frame.bottom
         anchors.topMargin: Theme.gap1
         layoutDirection: Qt.RightToLeft
-        visible: image.hasFailed || sent.state === SentAttachment.missing || picture.status === WebPicture.Failed
+        visible: image.hasFailed || sent.state === SentAttachment.Missing || picture.status === WebPicture.Failed
         width: image.isAlone ? Math.max(parent.width, Theme.px(Theme.formWidth)) : parent.width
 
         LinkButton {

@@ -80,8 +80,8 @@ Item {
             width: column.width
 
             Component.onCompleted: {
-                for (const child of children)
-                    child.opacity = 1
+                for (let i = 0; i < children.length; ++i)
+                    children[i].opacity = 1
             }
         }
     }
