@@ -35,6 +35,8 @@ Item {
     Flickable {
         id: list
 
+        property string code
+
         height: 400
         visible: false
         width: 500
@@ -50,7 +52,7 @@ Item {
 
             delegate: CodeBlockView {
                 objectName: "longBlock"
-                code: Array.from({ length: 10000 }, (_, i) => "value" + i + " = " + i).join("\n")
+                code: list.code
                 language: "python"
             }
         }
@@ -232,6 +234,10 @@ Item {
             rows.forceLayout()
             wait(0)
             const block = findChild(list, "longBlock")
+            verify(block) // with nothing in it yet
+            list.code = Array.from({ length: 10000 }, (_, i) => "value" + i + " = " + i).join("\n")
+            rows.forceLayout()
+            wait(0)
             fuzzyCompare(block.implicitHeight, 10000 * Theme.leading(Theme.fontBody), 200)
             function live() {
                 let count = 0
