@@ -16,5 +16,5 @@ function of(category) {
 // Of a file that only its MIME type is known of.
 function ofType(mimetype) {
     const kind = mimetype.split("/")[0]
-    return kind === "text" ? symbols.code : kind in symbols ? symbols[kind] : "doc.text"
+    return kind === "text" && mimetype !== "text/plain" ? symbols.code : kind in symbols ? symbols[kind] : "doc.text"
 }

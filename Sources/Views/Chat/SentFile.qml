@@ -31,7 +31,7 @@ Item {
         }
     }
 
-    implicitHeight: card.height + (failure.visible ? failure.height : 0)
+    implicitHeight: card.height + (failure.visible ? failure.height + Theme.gap1 : 0)
     implicitWidth: Theme.sentFileWidth
 
     SentAttachment {
@@ -128,6 +128,7 @@ Item {
 
         anchors.right: parent.right
         anchors.top: card.bottom
+        anchors.topMargin: Theme.gap1
         enabled: file.context?.canSend ?? false
         objectName: "sendSeparatelyButton"
         text: "Отправить отдельно"
