@@ -359,6 +359,7 @@ TEST_F(ConversationToolsTest, WhatIsDroppedOrPastedIsTaken) {
     files->clipboard.copied.clear();
     EXPECT_FALSE(attachments->paste());
     EXPECT_EQ(chat->pendingFileAttachments()->count(), 3);
+    attachments->setAIPlusMode(false);
     EXPECT_FALSE(attachments->nameFilters().join(u' ').contains(u"*.mp3"_s));
     EXPECT_TRUE(attachments->nameFilters().front().contains(u"*.png *.jpg"_s));
 }

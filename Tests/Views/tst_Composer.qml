@@ -290,7 +290,7 @@ Item {
             verify(last.activeFocus)
             const top = last.mapToItem(composer, 0, 0).y
             verify(top >= 0 && top + last.height <= composer.height - composer.barHeight)
-            verify(edit.parent.parent.height >= composer.lineHeight)
+            verify(edit.parent.parent.height >= edit.contentHeight)
             composer.maximumHeight = Infinity
         }
 

@@ -12,7 +12,8 @@ FocusScope {
     property real maximumHeight: Infinity // of the files; they scroll beyond
 
     property int current: 0 // of the chips in their order
-    readonly property int count: repeater.count + (editChip.visible ? 1 : 0)
+    readonly property bool isEditing: editImage.length > 0
+    readonly property int count: repeater.count + (isEditing ? 1 : 0)
     readonly property bool isEmpty: count === 0 && error.length === 0
 
     signal removed(string attachmentId)
@@ -21,7 +22,7 @@ FocusScope {
     signal leaving // the keyboard has nothing left to be on
 
     function chips(): var {
-        const all = editChip.visible ? [editChip] : []
+        const all = isEditing ? [editChip] : []
         for (let i = 0; i < repeater.count; ++i)
             all.push(repeater.itemAt(i))
         return all
@@ -94,7 +95,7 @@ FocusScope {
                     progress: 0
                     source: strip.editImage
                     text: "Правка изображения"
-                    visible: strip.editImage.length > 0
+                    visible: strip.isEditing
 
                     onRemoved: strip.remove(editChip, () => strip.editingCancelled())
                 }
@@ -113,7 +114,7 @@ FocusScope {
                         required property string sizeText
 
                         details: sizeText
-                        focusPolicy: strip.current === index + (editChip.visible ? 1 : 0) || activeFocus
+                        focusPolicy: strip.current === index + (strip.isEditing ? 1 : 0) || activeFocus
                             ? Qt.TabFocus : Qt.NoFocus
                         objectName: "attachmentChip"
                         text: filename
