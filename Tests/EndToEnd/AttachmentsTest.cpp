@@ -50,10 +50,6 @@ protected:
         QDropEvent event(middle, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
         QCoreApplication::sendEvent(window, &event);
     }
-    void shot(const QString& n) {
-        settle();
-        m_person->see(u"composer"_s)->window()->grabWindow().save(u"/tmp/composer6-shots/"_s + n + u".png"_s);
-    }
     bool waiting(int count) {
         return waitFor([&] { return m_person->chat().pendingFileAttachments()->count() == count; });
     }
@@ -100,7 +96,6 @@ TEST_F(Attachments, WhatIsDroppedGoesWithTheMessageAndIsSeenAfterARestart) {
     ASSERT_TRUE(seen(u"sentFile"_s));
     EXPECT_EQ(text(u"sentFile"_s), u"отчёт.txt"_s);
     EXPECT_TRUE(text(u"sentState"_s).contains(u"19 байт"_s)) << text(u"sentState"_s).toStdString();
-    shot(u"sent"_s);
     const QString service = u"http://127.0.0.1:%1/"_s.arg(m_service.port());
     ASSERT_EQ(addresses(0).size(), 2);
     EXPECT_TRUE(addresses(0).at(0).startsWith(service));
@@ -117,7 +112,6 @@ TEST_F(Attachments, WhatIsDroppedGoesWithTheMessageAndIsSeenAfterARestart) {
     ASSERT_TRUE(m_person->tabTo(u"sentImage"_s));
     m_person->press(Qt::Key_Return);
     EXPECT_TRUE(seen(u"viewerPicture"_s));
-    shot(u"viewer"_s);
 }
 
 TEST_F(Attachments, WhatIsTooLargeOrUnknownSaysSoInItsPlace) {
@@ -151,7 +145,6 @@ TEST_F(Attachments, AFileThatDoesNotGoUpIsSentSeparately) {
     m_person->ask(u"Сравни"_s);
     ASSERT_TRUE(answerEnds());
     ASSERT_TRUE(seen(u"sendSeparatelyButton"_s));
-    shot(u"failed"_s);
     EXPECT_EQ(m_person->chat().attachments()->failed()->count(), 1);
     ASSERT_TRUE(QFile::rename(copy + u"-away"_s, copy));
     m_person->type(u"черновик"_s);
@@ -162,7 +155,6 @@ TEST_F(Attachments, AFileThatDoesNotGoUpIsSentSeparately) {
     ASSERT_EQ(addresses(2).size(), 1);
     EXPECT_TRUE(addresses(2).front().startsWith(u"http://127.0.0.1"_s));
     EXPECT_TRUE(gone(u"sendSeparatelyButton"_s));
-    shot(u"separately"_s);
     EXPECT_EQ(m_person->chat().currentInput(), u"черновик"_s);
     EXPECT_EQ(m_person->chat().attachments()->failed()->count(), 0);
 }
