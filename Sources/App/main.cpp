@@ -6,6 +6,9 @@
 #include <QLocale>
 
 int main(int argc, char* argv[]) {
+    // The other backend for videos ends the program where one of its plugins is missing.
+    if (!qEnvironmentVariableIsSet("QT_MEDIA_BACKEND"))
+        qputenv("QT_MEDIA_BACKEND", "ffmpeg");
     QGuiApplication application(argc, argv);
     QGuiApplication::setApplicationName(QStringLiteral("korvi"));
     QGuiApplication::setApplicationDisplayName(QStringLiteral("Korvi"));

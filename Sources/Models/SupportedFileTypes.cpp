@@ -136,6 +136,38 @@ QString preferredMIMEType(const QString& extension) {
     return row == typeRows.end() ? QString(anyType) : QString(row->type);
 }
 
+QStringList nameFilters(bool includeMedia) {
+    struct Kind {
+        FileTypeCategory category;
+        QStringView title;
+    };
+    constexpr std::array kinds{
+        Kind{FileTypeCategory::image, u"Изображения"},
+        Kind{FileTypeCategory::document, u"Документы"},
+        Kind{FileTypeCategory::code, u"Тексты и код"},
+        Kind{FileTypeCategory::video, u"Видео"},
+        Kind{FileTypeCategory::audio, u"Аудио"},
+    };
+    QStringList filters;
+    QStringList all;
+    for (const Kind& kind : kinds) {
+        if (isMedia(kind.category) && !includeMedia)
+            continue;
+        QStringList patterns;
+        for (const Set& set : sets) {
+            if (set.category != kind.category)
+                continue;
+            for (const QString& extension : set.extensions.toString().split(u' ', Qt::SkipEmptyParts))
+                patterns.append(u"*."_s + extension);
+        }
+        all += patterns;
+        filters.append(u"%1 (%2)"_s.arg(kind.title, patterns.join(u' ')));
+    }
+    filters.prepend(u"Все поддерживаемые (%1)"_s.arg(all.join(u' ')));
+    filters.append(u"Все файлы (*)"_s);
+    return filters;
+}
+
 QString byteCount(qint64 bytes) {
     struct Unit {
         qint64 size;

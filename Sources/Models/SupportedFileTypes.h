@@ -4,6 +4,7 @@
 #include "FileValidationResult.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 
@@ -20,6 +21,9 @@ FileTypeCategory getCategory(const QString& filename, const std::optional<QStrin
 FileValidationResult validateFile(
     const QString& filename, qint64 fileSize, const std::optional<QString>& mimeType, bool isAIPlusMode);
 QString preferredMIMEType(const QString& extension);
+
+// For a file dialog: "Изображения (*.png *.jpg ...)". All of them first, then each kind, then any file.
+QStringList nameFilters(bool includeMedia);
 
 // "512 байт", "10 МБ", "1,5 ГБ": decimal units.
 QString byteCount(qint64 bytes);

@@ -144,7 +144,7 @@ TEST_F(AnswerTest, GoesOnWithoutTheClientAndIsReplayedExactly) {
     ServiceProcess service(folder.path(), {"--demo-delay-ms", "2"});
     const std::string token = signIn(service, "user@example.com");
     ChatClient client(service.port(), token);
-    client.send(createFrame("Покажи длинный ответ"));
+    client.send(createFrame("Покажи код"));
     auto before = receiveChunks(client, 12);
     const long long chat = before[0]["data"]["id"];
     client.cut();

@@ -311,6 +311,59 @@ TEST_F(ConversationToolsTest, AFileThatDoesNotGoUpIsLeftOutAndCanBeSentAgain) {
     EXPECT_EQ(chat->generationError(), u"Вложения не дошли до сервиса."_s);
 }
 
+TEST_F(ConversationToolsTest, WhatDoesNotGoUpIsSentSeparatelyOrWaitsAgain) {
+    chat->attachments()->addFiles({makeFile(u"a.txt"_s), makeFile(u"1.svg"_s), makeFile(u"2.svg"_s)});
+    ask(u"вопрос"_s);
+    uploadAnswers("{}", 500);
+    uploadAnswers(R"({"url":"https://s/1"})");
+    uploadAnswers("{}", 500);
+    // The second image stands in no message.
+    ASSERT_EQ(chat->pendingFileAttachments()->count(), 1);
+    EXPECT_EQ(chat->pendingFileAttachments()->attachments().front().filename, u"2.svg"_s);
+    EXPECT_TRUE(chat->pendingFileAttachments()->attachments().front().uploadError);
+    EXPECT_EQ(chat->attachments()->failed()->count(), 1);
+    const QUrl failed = *chat->attachments()->failed()->attachments().front().localURL;
+
+    chat->sendSeparately(failed); // an answer is under way
+    EXPECT_EQ(chat->messages()->count(), 2);
+    created(7);
+    end();
+    chat->setCurrentInput(u"черновик"_s);
+    chat->sendSeparately(QUrl(u"file:///etc/passwd"_s));
+    EXPECT_EQ(chat->messages()->count(), 2);
+    chat->sendSeparately(failed);
+    uploadAnswers(R"({"url":"https://s/a"})");
+    EXPECT_EQ(told(chat->messages()->messages().at(2)), u"file-https://s/a"_s);
+    EXPECT_EQ(lastContent().size(), 1);
+    EXPECT_EQ(chat->attachments()->sizeOf(u"https://s/a"_s), u"4 байт"_s);
+    EXPECT_EQ(chat->currentInput(), u"черновик"_s);
+    EXPECT_EQ(chat->pendingFileAttachments()->count(), 1);
+}
+
+TEST_F(ConversationToolsTest, WhatIsDroppedOrPastedIsTaken) {
+    auto* attachments = chat->attachments();
+    // The file that is fine does not hide the one before it that is not.
+    attachments->addFiles({makeFile(u"a.exe"_s), makeFile(u"a.txt"_s)});
+    EXPECT_EQ(chat->pendingFileAttachments()->count(), 1);
+    EXPECT_EQ(attachments->fileValidationError(), u"exe не поддерживается"_s);
+    attachments->dismissValidationError();
+    EXPECT_TRUE(attachments->addDropped({QUrl(u"https://a/b.png"_s)}, "picture", u"image/png"_s));
+    EXPECT_EQ(chat->pendingFileAttachments()->count(), 2);
+    EXPECT_TRUE(attachments->addDropped({QUrl(u"https://a/b.png"_s)}, {}, {}));
+    EXPECT_FALSE(attachments->fileValidationError().isEmpty()); // nothing was fetched
+    EXPECT_FALSE(attachments->addDropped({}, {}, {}));
+
+    files->clipboard.text = true; // file managers give the paths as text, too
+    files->clipboard.copied = {makeFile(u"b.txt"_s)};
+    EXPECT_TRUE(attachments->paste());
+    files->clipboard.copied.clear();
+    EXPECT_FALSE(attachments->paste());
+    EXPECT_EQ(chat->pendingFileAttachments()->count(), 3);
+    attachments->setAIPlusMode(false);
+    EXPECT_FALSE(attachments->nameFilters().join(u' ').contains(u"*.mp3"_s));
+    EXPECT_TRUE(attachments->nameFilters().front().contains(u"*.png *.jpg"_s));
+}
+
 TEST_F(ConversationToolsTest, StoppedOrEndedAmidAnUploadNothingIsLost) {
     restart();
     chat->attachments()->addFiles({makeFile(u"a.txt"_s)});

@@ -1,12 +1,16 @@
 // Runs the tst_*.qml files beside it. A warning of the QML engine, a binding loop among them, ends the run.
 #include "MarkdownValues.h"
 
+#include <QDragEnterEvent>
+#include <QMimeData>
 #include <QQmlContext>
 #include <QQmlEngine>
 #include <QQuickWindow>
 #include <QTest>
 #include <QtPlugin>
 #include <QtQuickTest>
+
+#include <memory>
 
 Q_IMPORT_PLUGIN(Korvi_ViewsPlugin)
 
@@ -21,24 +25,57 @@ public:
     }
 };
 
+// Somebody who drags something from elsewhere over the window.
+class Dragging : public QObject {
+    Q_OBJECT
+
+public:
+    // Whether it would be taken there.
+    Q_INVOKABLE bool hold(QQuickWindow* window, const QPointF& at, const QList<QUrl>& urls, const QString& type = {},
+        const QString& text = {}) {
+        m_data = std::make_unique<QMimeData>();
+        if (!urls.isEmpty())
+            m_data->setUrls(urls);
+        if (!type.isEmpty())
+            m_data->setData(type, "picture");
+        if (!text.isEmpty())
+            m_data->setText(text);
+        QDragEnterEvent enter(at.toPoint(), Qt::CopyAction, m_data.get(), Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(window, &enter);
+        QDragMoveEvent move(at.toPoint(), Qt::CopyAction, m_data.get(), Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(window, &move);
+        return move.isAccepted();
+    }
+    Q_INVOKABLE void leave(QQuickWindow* window) {
+        QDragLeaveEvent event;
+        QCoreApplication::sendEvent(window, &event);
+    }
+    Q_INVOKABLE void drop(QQuickWindow* window, const QPointF& at) {
+        QDropEvent event(at, Qt::CopyAction, m_data.get(), Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(window, &event);
+    }
+
+private:
+    std::unique_ptr<QMimeData> m_data;
+};
+
 class Setup : public QObject {
     Q_OBJECT
 
 public slots:
     void qmlEngineAvailable(QQmlEngine* engine) {
         engine->rootContext()->setContextProperty("keyboard", &m_keyboard);
+        engine->rootContext()->setContextProperty("dragging", &m_dragging);
         engine->rootContext()->setContextProperty("markdown", &m_markdown);
         connect(engine, &QQmlEngine::warnings, this, [](const QList<QQmlError>& warnings) {
-            for (const QQmlError& warning : warnings) {
-                // What the network did not give is no fault of the QML.
-                if (!warning.description().startsWith("QML Image: "))
-                    qFatal("QML warning: %s", qUtf8Printable(warning.toString()));
-            }
+            for (const QQmlError& warning : warnings)
+                qFatal("QML warning: %s", qUtf8Printable(warning.toString()));
         });
     }
 
 private:
     Keyboard m_keyboard;
+    Dragging m_dragging;
     Korvi::MarkdownValues m_markdown;
 };
 

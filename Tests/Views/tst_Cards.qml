@@ -121,6 +121,13 @@ Item {
             return stage.item
         }
 
+        function listen(item, signalName) {
+            spy.target = null
+            spy.signalName = signalName
+            spy.target = item
+            spy.clear()
+        }
+
         function found(count) {
             return [...Array(count).keys()].map(i => ({ title: "Источник " + i, url: "https://s.example/" + i,
                 content: "Текст", favicon: "", domain: "s.example", description: "" }))
@@ -129,8 +136,8 @@ Item {
         // Of all items below, at any depth.
         function all(item, test) {
             const found = test(item) ? [item] : []
-            for (const child of item.children)
-                found.push(...all(child, test))
+            for (let i = 0; i < item.children.length; ++i)
+                found.push(...all(item.children[i], test))
             return found
         }
 
@@ -155,9 +162,7 @@ Item {
             compare(rest.map(button => button.text), ["+3", "+1"])
             compare(rest[0].Accessible.name, "Ещё 3 источника")
 
-            spy.target = card
-            spy.signalName = "tabChosen"
-            spy.clear()
+            listen(card, "tabChosen")
             rest[0].clicked()
             compare(spy.signalArguments[0][0], "sources")
             // What is on another tab is gone.
@@ -207,9 +212,7 @@ Item {
             const card = show(searchCard)
             card.results = found(2)
             card.unfolded = true
-            spy.target = card
-            spy.signalName = "linkOpened"
-            spy.clear()
+            listen(card, "linkOpened")
             all(card, item => item instanceof SourceRow)[1].clicked()
             compare(spy.signalArguments[0][0], "https://s.example/1")
         }
@@ -271,9 +274,7 @@ Item {
             card.kindName = "loading"
             card.title = "Loading..."
             compare(findChild(card, "artifactButton").text, "Создаю документ…")
-            spy.target = card
-            spy.signalName = "chosen"
-            spy.clear()
+            listen(card, "chosen")
             card.forceActiveFocus()
             keyClick(Qt.Key_Space)
             compare(spy.count, 1)
@@ -322,9 +323,7 @@ Item {
 
         function test_detailIsLeftByEscape() {
             const view = show(detail)
-            spy.target = view
-            spy.signalName = "closed"
-            spy.clear()
+            listen(view, "closed")
             view.forceActiveFocus()
             keyClick(Qt.Key_Escape)
             compare(spy.count, 1)

@@ -35,6 +35,8 @@ Item {
     Flickable {
         id: list
 
+        property string code
+
         height: 400
         visible: false
         width: 500
@@ -50,7 +52,7 @@ Item {
 
             delegate: CodeBlockView {
                 objectName: "longBlock"
-                code: Array.from({ length: 10000 }, (_, i) => "value" + i + " = " + i).join("\n")
+                code: list.code
                 language: "python"
             }
         }
@@ -69,6 +71,9 @@ Item {
         function init() {
             failOnWarning(/./)
             Theme.reducedMotion = true
+            Theme.scheme = "light"
+            Theme.textSize = 13
+            list.visible = false
             page.contentY = 0
             view.isOpen = false
             view.wraps = false
@@ -198,14 +203,26 @@ Item {
             compare(copied.signalArguments[0][0], view.code.slice(3, 5000))
         }
 
+        function test_caretGoesThroughAllParts() {
+            view.code = Array.from({ length: 600 }, (_, i) => "строка " + i).join("\n")
+            const border = view.code.indexOf("\n", 4000)
+            view.takeCaretAt(border)
+            compare(view.cursorPosition, border)
+            keyClick(Qt.Key_Right)
+            compare(view.cursorPosition, border + 1)
+            keyClick(Qt.Key_Up)
+            verify(view.cursorPosition < border + 1)
+            verify(view.hasCaret)
+        }
+
         function test_pointerSelects() {
             view.code = "первая строка\nвторая строка"
             const from = view.positionToRectangle(2)
             const to = view.positionToRectangle(20)
             mousePress(view, from.x + 1, from.y + 5)
-            mouseMove(view, from.x + 20, from.y + 5, -1, Qt.LeftButton) // so that the page does not take it for a flick
-            mouseMove(view, from.x + 40, from.y + 5, -1, Qt.LeftButton)
-            mouseMove(view, to.x + 1, to.y + 5, -1, Qt.LeftButton)
+            mouseMove(view, from.x + 20, from.y + 5, 20, Qt.LeftButton) // so that the page does not take it for a flick
+            mouseMove(view, from.x + 40, from.y + 5, 20, Qt.LeftButton)
+            mouseMove(view, to.x + 1, to.y + 5, 20, Qt.LeftButton)
             mouseRelease(view, to.x + 1, to.y + 5)
             tryCompare(view, "selectedText", view.code.slice(2, 20))
             mouseClick(view, from.x, from.y + 5)
@@ -217,6 +234,10 @@ Item {
             rows.forceLayout()
             wait(0)
             const block = findChild(list, "longBlock")
+            verify(block) // with nothing in it yet
+            list.code = Array.from({ length: 10000 }, (_, i) => "value" + i + " = " + i).join("\n")
+            rows.forceLayout()
+            wait(0)
             fuzzyCompare(block.implicitHeight, 10000 * Theme.leading(Theme.fontBody), 200)
             function live() {
                 let count = 0

@@ -50,6 +50,7 @@ FocusScope {
                 { id: "search", latin: Qt.Key_F, russian: "А" },
                 { id: "focusComposer", latin: Qt.Key_L, russian: "Д" },
                 { id: "chooseModel", latin: Qt.Key_M, russian: "Ь" },
+                { id: "attach", latin: Qt.Key_U, russian: "Г" },
                 { id: "settings", latin: Qt.Key_Comma, russian: "Б" },
                 { id: "shortcuts", latin: Qt.Key_Slash, russian: "." },
             ].map(row => Object.assign({ tag: row.id }, row))

@@ -50,6 +50,7 @@ Item {
         function init() {
             failOnWarning(/./)
             Theme.reducedMotion = true
+            list.visible = false
             view.width = 500
             view.deselect()
             copied.clear()

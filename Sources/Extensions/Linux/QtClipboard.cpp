@@ -4,6 +4,8 @@
 #include <QGuiApplication>
 #include <QMimeData>
 
+#include <algorithm>
+
 namespace Korvi {
 
 bool QtClipboard::hasText() const {
@@ -14,6 +16,12 @@ bool QtClipboard::hasText() const {
 QImage QtClipboard::image() const {
     const QMimeData* data = QGuiApplication::clipboard()->mimeData();
     return data && data->hasImage() ? qvariant_cast<QImage>(data->imageData()) : QImage();
+}
+
+QList<QUrl> QtClipboard::files() const {
+    const QMimeData* data = QGuiApplication::clipboard()->mimeData();
+    const QList<QUrl> urls = data && data->hasUrls() ? data->urls() : QList<QUrl>();
+    return std::ranges::all_of(urls, &QUrl::isLocalFile) ? urls : QList<QUrl>();
 }
 
 }

@@ -9,6 +9,7 @@ class QtClipboard : public Clipboard {
 public:
     bool hasText() const override;
     QImage image() const override;
+    QList<QUrl> files() const override;
 };
 
 }

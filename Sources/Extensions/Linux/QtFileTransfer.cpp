@@ -50,7 +50,7 @@ struct Download {
 
     // False when the disk does not take it.
     bool take() {
-        if (status() >= 300)
+        if (status() >= 300 || !reply->isOpen())
             return true;
         const QByteArray piece = reply->readAll();
         if (piece.isEmpty())

@@ -48,9 +48,17 @@ void ChatViewModel::filesUploaded(quint64 serial, const AttachmentUploader::Uplo
     }
     const bool isBare = uploaded.imageUrls.isEmpty() && uploaded.fileUrls.empty();
     if (isBare && !m_stream.hasText(serial))
-        m_stream.withdraw(serial);
-    else
-        m_stream.supply(serial, uploaded.imageUrls, uploaded.fileUrls, places);
+        return m_stream.withdraw(serial);
+    // The message shows its first image only: one would never learn that another one is missing.
+    bool isFirst = true;
+    for (const ChatFileAttachment& attachment : uploaded.attachments) {
+        if (attachment.category != FileTypeCategory::image)
+            continue;
+        if (!isFirst && attachment.uploadError)
+            attachments()->giveBack({attachment});
+        isFirst = false;
+    }
+    m_stream.supply(serial, uploaded.imageUrls, uploaded.fileUrls, places);
 }
 
 void ChatViewModel::recoverFromBackground() {

@@ -441,6 +441,13 @@ void ChatViewModel::sendMessage(QString text) {
     saveDraft(); // only now that the journal has the question: a kill in between would take it
 }
 
+void ChatViewModel::sendSeparately(const QUrl& localURL) {
+    if (m_isGenerating)
+        return;
+    if (auto file = attachments()->takeFailed(localURL))
+        send({}, std::nullopt, {*std::move(file)});
+}
+
 void ChatViewModel::send(
     const QString& text, const std::optional<QString>& editImageUrl, std::vector<ChatFileAttachment> files) {
     const qint64 chatId = activeChatId();

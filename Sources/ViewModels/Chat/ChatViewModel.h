@@ -113,6 +113,9 @@ public:
     Q_INVOKABLE void navigateToChat(qint64 chatId);
     Q_INVOKABLE void sendMessage(); // sends currentInput
     void sendMessage(QString text);
+    // The attachment of that local address, which has not gone up with its message, in one of its own. Not while an answer
+    // is under way.
+    Q_INVOKABLE void sendSeparately(const QUrl& localURL);
     Q_INVOKABLE void stopGeneration();
     Q_INVOKABLE void retryLastMessage();
     Q_INVOKABLE void deleteMessage(qint64 id); // from the screen only

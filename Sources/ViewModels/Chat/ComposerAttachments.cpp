@@ -18,6 +18,7 @@ Q_LOGGING_CATEGORY(lcComposer, "korvi.chat.composer", QtInfoMsg)
 namespace {
 
 const auto notReadable = u"Файл не удалось прочитать"_s;
+const auto onlyAddress = u"Это только ссылка. Скопируйте само изображение и вставьте его (Ctrl+V)"_s;
 const auto notKept = u"Изображение не удалось сохранить"_s;
 
 // Counts what is under way, through every way out.
@@ -97,22 +98,40 @@ void ComposerAttachments::discard(const ChatFileAttachment& attachment) {
 // Where it comes from
 
 bool ComposerAttachments::addFiles(const QList<QUrl>& files) {
-    bool isAny = false;
-    for (const QUrl& file : files) {
-        if (!file.isLocalFile())
-            continue;
-        isAny = true;
-        m_scope.start([this, file] { return addFile(file); });
-    }
-    return isAny;
+    QList<QUrl> local;
+    std::ranges::copy_if(files, std::back_inserter(local), &QUrl::isLocalFile);
+    if (local.isEmpty())
+        return false;
+    m_scope.start([this, local] { return addAll(local); });
+    return true;
 }
 
-Task<void> ComposerAttachments::addFile(QUrl file) {
-    const auto taken = co_await m_dependencies.intake.takeFile(file);
-    if (taken)
-        take(*taken);
-    else
-        m_fileValidationError = notReadable;
+Task<void> ComposerAttachments::addAll(QList<QUrl> files) {
+    QString firstError;
+    for (const QUrl& file : files) {
+        const auto taken = co_await m_dependencies.intake.takeFile(file);
+        m_fileValidationError = QString();
+        if (taken)
+            take(*taken);
+        else
+            m_fileValidationError = notReadable;
+        if (firstError.isEmpty())
+            firstError = m_fileValidationError;
+    }
+    m_fileValidationError = firstError; // the ones after it may have been fine
+}
+
+bool ComposerAttachments::addDropped(const QList<QUrl>& urls, const QByteArray& image, const QString& type) {
+    if (addFiles(urls))
+        return true;
+    if (!image.isEmpty()) {
+        addImageData(image, type);
+        return true;
+    }
+    if (urls.isEmpty())
+        return false;
+    m_fileValidationError = onlyAddress;
+    return true;
 }
 
 void ComposerAttachments::addImageData(const QByteArray& data, const QString& type) {
@@ -132,17 +151,26 @@ void ComposerAttachments::take(const AttachmentIntake::Taken& taken) {
     addFileAttachment(taken.filename, taken.size, taken.mimeType, taken.localURL);
 }
 
+bool ComposerAttachments::paste() {
+    // A file manager gives the paths as text as well.
+    return addFiles(m_dependencies.clipboard.files()) || pasteImage();
+}
+
+QStringList ComposerAttachments::nameFilters() const {
+    return SupportedFileTypes::nameFilters(m_isAIPlusMode);
+}
+
 bool ComposerAttachments::pasteImage() {
     if (m_dependencies.clipboard.hasText())
         return false;
     const QImage image = m_dependencies.clipboard.image();
     if (image.isNull())
         return false;
-    m_scope.start([this, image] { return paste(image); });
+    m_scope.start([this, image] { return keepPasted(image); });
     return true;
 }
 
-Task<void> ComposerAttachments::paste(QImage image) {
+Task<void> ComposerAttachments::keepPasted(QImage image) {
     const auto file = co_await m_dependencies.intake.takeImage(image);
     if (file)
         emit imagePasted(*file);
@@ -187,25 +215,43 @@ Task<AttachmentUploader::Uploaded> ComposerAttachments::upload(std::vector<ChatF
     AttachmentUploader::Uploaded uploaded = co_await m_dependencies.uploader.uploadAttachments(attachments, report);
     for (const ChatFileAttachment& attachment : uploaded.attachments) {
         m_uploading.remove(attachment.id);
-        if (attachment.uploadError)
+        if (attachment.uploadError) {
             m_failed.append(attachment);
-        else
+        } else {
+            m_sizes.insert(
+                attachment.remoteURL.value_or(QString()), SupportedFileTypes::byteCount(attachment.fileSize));
             discard(attachment);
+        }
     }
     co_return std::move(uploaded);
 }
 
+std::optional<ChatFileAttachment> ComposerAttachments::takeFailed(const QUrl& localURL) {
+    const auto& failed = m_failed.attachments();
+    const auto found = std::ranges::find(failed, std::optional(localURL), &ChatFileAttachment::localURL);
+    if (found == failed.end())
+        return std::nullopt;
+    ChatFileAttachment again = *found;
+    m_failed.remove(again.id);
+    again.uploadError.reset();
+    again.isUploading = false;
+    again.uploadProgress = 0;
+    return again;
+}
+
+bool ComposerAttachments::isOurs(const QUrl& localURL) const {
+    const auto isIn = [&](const AttachmentListModel& list) {
+        return std::ranges::any_of(
+            list.attachments(), [&](const ChatFileAttachment& each) { return each.localURL == localURL; });
+    };
+    return m_dependencies.intake.owns(localURL) || isIn(m_uploading) || isIn(m_failed) || isIn(m_pending);
+}
+
 bool ComposerAttachments::retry(const QUrl& localURL) {
-    for (const ChatFileAttachment& each : m_failed.attachments()) {
-        if (each.localURL != localURL)
-            continue;
-        ChatFileAttachment again = each;
-        m_failed.remove(again.id);
-        again.uploadError.reset();
-        giveBack({std::move(again)});
-        return true;
-    }
-    return false;
+    auto again = takeFailed(localURL);
+    if (again)
+        giveBack({*std::move(again)});
+    return again.has_value();
 }
 
 QString ComposerAttachments::failureOf(const QUrl& localURL) const {
@@ -221,6 +267,7 @@ void ComposerAttachments::reset() {
     for (const ChatFileAttachment& attachment : m_failed.takeAll())
         discard(attachment);
     m_uploading.takeAll();
+    m_sizes.clear();
 }
 
 }

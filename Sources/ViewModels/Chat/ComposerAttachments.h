@@ -4,6 +4,7 @@
 #include "Chat/AttachmentListModel.h"
 #include "Chat/AttachmentUploader.h"
 
+#include <QHash>
 #include <QProperty>
 
 namespace Korvi {
@@ -54,10 +55,19 @@ public:
     Q_INVOKABLE void removeFileAttachment(const QString& id);
     Q_INVOKABLE void clearFileAttachments();
 
-    // Picked, dropped or pasted files. Copied first; each appears when it has been. False when none of them is a file.
+    // Picked, dropped or pasted files. Copied first; each appears when it has been, in their order. What was not accepted
+    // of them is told at the end. False when none of them is a file.
     Q_INVOKABLE bool addFiles(const QList<QUrl>& files);
     // A dropped image that is no file; `type` is its MIME type.
     Q_INVOKABLE void addImageData(const QByteArray& data, const QString& type);
+    // What was dropped: files of this machine, or else an image that is no file (`type` is its MIME type), or else an
+    // address of the web, of which nothing is fetched. False when nothing of it is of use.
+    Q_INVOKABLE bool addDropped(const QList<QUrl>& urls, const QByteArray& image, const QString& type);
+    // Takes the files or the image of the clipboard. False when the text field is to paste.
+    Q_INVOKABLE bool paste();
+    Q_INVOKABLE void dismissValidationError() { m_fileValidationError = QString(); }
+    // For a file dialog, of what is accepted now.
+    Q_INVOKABLE QStringList nameFilters() const;
     // Takes the image of the clipboard, if there is one and no text beside it. False when the text field is to paste.
     Q_INVOKABLE bool pasteImage();
 
@@ -73,6 +83,13 @@ public:
 
     // Uploads them for a message. Failed ones can be sent again later, the copies of others are gone afterwards.
     Task<AttachmentUploader::Uploaded> upload(std::vector<ChatFileAttachment> attachments);
+    // The failed attachment of that local address, which is then to be sent again; absent when there is none.
+    std::optional<ChatFileAttachment> takeFailed(const QUrl& localURL);
+    // Whether the local address is that of an attachment of the user's own. Others may have come from anywhere and are
+    // not looked at.
+    bool isOurs(const QUrl& localURL) const;
+    // "1,5 МБ" of what was uploaded since the start; otherwise empty.
+    QString sizeOf(const QString& remoteURL) const { return m_sizes.value(remoteURL); }
     // The failed attachment of that local address waits in the composer again. False when there is none.
     Q_INVOKABLE bool retry(const QUrl& localURL);
     // "", or why the attachment of that local address is missing in its message.
@@ -86,9 +103,9 @@ signals:
     void imagePasted(const QUrl& image); // a file of our own
 
 private:
-    Task<void> addFile(QUrl file);
+    Task<void> addAll(QList<QUrl> files);
     Task<void> addImage(QByteArray data, QString type);
-    Task<void> paste(QImage image);
+    Task<void> keepPasted(QImage image);
     void take(const AttachmentIntake::Taken& taken);
     void discard(const ChatFileAttachment& attachment);
 
@@ -98,6 +115,7 @@ private:
     AttachmentListModel m_uploading;
     bool m_isAIPlusMode = false;
     int m_uploads = 0;
+    QHash<QString, QString> m_sizes; // by address at the service
     Q_OBJECT_BINDABLE_PROPERTY(
         ComposerAttachments, QString, m_fileValidationError, &ComposerAttachments::fileValidationErrorChanged)
     Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(

@@ -78,12 +78,17 @@ FocusScope {
         focus: true
         objectName: "artifactBody"
 
-        // By address where it is rarely needed.
-        source: view.module + (!view.showsPreview || kind.preview === ArtifactKind.Document
-            || kind.preview === ArtifactKind.Diagram ? "ArtifactTextView.qml" : "ArtifactPageView.qml")
 
-        onLoaded: {
-            item.focus = true // qmllint disable
+        // By address, for the sandbox is rarely needed; and with all it has to know from its beginning.
+        readonly property string file: view.showsPreview && kind.preview === ArtifactKind.Page ? "ArtifactPageView.qml"
+            : "ArtifactTextView.qml"
+
+        Component.onCompleted: show()
+        onFileChanged: show()
+
+        function show(): void {
+            setSource(view.module + file, { text: view.text, kindName: view.kindName, focus: true,
+                isGenerating: view.isGenerating, showsPreview: view.showsPreview })
         }
     }
     Binding { property: "text"; target: body.item; value: view.text }

@@ -30,8 +30,8 @@ Item {
         Column {
             anchors.left: parent.left
             anchors.leftMargin: Theme.gap4
-            anchors.right: tabs.visible && !header.isNarrow ? tabs.left : buttons.left
-            anchors.rightMargin: Theme.gap3
+            anchors.right: buttons.left
+            anchors.rightMargin: Theme.gap3 + (tabs.visible && !header.isNarrow ? tabs.width + Theme.gap2 : 0)
             anchors.verticalCenter: parent.verticalCenter
 
             Label {

@@ -98,7 +98,8 @@ void ArtifactPreview::resize() {
     // Another file for another size: what is under way still goes into the old one.
     m_file.close();
     m_memory = nullptr;
-    m_file.remove();
+    if (!m_file.fileName().isEmpty())
+        m_file.remove();
     m_size = size;
     m_file.setFileName(m_folder->filePath(QString::number(++m_files)));
     const qint64 bytes = qint64(size.width()) * size.height() * 4;

@@ -54,7 +54,7 @@ Flickable {
     ListModel {
         id: one
 
-        ListElement {}
+        ListElement { part: "all" }
     }
     VirtualColumn {
         id: column

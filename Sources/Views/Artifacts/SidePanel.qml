@@ -47,6 +47,10 @@ FocusScope {
         height: parent.height
         sourceComponent: layout.panel
         width: layout.panelWidth
+
+        onLoaded: {
+            item.focus = true // qmllint disable
+        }
     }
     Rectangle {
         id: border

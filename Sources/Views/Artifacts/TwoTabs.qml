@@ -42,7 +42,7 @@ Rectangle {
 
                 Accessible.role: Accessible.PageTab
                 Accessible.selected: isCurrent
-                focusPolicy: isCurrent ? Qt.TabFocus : Qt.NoFocus
+                focusPolicy: isCurrent || activeFocus ? Qt.TabFocus : Qt.NoFocus // not taken from the one that has it
                 height: parent.height
                 horizontalPadding: Theme.gap3
                 objectName: modelData.tab + "Tab"

@@ -5,11 +5,14 @@ import Korvi.ViewModels
 QtObject {
     property FileDownloads downloads: null
     property ArtifactSelection artifacts: null
+    property ComposerAttachments attachments: null
+    property bool canSend: false // nothing is under way
     property string toolStatus // of the answer under way; empty when no tool is at work
     property bool hasPlaceholder: false // which then tells the status
 
     // What was unfolded, by what it is of: rows are made again when they come back into view.
     readonly property var kept: ({})
 
-    signal imagesWanted(var images, int index) // { url, alt }
+    signal imagesWanted(var images, int index) // { url, alt }, isOurs for a file of the user's own
+    signal sendWanted(string file) // of what has not gone up with its message
 }

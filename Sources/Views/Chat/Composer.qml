@@ -12,10 +12,15 @@ FocusScope {
     required property bool canSend
     required property bool generating
     property string mode: "none" // of InputMode.js
-    property bool editingImage: false // an image waits to be edited by the next message
+    property var attachments: null // files that wait, see AttachmentStrip
+    property string editImage // that the next message is to change; empty without one
+    property string attachmentError // why a file was not taken; empty without one
+    property var paste: () => false // takes what is no text from the clipboard
     property real maximumHeight: Infinity
 
+    readonly property bool editingImage: editImage.length > 0
     readonly property int inset: Theme.gap4
+    readonly property real textTop: strip.visible ? strip.y + strip.height + Theme.gap3 : Theme.gap4
     readonly property real lineHeight: Theme.leading(edit.font.pixelSize)
     readonly property real barHeight: bar.height
     property string recalled // what came back by the Up key
@@ -24,6 +29,9 @@ FocusScope {
     signal recallRequested
     signal modeChosen(mode: string)
     signal editingImageCancelled
+    signal filesWanted(int filter) // of ComposerAttachments.nameFilters()
+    signal attachmentRemoved(string attachmentId)
+    signal attachmentErrorDismissed
     signal send
     signal stop
 
@@ -51,7 +59,7 @@ FocusScope {
         return true
     }
 
-    implicitHeight: Math.min(maximumHeight, Theme.gap4 + Math.min(edit.contentHeight, lineHeight * 8) + Theme.gap3
+    implicitHeight: Math.min(maximumHeight, textTop + Math.min(edit.contentHeight, lineHeight * 8) + Theme.gap3
         + barHeight + Theme.gap3)
 
     // What comes from outside is gone on with at its end.
@@ -87,6 +95,23 @@ FocusScope {
 
         onPressed: edit.forceActiveFocus()
     }
+    AttachmentStrip {
+        id: strip
+
+        attachments: composer.attachments
+        editImage: composer.editImage
+        error: composer.attachmentError
+        maximumHeight: Math.min(Theme.attachmentHeight * 3 + Theme.gap2 * 2, composer.maximumHeight / 3)
+        visible: !isEmpty
+        width: parent.width - Theme.gap3 * 2
+        x: Theme.gap3
+        y: Theme.gap3
+
+        onEditingCancelled: composer.editingImageCancelled()
+        onErrorDismissed: composer.attachmentErrorDismissed()
+        onLeaving: edit.forceActiveFocus()
+        onRemoved: attachmentId => composer.attachmentRemoved(attachmentId)
+    }
     Flickable {
         id: scroller
 
@@ -102,11 +127,11 @@ FocusScope {
         clip: true
         contentHeight: edit.height
         contentWidth: width
-        height: composer.height - Theme.gap4 - Theme.gap3 * 2 - composer.barHeight
+        height: composer.height - y - Theme.gap3 * 2 - composer.barHeight
         interactive: contentHeight > height
         width: parent.width - x - Theme.gap2
         x: composer.inset
-        y: Theme.gap4
+        y: composer.textTop
 
         TextEdit {
             id: edit
@@ -132,6 +157,10 @@ FocusScope {
             wrapMode: TextEdit.Wrap
 
             Keys.onPressed: event => {
+                if (event.matches(StandardKey.Paste)) {
+                    event.accepted = composer.paste()
+                    return
+                }
                 if (event.key !== Qt.Key_Return && event.key !== Qt.Key_Enter)
                     return
                 if (event.modifiers & Qt.ShiftModifier)
@@ -176,12 +205,11 @@ FocusScope {
         anchors.right: parent.right
         anchors.rightMargin: Theme.gap3
         canSend: composer.canSend
-        editingImage: composer.editingImage
         generating: composer.generating
         hintShown: edit.lineCount > 1 || edit.length > 40
         mode: composer.mode
 
-        onEditingImageCancelled: composer.editingImageCancelled()
+        onFilesWanted: filter => composer.filesWanted(filter)
         onModeChosen: mode => {
             composer.modeChosen(mode)
             edit.forceActiveFocus()

@@ -6,13 +6,12 @@ Item {
     id: bar
 
     required property string mode // of InputMode.js
-    required property bool editingImage // an image waits to be edited by the next message
     required property bool canSend
     required property bool generating
     property bool hintShown: false
 
     signal modeChosen(mode: string)
-    signal editingImageCancelled
+    signal filesWanted(int filter)
     signal send
     signal stop
 
@@ -27,6 +26,18 @@ Item {
         anchors.verticalCenter: parent.verticalCenter
         spacing: Theme.gap1
 
+        IconButton {
+            id: attachButton
+
+            Accessible.role: Accessible.ButtonMenu
+            anchors.verticalCenter: parent.verticalCenter
+            hint: attachMenu.item ? "" : text
+            objectName: "attachButton"
+            symbol: "plus"
+            text: "Прикрепить"
+
+            onClicked: attachMenu.toggle({})
+        }
         IconButton {
             id: modeButton
 
@@ -54,16 +65,12 @@ Item {
             onClicked: menu.toggle({ mode: bar.mode })
             onClosed: bar.modeChosen("none")
         }
-        Chip {
-            anchors.verticalCenter: parent.verticalCenter
-            closeText: "Не изменять изображение"
-            objectName: "editImageChip"
-            symbol: "photo"
-            text: "Правка"
-            visible: bar.editingImage
+    }
+    OnDemand {
+        id: attachMenu
 
-            onClosed: bar.editingImageCancelled()
-        }
+        anchors.fill: left
+        source: "qrc:/qt-project.org/imports/Korvi/Views/AttachMenu.qml"
     }
     OnDemand {
         id: menu
@@ -72,6 +79,13 @@ Item {
         source: "qrc:/qt-project.org/imports/Korvi/Views/ModeMenu.qml"
     }
     // Later: once the menu has given the keyboard back.
+    Connections {
+        function onChosen(filter) {
+            Qt.callLater(bar.filesWanted, filter) // qmllint disable
+        }
+
+        target: attachMenu.item
+    }
     Connections {
         function onChosen(mode) {
             Qt.callLater(bar.modeChosen, mode) // qmllint disable

@@ -28,6 +28,10 @@ FocusScope {
         composer.takeFocus()
     }
 
+    function chooseFiles(filter: int): void {
+        fileQuestion.ask(chat.attachments.nameFilters(), filter)
+    }
+
     function send(): void {
         chat.sendMessage()
         list.showLastTurn()
@@ -67,11 +71,17 @@ FocusScope {
         id: context
 
         artifacts: view.chat.artifacts
+        attachments: view.chat.attachments
+        canSend: !view.chat.isGenerating
         downloads: view.downloads
         hasPlaceholder: view.chat.hasGeneratingPlaceholder
         toolStatus: view.chat.currentToolStatus
 
         onImagesWanted: (images, index) => viewer.open({ images: images, currentIndex: index })
+        onSendWanted: file => {
+            view.chat.sendSeparately(file)
+            list.showLastTurn()
+        }
     }
     OnDemand {
         id: viewer
@@ -183,23 +193,46 @@ FocusScope {
         readonly property real foot: view.height - height - (view.sidebarFolded ? Theme.gap4 : Theme.gap5)
 
         anchors.horizontalCenter: parent.horizontalCenter
+        attachmentError: view.chat.attachments.fileValidationError
+        attachments: view.chat.pendingFileAttachments
         canSend: view.chat.canSend
-        editingImage: view.chat.pendingEditImageUrl.length > 0
+        editImage: view.chat.pendingEditImageUrl
         focus: true
         generating: view.chat.isGenerating
         maximumHeight: Math.max(Theme.px(120), view.height / 2)
         mode: view.mode
+        paste: () => view.chat.attachments.paste()
         text: view.chat.currentInput
         width: view.columnWidth
         y: Math.round(middle + (foot - middle) * lowered)
 
         Behavior on lowered { NumberAnimation { duration: Theme.calm; easing.type: Easing.OutCubic } }
 
-        onEdited: text => view.chat.currentInput = text
+        onAttachmentErrorDismissed: view.chat.attachments.dismissValidationError()
+        onAttachmentRemoved: attachmentId => view.chat.attachments.removeFileAttachment(attachmentId)
+        onEdited: text => {
+            view.chat.currentInput = text
+            view.chat.attachments.dismissValidationError()
+        }
         onEditingImageCancelled: view.chat.clearPendingEditImage()
+        onFilesWanted: filter => view.chooseFiles(filter)
         onModeChosen: mode => view.mode = mode
         onRecallRequested: composer.recall(view.chat.lastQuestion())
         onSend: view.send()
         onStop: view.chat.stopGeneration()
+    }
+    DropOverlay {
+        anchors.fill: parent
+
+        onTaken: (urls, image, type) => {
+            view.chat.attachments.addDropped(urls, image, type)
+            view.focusComposer()
+        }
+    }
+    FileQuestion {
+        id: fileQuestion
+
+        onAnswered: files => view.chat.attachments.addFiles(files)
+        onClosed: view.focusComposer()
     }
 }

@@ -1,5 +1,6 @@
 #include "MessageHeights.h"
 
+#include "Chat/MessageHandle.h"
 #include "Markdown/MarkdownHeights.h"
 
 #include <QAbstractItemModel>
@@ -19,14 +20,27 @@ double MessageHeights::heightOf(const QAbstractItemModel& model, int row) const 
     const QHash<int, QByteArray> names = model.roleNames();
     const auto value = [&](const QByteArray& role) { return model.data(model.index(row, 0), names.key(role, -1)); };
     const QString text = value(m_textRole).toString();
-    if (value("isUser").toBool())
-        return m_aroundQuestion + lines(text, m_questionWidth) * m_lineHeight;
+    if (value("isUser").toBool()) {
+        const double files = attached(value("content"));
+        const double bubble = m_aroundQuestion + lines(text, m_questionWidth) * m_lineHeight;
+        return files > 0 && text.isEmpty() ? files : files + bubble;
+    }
     const double reasoning = value("thinking").toString().isEmpty() ? 0 : m_thinkingHeight;
     if (m_isPlain)
         return m_aroundAnswer + reasoning + lines(text, m_answerWidth) * m_lineHeight;
     constexpr double plainLine = 20; // what the table of heights is drawn for
     const double characters = m_answerWidth / std::max(1.0, m_characterWidth);
     return m_aroundAnswer + reasoning + MarkdownHeights::of(text, characters) * m_lineHeight / plainLine;
+}
+
+double MessageHeights::attached(const QVariant& content) const {
+    const ChatMessage* message = content.value<MessageHandle>().message();
+    if (!message || !message->content)
+        return 0;
+    const auto isImage = [](const MessageContent& block) { return block.as<MessageContent::Image>() != nullptr; };
+    const auto isFile = [](const MessageContent& block) { return block.as<MessageContent::File>() != nullptr; };
+    const double images = std::ranges::any_of(*message->content, isImage) ? m_imageHeight : 0;
+    return images + static_cast<double>(std::ranges::count_if(*message->content, isFile)) * m_fileHeight;
 }
 
 double MessageHeights::lines(QStringView text, double width) const {

@@ -19,16 +19,19 @@ class MessageHeights : public Korvi::RowEstimate { // qualified, for qmllint to 
     Q_PROPERTY(qreal lineHeight MEMBER m_lineHeight NOTIFY changed)
     Q_PROPERTY(qreal aroundAnswer MEMBER m_aroundAnswer NOTIFY changed) // height besides the text
     Q_PROPERTY(qreal aroundQuestion MEMBER m_aroundQuestion NOTIFY changed)
+    Q_PROPERTY(qreal imageHeight MEMBER m_imageHeight NOTIFY changed) // of those that a question carries, as a whole
+    Q_PROPERTY(qreal fileHeight MEMBER m_fileHeight NOTIFY changed)   // of one file
     Q_PROPERTY(qreal thinkingHeight MEMBER m_thinkingHeight NOTIFY changed) // of folded reasoning
 
 public:
     using RowEstimate::RowEstimate;
 
-    // Of a model with the roles isUser and thinking, as far as it has them, and that of the text.
+    // Of a model with the roles isUser, thinking and content, as far as it has them, and that of the text.
     double heightOf(const QAbstractItemModel& model, int row) const override;
 
 private:
     double lines(QStringView text, double width) const;
+    double attached(const QVariant& content) const;
 
     QByteArray m_textRole = QByteArrayLiteral("text");
     bool m_isPlain = false;
@@ -38,6 +41,8 @@ private:
     qreal m_lineHeight = 20;
     qreal m_aroundAnswer = 0;
     qreal m_aroundQuestion = 16;
+    qreal m_imageHeight = 0;
+    qreal m_fileHeight = 0;
     qreal m_thinkingHeight = 42;
 };
 

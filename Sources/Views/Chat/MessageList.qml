@@ -166,6 +166,8 @@ Flickable {
             aroundAnswer: Theme.gap1 + Theme.actionHeight
             aroundQuestion: Theme.gap2 * 2 + Theme.gap2
             characterWidth: metrics.advanceWidth(sample) / sample.length
+            fileHeight: Theme.sentFileHeight + Theme.gap2
+            imageHeight: Theme.sentImageHeight + Theme.gap2
             lineHeight: Theme.leading(Theme.fontBody)
             questionWidth: list.columnWidth * 0.8 - Theme.gap4 * 2
             thinkingHeight: Theme.px(30) + Theme.gap3

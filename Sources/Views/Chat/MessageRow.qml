@@ -9,7 +9,7 @@ Item {
     required property real messageId
     required property bool isUser
     required property string question // empty for an answer
-    required property var content // of an answer
+    required property var content // its blocks
     required property string thinking
     required property bool isStreaming
     required property real columnWidth
@@ -46,7 +46,7 @@ Item {
         body.item.deselect() // qmllint disable
     }
 
-    Accessible.name: isUser ? "Вы: " + question.slice(0, 200) : "Ответ: " + (body.item?.beginning ?? "") // qmllint disable
+    Accessible.name: isUser ? "Вы: " + (question.slice(0, 200) || (body.item?.attachedNames ?? "")) : "Ответ: " + (body.item?.beginning ?? "") // qmllint disable
     Accessible.role: Accessible.ListItem
     activeFocusOnTab: tabStop || activeFocus // it may not be taken from the row that has the focus
     implicitHeight: Math.ceil(body.height) // rows begin on whole pixels
@@ -102,6 +102,8 @@ Item {
 
         // qmllint disable unqualified
         UserBubble {
+            content: row.content
+            context: row.context
             text: row.question
 
             onCaretMoved: (y, height) => row.caretMoved(y, height)

@@ -5,6 +5,8 @@
 #include <QBuffer>
 #include <QCache>
 #include <QClipboard>
+#include <QFile>
+#include <QFileInfo>
 #include <QFuture>
 #include <QGuiApplication>
 #include <QImageReader>
@@ -41,6 +43,12 @@ struct Decoded {
 QCache<QString, Decoded>& memory() {
     static QCache<QString, Decoded> cache(remembered);
     return cache;
+}
+
+QByteArray bytesOf(const QString& path) {
+    QFile file(path);
+    const bool isReadable = QFileInfo(path).isFile() && file.size() <= WebPicture::largestFile;
+    return isReadable && file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 Decoded decoded(const QByteArray& bytes, const QSize& bounds) {
@@ -80,12 +88,25 @@ bool WebPicture::isAllowed(const QUrl& url) {
         (url.scheme() == "https"_L1 || (url.scheme() == "http"_L1 && isLoopback(url)));
 }
 
+bool WebPicture::isRefused() const {
+    return !m_source.isEmpty() && !isAllowed(QUrl(m_source, QUrl::StrictMode));
+}
+
 void WebPicture::setSource(const QString& source) {
     if (source == m_source)
         return;
     m_source = source;
     emit sourceChanged();
     if (isComponentComplete())
+        load();
+}
+
+void WebPicture::setReadsFiles(bool readsFiles) {
+    if (readsFiles == m_readsFiles)
+        return;
+    m_readsFiles = readsFiles;
+    emit readsFilesChanged();
+    if (isComponentComplete() && QUrl(m_source).isLocalFile())
         load();
 }
 
@@ -127,8 +148,15 @@ void WebPicture::load() {
     update();
     if (m_source.isEmpty())
         return setStatus(Empty);
+    const QUrl file(m_source); // may have blanks in its name
+    if (file.isLocalFile() && !m_readsFiles)
+        return setStatus(Failed);
     if (const Decoded* known = memory().object(key()))
         return show(known->image, known->naturalSize);
+    if (file.isLocalFile()) {
+        setStatus(Loading);
+        return decode([path = file.toLocalFile()] { return bytesOf(path); });
+    }
     const QUrl url(m_source, QUrl::StrictMode);
     QQmlEngine* engine = qmlEngine(this);
     if (!isAllowed(url) || !engine)
@@ -156,10 +184,10 @@ void WebPicture::finished(QNetworkReply* reply) {
     if (reply->error() != QNetworkReply::NoError)
         setStatus(Failed);
     else
-        decode(reply->readAll());
+        decode([bytes = reply->readAll()] { return bytes; });
 }
 
-void WebPicture::decode(const QByteArray& bytes) {
+void WebPicture::decode(std::function<QByteArray()> read) {
     const auto promise = std::make_shared<QPromise<Decoded>>();
     const quint64 turn = m_turn;
     promise->future().then(this, [this, turn, name = key()](const Decoded& result) {
@@ -172,11 +200,12 @@ void WebPicture::decode(const QByteArray& bytes) {
         else
             show(result.image, result.naturalSize);
     });
-    QThreadPool::globalInstance()->start([promise, bytes, bounds = QSize(m_longestSide, m_longestSide)] {
-        promise->start();
-        promise->addResult(decoded(bytes, bounds));
-        promise->finish();
-    });
+    QThreadPool::globalInstance()->start(
+        [promise, read = std::move(read), bounds = QSize(m_longestSide, m_longestSide)] {
+            promise->start();
+            promise->addResult(decoded(read(), bounds));
+            promise->finish();
+        });
 }
 
 void WebPicture::show(const QImage& image, const QSize& naturalSize) {

@@ -43,6 +43,13 @@ ThemeColors {
     readonly property int headerHeight: px(48)
     readonly property int rowHeight: px(32)
     readonly property int chipHeight: px(28)
+    readonly property int attachmentHeight: px(34) // of a file in the composer
+    readonly property int attachmentWidth: px(240) // at the most
+    readonly property int sentFileHeight: px(52)
+    readonly property int sentFileWidth: px(280)
+    readonly property int sentImageWidth: px(260) // of one alone
+    readonly property int sentImageHeight: px(180)
+    readonly property int sentTile: px(128) // of one of several
     readonly property int tallRowHeight: px(48) // a title and a line under it
     readonly property int fieldHeight: px(40)
     readonly property int buttonHeight: px(36)

@@ -21,10 +21,17 @@ Item {
         return between(selectionStart, selectionEnd)
     }
     readonly property int length: codeParts.text.length
+    readonly property CodePart caretPart: {
+        const part = Window.activeFocusItem as CodePart
+        return part?.parts === codeParts && part.hasCaret ? part : null
+    }
+    readonly property bool hasCaret: caretPart !== null
+    readonly property int cursorPosition: caretPart ? codeParts.startOf(caretPart.index) + caretPart.cursorPosition : selectionEnd
     readonly property real characterWidth: metrics.advanceWidth("0")
 
     signal caretMoved(real y, real height)
     signal copyWanted(string text)
+    signal caretLeaving(int direction, bool selecting) // over the beginning (-1) or the end (1)
     signal wrapsToggled // for those who want to know it when the block is made again
 
     function between(from: int, to: int): string {
@@ -67,6 +74,20 @@ Item {
 
     function takeCaret(): void {
         nearest()?.takeCaret() // qmllint disable
+    }
+
+    function takeCaretAt(position: int): void {
+        const part = codeParts.partOf(position)
+        column.showPart(part)?.takeCaretAt(position - codeParts.startOf(part)) // qmllint disable
+    }
+
+    // The caret goes over the border of a part; it selects within one only.
+    function step(part: int, direction: int, selecting: bool): void {
+        const next = part + direction
+        if (next < 0 || next >= codeParts.count)
+            caretLeaving(direction, selecting)
+        else if (!selecting)
+            column.showPart(next)?.takeCaretAt(direction > 0 ? 0 : codeParts.lengthOf(next)) // qmllint disable
     }
 
     // The first part that is at hand.
@@ -178,6 +199,7 @@ Item {
                             return
                         event.accepted = true
                     }
+                    onCaretLeaving: (direction, selecting) => view.step(index, direction, selecting)
                     onCaretMoved: (y, height) => {
                         view.revealSideways(cursorRectangle.x)
                         view.caretMoved(column.mapToItem(view, 0, edit.y + y).y, height)

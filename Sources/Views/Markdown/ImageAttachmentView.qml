@@ -16,10 +16,10 @@ Item {
     readonly property string selectedText: selectionEnd > selectionStart ? "![" + alt + "](" + url + ")" : ""
     readonly property int length: 1
 
-    readonly property bool isRefused: !address.mayBeLoaded
-    readonly property bool hasFailed: picture.status === Image.Error
-    readonly property bool isShown: picture.status === Image.Ready
-    readonly property real shrinking: isShown ? Math.min(1, width / picture.implicitWidth, Theme.imageHeight / picture.implicitHeight) : 1
+    readonly property bool isRefused: picture.isRefused || url.length === 0
+    readonly property bool hasFailed: picture.status === WebPicture.Failed && !isRefused
+    readonly property bool isShown: picture.status === WebPicture.Ready
+    readonly property real shrinking: isShown ? Math.min(1, width / picture.naturalSize.width, Theme.imageHeight / picture.naturalSize.height) : 1
 
     signal caretMoved(real y, real height)
     signal copyWanted(string text)
@@ -58,12 +58,7 @@ Item {
             takeFocus()
     }
 
-    function retry(): void {
-        picture.source = ""
-        picture.source = Qt.binding(() => address.url)
-    }
-
-    implicitHeight: isShown ? Math.round(picture.implicitHeight * shrinking)
+    implicitHeight: isShown ? Math.round(picture.naturalSize.height * shrinking)
         : isRefused || hasFailed ? Math.max(Theme.px(56), words.implicitHeight + Theme.gap3 * 2) : Theme.imagePlaceholder
 
     Keys.onPressed: event => {
@@ -72,11 +67,6 @@ Item {
             copyWanted(selectedText || url)
     }
 
-    ImageAddress {
-        id: address
-
-        text: view.url
-    }
     Rectangle {
         id: frame
 
@@ -86,34 +76,32 @@ Item {
         radius: Theme.radiusCard
         visible: !view.isShown
     }
-    Image {
+    WebPicture {
         id: picture
 
-        asynchronous: true
         height: view.height
-        mipmap: true
-        source: address.url
-        // Larger than any window shows it; never the whole of a huge one.
-        sourceSize.height: Theme.imageDecoded
-        sourceSize.width: Theme.imageDecoded
+        longestSide: Theme.imageDecoded
+        radius: Theme.radiusRow
+        source: view.url
         visible: view.isShown
-        width: Math.round(implicitWidth * view.shrinking)
+        width: Math.round(naturalSize.width * view.shrinking)
     }
     BaseButton {
         id: target
 
         height: picture.height
         objectName: "imageTarget"
-        radius: Theme.gap1
+        radius: picture.radius
         text: view.alt.length > 0 ? view.alt : "Изображение"
         visible: view.isShown
         width: picture.width
 
         background: Rectangle {
             color: view.selectionEnd > view.selectionStart ? Theme.selection : target.hovered ? Theme.hover : "transparent"
+            radius: target.radius
         }
 
-        onClicked: view.opened(address.url)
+        onClicked: view.opened(view.url)
 
         HoverHandler {
             cursorShape: Qt.PointingHandCursor
@@ -167,7 +155,7 @@ Item {
             text: "Повторить"
             visible: view.hasFailed
 
-            onClicked: view.retry()
+            onClicked: picture.reload()
         }
     }
     Rectangle {
@@ -178,7 +166,7 @@ Item {
         color: Theme.acc
         height: Theme.gap1 / 2
         radius: height / 2
-        visible: picture.status === Image.Loading && picture.progress > 0
+        visible: picture.status === WebPicture.Loading && picture.progress > 0
         width: (frame.width - Theme.gap4 * 2) * picture.progress
     }
 }

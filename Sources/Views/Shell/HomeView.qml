@@ -21,6 +21,7 @@ FocusScope {
         },
         focusComposer: focusComposer,
         chooseModel: () => conversation.chooseModel(),
+        attach: () => conversation.chooseFiles(0),
         settings: openSettings,
         shortcuts: () => shortcutSheet.open({}),
     })

@@ -19,6 +19,8 @@ const groups = [
         rows: [
             { id: "focusComposer", keys: ["Ctrl+L"], text: "К полю ввода" },
             { id: "chooseModel", keys: ["Ctrl+M"], text: "Выбрать модель" },
+            { id: "attach", keys: ["Ctrl+U"], text: "Прикрепить файлы" },
+            { keys: ["Ctrl+V"], text: "Вставить текст, изображение или файлы" },
             { keys: ["Enter"], text: "Отправить" },
             { keys: ["Shift+Enter"], text: "Новая строка" },
             { keys: ["↑"], text: "Вернуть последний вопрос" },

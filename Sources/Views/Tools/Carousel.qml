@@ -21,7 +21,12 @@ SidewaysScroll {
     }
 
     function move(by: int): bool {
-        const buttons = [...row.children].filter(item => item instanceof BaseButton && item.visible)
+        const buttons = []
+        for (let i = 0; i < row.children.length; ++i) {
+            const button = row.children[i] as BaseButton
+            if (button?.visible)
+                buttons.push(button)
+        }
         const at = buttons.findIndex(item => item.activeFocus)
         if (at < 0 || at + by < 0 || at + by >= buttons.length)
             return false

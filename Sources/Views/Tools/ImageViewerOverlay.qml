@@ -6,7 +6,7 @@ import Korvi.Views // the types written in C++
 T.Popup {
     id: overlay
 
-    required property var images // { url, alt }
+    required property var images // { url, alt }, isOurs for a file of the user's own
     required property int currentIndex
 
     readonly property var current: images[currentIndex] ?? ({ url: "", alt: "" })
@@ -106,6 +106,7 @@ T.Popup {
                 longestSide: 8192
                 height: Math.round(naturalSize.height * area.shownScale)
                 objectName: "viewerPicture"
+                readsFiles: overlay.current.isOurs ?? false
                 source: overlay.current.url
                 width: Math.round(naturalSize.width * area.shownScale)
                 x: Math.round((area.contentWidth - width) / 2)

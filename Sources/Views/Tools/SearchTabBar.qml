@@ -15,8 +15,8 @@ Row {
         const at = tabs.indexOf(current) + by
         if (at < 0 || at >= tabs.length)
             return
-        chosen(tabs[at])
         buttons.itemAt(at).forceActiveFocus(Qt.TabFocusReason)
+        chosen(tabs[at])
     }
 
     Accessible.role: Accessible.PageTabList
@@ -39,7 +39,7 @@ Row {
 
             Accessible.role: Accessible.PageTab
             Accessible.selected: isCurrent
-            focusPolicy: isCurrent ? Qt.TabFocus : Qt.NoFocus
+            focusPolicy: isCurrent || activeFocus ? Qt.TabFocus : Qt.NoFocus // not taken from the one that has it
             horizontalPadding: Theme.gap3
             implicitHeight: Theme.chipHeight
             objectName: modelData + "Tab"

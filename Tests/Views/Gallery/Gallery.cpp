@@ -6,11 +6,13 @@
 #include <QFileInfo>
 #include <QGuiApplication>
 #include <QImage>
+#include <QPainter>
 #include <QQmlComponent>
 #include <QQmlContext>
 #include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickView>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QtPlugin>
 
@@ -24,6 +26,24 @@ namespace {
 constexpr int wide = 808; // the reading column and what is around it
 constexpr int narrow = 520;
 
+// The address of a picture on the disk.
+QString picture() {
+    static const QTemporaryDir folder;
+    QImage image(480, 320, QImage::Format_RGB32);
+    QPainter painter(&image);
+    QLinearGradient sky(0, 0, 0, 320);
+    sky.setColorAt(0, QColor(0x2b, 0x5c, 0x9e));
+    sky.setColorAt(1, QColor(0xf3, 0xb2, 0x7a));
+    painter.fillRect(image.rect(), sky);
+    painter.setBrush(QColor(0xff, 0xe3, 0xa8));
+    painter.drawEllipse(QPoint(330, 190), 50, 50);
+    painter.fillRect(0, 240, 480, 80, QColor(0x23, 0x3b, 0x4d));
+    painter.end();
+    const QString path = folder.filePath(QStringLiteral("picture.png"));
+    image.save(path);
+    return QUrl::fromLocalFile(path).toString();
+}
+
 void draw(const QFileInfo& file, const QString& scheme, int textSize, int width, const QString& folder) {
     Korvi::MarkdownValues values; // outlives what is given them
     QQuickView view;
@@ -35,6 +55,7 @@ void draw(const QFileInfo& file, const QString& scheme, int textSize, int width,
     theme->setProperty("textSize", textSize);
     theme->setProperty("reducedMotion", true);
     view.rootContext()->setContextProperty("markdown", &values);
+    view.rootContext()->setContextProperty("sample", picture());
     view.setColor(theme->property("bg").value<QColor>());
     view.setResizeMode(QQuickView::SizeRootObjectToView);
     view.setSource(QUrl::fromLocalFile(file.filePath()));

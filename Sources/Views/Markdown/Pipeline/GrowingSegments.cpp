@@ -117,11 +117,11 @@ std::vector<BlockPlace> GrowingSegments::findBlocks(QStringView text, qsizetype 
     return old;
 }
 
-void GrowingSegments::addBookmark(Bookmark bookmark) {
+void GrowingSegments::addBookmark(const Bookmark& bookmark) {
     const std::size_t count = bookmarks.size();
     if (count >= 2 && bookmark.from - bookmarks[count - 2].from < bookmarkDistance)
         bookmarks.pop_back();
-    bookmarks.push_back(std::move(bookmark));
+    bookmarks.push_back(bookmark);
 }
 
 std::vector<Piece> GrowingSegments::takePieces(std::size_t firstPlace) {

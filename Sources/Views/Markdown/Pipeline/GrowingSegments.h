@@ -36,7 +36,7 @@ private:
     std::optional<Reused> lengthenTable(QStringView text, const BlockPlace& now, qsizetype kept, Block::Table& table);
     void rememberEnd(QStringView text);
     bool endsInPlainParagraph(QStringView text);
-    void addBookmark(Bookmark bookmark);
+    void addBookmark(const Bookmark& bookmark);
 
     SegmentList segments;
     std::vector<BlockPlace> places;

@@ -28,7 +28,7 @@ public:
     }
 
 private:
-    static constexpr qsizetype longest = 64 * 1024;
+    static constexpr qsizetype longest = 65'536;
     struct Entry {
         QString text;
         Value value;

@@ -54,6 +54,7 @@ Stage::Stage(BundleHandler& bundle, RequestGate& gate, Tell tell, QObject* paren
 }
 
 Stage::~Stage() {
+    m_control.disconnect(this); // it says that the scene changes, to its end
     m_view.reset();
 }
 
