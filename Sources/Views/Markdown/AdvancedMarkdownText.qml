@@ -22,13 +22,13 @@ Item {
     signal enlargeWanted(string code) // of a diagram
 
     // Larger, among the other images of this answer.
-    function showImage(address: url): void {
+    function showImage(address: string): void {
         const images = parts.images()
-        const index = images.findIndex(image => image.url === address.toString()) // qmllint disable
+        const index = images.findIndex(image => image.url === address) // qmllint disable
         if (context && index >= 0)
             context.imagesWanted(images, index)
         else
-            Qt.openUrlExternally(address)
+            Links.open(address)
     }
 
     function selectedText(): string {

@@ -23,7 +23,7 @@ Item {
 
     signal caretMoved(real y, real height)
     signal copyWanted(string text)
-    signal opened(url address)
+    signal opened(string address) // as it stood in the answer
 
     function select(from: int, to: int): void {
         selectionEnd = Math.max(0, Math.min(1, Math.max(from, to)))

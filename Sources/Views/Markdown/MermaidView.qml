@@ -79,7 +79,7 @@ FocusScope {
     }
     onCodeChanged: {
         if (!isOpen)
-            grownHeight = 1 // another diagram
+            grownHeight = raw.visible ? raw.needed : 1 // another diagram
     }
     onIsOpenChanged: {
         if (isOpen)
