@@ -62,7 +62,7 @@ Item {
         : isRefused || hasFailed ? Math.max(Theme.px(56), words.implicitHeight + Theme.gap3 * 2) : Theme.imagePlaceholder
 
     Keys.onPressed: event => {
-        event.accepted = event.matches(StandardKey.Copy)
+        event.accepted = event.matches(StandardKey.Copy) && !persistentSelection
         if (event.accepted)
             copyWanted(selectedText || url)
     }
