@@ -1,6 +1,7 @@
 // The parsers and folds behind tools and uploads, each by itself.
 #include "Chat/AnswerContent.h"
 #include "Chat/Frames.h"
+#include "Core/Confinement.h"
 #include "Core/Json.h"
 #include "Http/MultipartParser.h"
 #include "Tools/ArgumentStream.h"
@@ -232,6 +233,21 @@ TEST(Typesetter, LetsNoDocumentReachBeyondItsFolder) {
         if (hostile.find("input") != std::string::npos) {
             EXPECT_NE(result.error, "") << hostile;
         }
+    }
+    // Ways that the engines' own settings leave open.
+    const auto program = [](const std::string& code) {
+        return typeset(
+            "\\documentclass{article}% fontspec\n\\begin{document}\\directlua{" + code + "}x\\end{document}");
+    };
+    program("pcall(function() io.open('" + trace.string() + "', 'w'):write('x') end)");
+    EXPECT_FALSE(std::filesystem::exists(trace));
+    if (Confinement::isAvailable()) {
+        EXPECT_TRUE(!findProgram("lualatex") || program("tex.print(1)").error.empty()) << "it works as such";
+        EXPECT_NE(program("if io.open('" + secret.string() + "') == nil then error('closed') end").error, "");
+        const auto embedded = typeset("\\documentclass{article}\\pdfcompresslevel=0\\begin{document}x"
+                                      "\\immediate\\pdfobj stream file {" +
+            secret.string() + "}\\pdfrefobj\\pdflastobj\\end{document}");
+        EXPECT_EQ(embedded.pdf.find("secret"), std::string::npos);
     }
     EXPECT_NE(typeset("\\def\\a{\\a}\\a", std::chrono::seconds(1)).error, "");
     EXPECT_NE(typeset("\\def\\a{x\\a\\a}\\setbox0\\hbox{\\a}", std::chrono::seconds(5)).error, "");
