@@ -5,6 +5,7 @@
 #include "Core/Json.h"
 #include "Http/MultipartParser.h"
 #include "Tools/ArgumentStream.h"
+#include "Tools/TextFile.h"
 #include "Tools/ToolCall.h"
 #include "Tools/Typesetter.h"
 
@@ -192,6 +193,19 @@ TEST(AnswerContent, TakesNoLongerForBracketsThatStayOpen) {
     // With quadratic time the test's limit would find it.
     EXPECT_EQ(contentOf({text(open)}, AnswerState::done)[0]["text"], open);
     EXPECT_EQ(contentOf({text(cited)}, AnswerState::done).back()["results"].size(), 60'000U);
+}
+
+TEST(TextFile, IsReadInTheEncodingThatItIsIn) {
+    using namespace std::string_literals;
+    for (const auto& [bytes, text] : std::vector<std::pair<std::string, std::string>>{{"Привет, мир", "Привет, мир"},
+             {"\xEF\xBB\xBFПривет", "Привет"}, {"\xFF\xFE\x1F\x04\x40\x04!\0"s, "Пр!"},
+             {"\xFE\xFF\x04\x1F\x04\x40\xD8"s, "Пр"}, {"\xCF\xF0\xE8\xE2\xE5\xF2, 5\x98\xB9", "Привет, 5\xEF\xBF\xBD№"},
+             {"Привет, \xFF!", "Привет, \xFF!"}, {"обрыв: \xD0", "обрыв: \xD0"}, {"", ""}})
+        EXPECT_EQ(textOfFile(bytes), text);
+    std::string large;
+    for (int i = 0; i < 10'000; ++i)
+        large += "\xE0\xE1\xE2 ";
+    EXPECT_EQ(textOfFile(large).size(), 70'000U);
 }
 
 Typeset typeset(const std::string& source, std::chrono::seconds time = std::chrono::seconds(30)) {
