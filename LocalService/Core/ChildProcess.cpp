@@ -110,6 +110,7 @@ void bound(__rlimit_resource_t what, std::uint64_t value) {
 
 std::vector<char*> pointers(std::vector<std::string>& texts) {
     std::vector<char*> result;
+    result.reserve(texts.size() + 1);
     for (auto& text : texts)
         result.push_back(text.data());
     result.push_back(nullptr);
