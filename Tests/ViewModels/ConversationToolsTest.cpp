@@ -225,6 +225,29 @@ TEST_F(ConversationToolsTest, AnEndClearsWhatIsLeftAndCollectsTheSources) {
     EXPECT_EQ(http.requests().count(u"GET /chats/7/messages"_s), 1) << "the video may have come after all";
 }
 
+TEST_F(ConversationToolsTest, WhatAPlaceholderHasDividedIsSeenAsItIsStored) {
+    begin(7);
+    const auto stored = messagesJson(7, {u"вопрос"_s, u"До и после."_s});
+    chunk(u"До"_s);
+    toolStart(u"searchWeb"_s); // tells of no end
+    chunk(u" и после."_s);
+    toolStart(u"searchWeb"_s);
+    toolEnd(u"searchWeb"_s, {{"results", QJsonArray()}});
+    http.answer(u"/chats/7/messages"_s, stored);
+    end();
+    virtualTime.runPosted();
+    EXPECT_EQ(blocks(), u"\"До и после.\""_s);
+
+    // Of an artifact that has been stopped before its text began nothing is stored.
+    ask(u"ещё"_s);
+    toolStart(u"artifact"_s);
+    toolArgs(u"artifact"_s, {{"id", "a"}, {"kind", "html"}, {"title", "Имя"}});
+    virtualTime.advance(80ms);
+    chat->stopGeneration();
+    EXPECT_EQ(blocks(), u"\"\""_s);
+    EXPECT_EQ(cached(7).size(), 4);
+}
+
 // Attachments
 
 TEST_F(ConversationToolsTest, AQuestionWaitsForItsFilesAndLeavesWithThem) {

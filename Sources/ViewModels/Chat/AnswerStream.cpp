@@ -45,6 +45,11 @@ bool AnswerStream::stop() {
     ToolEvents::rest(generation->tools);
     generation->imageWatchdog.cancel();
     generation->endWatchdog.cancel();
+    m_messages.change(*generation, [generation](ChatMessage& answer) {
+        const bool wasAtWork = MessageComposition::removePlaceholders(answer);
+        generation->lacksHistory = generation->lacksHistory || MessageComposition::hasSplitText(answer);
+        return wasAtWork;
+    });
     if (generation->isWaiting()) {
         giveBack(*generation);
     } else if (generation->chatId > 0) {
@@ -340,7 +345,8 @@ std::optional<AnswerStream::Ending> AnswerStream::end() {
         m_messages.change(*generation, [generation](ChatMessage& answer) {
             // A tool that never came to its end: the service may know of it.
             const bool wasAtWork = MessageComposition::removePlaceholders(answer);
-            generation->lacksHistory = generation->lacksHistory || wasAtWork;
+            generation->lacksHistory =
+                generation->lacksHistory || wasAtWork || MessageComposition::hasSplitText(answer);
             const bool isCleaned = answer.content && cleanInlineCitations(*answer.content);
             return wasAtWork || isCleaned;
         });
@@ -359,7 +365,8 @@ std::optional<AnswerStream::Ending> AnswerStream::fail(std::optional<qint64> cha
     // What says that a tool is at work stays until the stored answer has been seen.
     if (ChatMessage answer; !messagesOf(*generation).empty()) {
         answer = messagesOf(*generation).back();
-        generation->lacksHistory = MessageComposition::removePlaceholders(answer) || generation->lacksHistory;
+        generation->lacksHistory = MessageComposition::removePlaceholders(answer) ||
+            MessageComposition::hasSplitText(answer) || generation->lacksHistory;
     }
     if (generation->isHeard() || !generation->hasLeft())
         return finish(generation);

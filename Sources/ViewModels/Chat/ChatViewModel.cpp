@@ -372,8 +372,6 @@ void ChatViewModel::stopGeneration() {
         qCInfo(lcChat) << "🛑 [ChatViewModel] stopGeneration: not generating or no active chat";
         return;
     }
-    if (const auto row = MessageComposition::rowOfLastAnswer(m_messages.messages()))
-        m_messages.update(*row, MessageComposition::removePlaceholders);
     if (m_activeChat)
         m_dependencies.cache.cacheMessages(m_messages.messages(), m_activeChat->id);
 }

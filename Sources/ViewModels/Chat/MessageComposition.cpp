@@ -1,6 +1,5 @@
 #include "Chat/MessageComposition.h"
 
-#include "Chat/ArtifactDraft.h"
 #include "Clock.h"
 
 #include <QHash>
@@ -208,8 +207,21 @@ bool removePlaceholders(ChatMessage& message) {
     return std::erase_if(*message.content, [](const MessageContent& block) {
         const auto* artifact = block.as<Artifact>();
         return block.as<MessageContent::Generating>() || block.as<MessageContent::SearchInProgress>() ||
-            (artifact && ArtifactDraft::isPlaceholder(*artifact) && artifact->text.isEmpty());
+            (artifact && artifact->text.isEmpty());
     }) > 0;
+}
+
+bool hasSplitText(const ChatMessage& message) {
+    bool isBehindText = false;
+    for (const MessageContent& block : message.content.value_or(std::vector<MessageContent>())) {
+        const auto* text = block.as<Text>();
+        if (text && text->text.isEmpty())
+            continue;
+        if (text && isBehindText)
+            return true;
+        isBehindText = text != nullptr;
+    }
+    return false;
 }
 
 std::optional<std::ptrdiff_t> rowOfQuestion(const std::vector<ChatMessage>& messages, const QString& text) {

@@ -46,6 +46,10 @@ QString joinedThinking(const ChatMessage& message);
 // Takes away what says that a tool is at work, an artifact of which nothing has come included. Whether anything did.
 bool removePlaceholders(ChatMessage& message);
 
+// Whether text stands in two blocks side by side: it came while a placeholder stood in between, or is what a tool said of
+// its failure. A service that knows of no placeholders may have stored it as one.
+bool hasSplitText(const ChatMessage& message);
+
 // The last row with that question, if its answer is behind it.
 std::optional<std::ptrdiff_t> rowOfQuestion(const std::vector<ChatMessage>& messages, const QString& text);
 
