@@ -100,6 +100,11 @@ bool isAnswer(const ChatMessage& message) {
     return message.role == ChatMessage::Role::ai || message.role == ChatMessage::Role::assistant;
 }
 
+std::optional<int> rowOfLastAnswer(const std::vector<ChatMessage>& messages) {
+    const auto answer = std::find_if(messages.rbegin(), messages.rend(), isAnswer);
+    return answer == messages.rend() ? std::nullopt : std::optional(static_cast<int>(messages.rend() - answer) - 1);
+}
+
 std::vector<MessageContent> contentOf(const QString& text, const std::optional<QString>& editImageUrl,
     const std::vector<ChatFileAttachment>& attachments) {
     const auto isImage = [](const ChatFileAttachment& each) { return each.category == FileTypeCategory::image; };

@@ -14,6 +14,7 @@ class Random;
 namespace MessageComposition {
 
 bool isAnswer(const ChatMessage& message); // of any of the two roles that answers have
+std::optional<int> rowOfLastAnswer(const std::vector<ChatMessage>& messages);
 
 struct Turn {
     ChatMessage question;

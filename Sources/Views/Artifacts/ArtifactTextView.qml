@@ -51,6 +51,11 @@ Flickable {
 
         name: area.kindName
     }
+    AnswerViewers {
+        id: viewers
+
+        onCopyWanted: text => area.copyWanted(text)
+    }
     ListModel {
         id: one
 
@@ -105,6 +110,7 @@ Flickable {
             text: area.text
 
             onCopyWanted: text => area.copyWanted(text)
+            onDiagramWanted: code => viewers.showDiagram(code)
         }
         // qmllint enable unqualified
     }
@@ -116,6 +122,7 @@ Flickable {
             code: area.text
 
             onCopyWanted: text => area.copyWanted(text)
+            onEnlargeWanted: code => viewers.showDiagram(code)
         }
         // qmllint enable unqualified
     }
