@@ -208,12 +208,14 @@ TEST_F(ConversationToolsTest, ALongArtifactGrowsInStepsAndIsSeenGrowing) {
     EXPECT_TRUE(chat->artifacts()->text().endsWith(u"строка 999\n"_s));
     EXPECT_TRUE(chat->artifacts()->isGenerating());
     EXPECT_EQ(chat->artifacts()->kindLabel(), u"Markdown"_s);
+    EXPECT_EQ(chat->artifacts()->shownArtifactId(), u"a1"_s);
     toolEnd(u"artifact"_s, {{"id", "a1"}, {"version", 1}});
     end();
     EXPECT_FALSE(chat->artifacts()->isGenerating());
     EXPECT_EQ(chat->artifacts()->title(), u"Отчёт"_s);
     chat->createChat();
     EXPECT_FALSE(chat->artifacts()->isOpen());
+    EXPECT_EQ(chat->artifacts()->shownArtifactId(), QString());
 }
 
 TEST_F(ConversationToolsTest, AnEndClearsWhatIsLeftAndCollectsTheSources) {
