@@ -13,8 +13,8 @@ FocusScope {
     readonly property bool isBuffering: player.mediaStatus === MediaPlayer.LoadingMedia
         || player.mediaStatus === MediaPlayer.StalledMedia
     readonly property bool isPlaying: player.playbackState === MediaPlayer.PlayingState
-    // Milliseconds; 0 until it is known.
-    readonly property real duration: player.duration // qmllint disable
+    // Milliseconds; 0 until it is known. The player does not always tell when it gets to know it.
+    readonly property real duration: player.mediaStatus !== MediaPlayer.NoMedia ? player.duration : 0 // qmllint disable
     readonly property real position: player.position // qmllint disable
     property string errorMessage // empty without one
 
@@ -39,11 +39,12 @@ FocusScope {
     }
 
     function seek(milliseconds: real): void {
-        player.position = Math.max(0, Math.min(duration, position + milliseconds))
+        player.position = Math.max(0, Math.min(duration || Infinity, position + milliseconds))
     }
 
     Accessible.name: "Видео"
     Accessible.role: Accessible.Grouping
+    objectName: "videoPlayer"
 
     Component.onCompleted: startStreaming()
     Keys.onLeftPressed: seek(-5000)
