@@ -44,23 +44,29 @@ public:
         return json(std::move(blocks_));
     }
 
+    bool endsWithText() {
+        const json* const block = openText();
+        return block && !block->at("text").get_ref<const std::string&>().empty();
+    }
+
 private:
-    void takeText(const std::string& text) {
+    /// The block in which text that comes now goes on; null if it gets one of its own.
+    json* openText() {
         const auto search =
             std::find_if(blocks_.rbegin(), blocks_.rend(), [](const json& block) { return is(block, "search"); });
-        if (search != blocks_.rend()) {
-            // Text behind search results belongs behind them.
-            const auto behind =
-                std::find_if(search.base(), blocks_.end(), [](const json& block) { return is(block, "text"); });
-            if (behind != blocks_.end())
-                textOf(*behind) += text;
-            else
-                blocks_.push_back(textBlock(text));
-        } else if (is(blocks_.back(), "text")) {
-            textOf(blocks_.back()) += text;
-        } else {
+        if (search == blocks_.rend())
+            return is(blocks_.back(), "text") ? &blocks_.back() : nullptr;
+        // Text behind search results belongs behind them.
+        const auto behind =
+            std::find_if(search.base(), blocks_.end(), [](const json& block) { return is(block, "text"); });
+        return behind == blocks_.end() ? nullptr : &*behind;
+    }
+
+    void takeText(const std::string& text) {
+        if (json* const block = openText())
+            textOf(*block) += text;
+        else
             blocks_.push_back(textBlock(text));
-        }
     }
 
     void takeThinking(const std::string& text) {
@@ -246,6 +252,13 @@ void gatherCitations(json& blocks) {
 
 std::string imageMarkdown(const std::string& address) {
     return "\n\n![image](" + address + ")";
+}
+
+bool endsWithText(const std::vector<Piece>& pieces) {
+    Fold fold;
+    for (const Piece& piece : pieces)
+        fold.take(piece);
+    return fold.endsWithText();
 }
 
 json contentOf(const std::vector<Piece>& pieces, AnswerState state) {

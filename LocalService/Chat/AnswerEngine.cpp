@@ -254,7 +254,7 @@ void AnswerEngine::receive(long long messageId, ProviderEvent event) {
 void AnswerEngine::append(Running& running, PieceKind kind, std::string text) {
     // A NUL would end the text for half of those who read it.
     std::erase(text, '\0');
-    if (kind == PieceKind::text && !text.empty() && std::exchange(running.endsWithPicture, false) && text[0] != '\n')
+    if (kind == PieceKind::text && !text.empty() && std::exchange(running.nextIsParagraph, false) && text[0] != '\n')
         text.insert(0, "\n\n");
     running.size += text.size();
     keepPieces(running, running.cutter.add(kind, text));
@@ -279,17 +279,17 @@ void AnswerEngine::append(Running& running, ProviderTool tool) {
             tool.data["version"] = store_.addArtifact(answer.chatId,
                 {tool.data.value("id", ""), 0, tool.data.value("title", ""), tool.data.value("kind", ""),
                     tool.data.value("text", "")});
-        // The picture joins the text, where the next piece must not be taken for a part of it.
-        if (const auto url = tool.tool == "generateImage" ? stringAt(tool.data, "imageUrl") : std::nullopt) {
+        // The picture joins the text.
+        if (const auto url = tool.tool == "generateImage" ? stringAt(tool.data, "imageUrl") : std::nullopt)
             running.cutter.addShown(imageMarkdown(files_.publishedText(*url)));
-            running.endsWithPicture = true;
-        }
         frame = frames::toolEnd(tool.tool, tool.data);
         break;
     }
     running.size += frame.size();
     pieces.push_back({PieceKind::tool, std::move(frame)});
     keepPieces(running, std::move(pieces));
+    if (tool.phase == Phase::end)
+        running.nextIsParagraph = endsWithText(answer.pieces);
 }
 
 void AnswerEngine::keepPieces(Running& running, std::vector<Piece> pieces) {

@@ -49,8 +49,8 @@ private:
         PieceCutter cutter;
         std::unique_ptr<ProviderStream> stream;
         std::size_t size = 0;
-        /// The text ends with a tool's picture, which stands in a line of its own.
-        bool endsWithPicture = false;
+        /// A tool has ended, and what is said next goes on in the text before it: as a paragraph of its own.
+        bool nextIsParagraph = false;
     };
     struct Session {
         std::string userId;

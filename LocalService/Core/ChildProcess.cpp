@@ -1,5 +1,7 @@
 #include "Core/ChildProcess.h"
 
+#include "Core/Confinement.h"
+
 #include <algorithm>
 #include <array>
 #include <boost/asio/posix/stream_descriptor.hpp>
@@ -84,14 +86,15 @@ void bound(__rlimit_resource_t what, std::uint64_t value) {
 
 /// Between fork and exec nothing but system calls: the other thread may have held any lock.
 [[noreturn]] void becomeChild(const char* program, char* const* argv, char* const* envp, const char* folder,
-    const char* output, const ChildCommand& command) {
+    const char* output, const ChildCommand& command, const Confinement& confinement) {
     ::setpgid(0, 0);
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);
     ::unshare(CLONE_NEWUSER | CLONE_NEWNET);
     const int in = ::open("/dev/null", O_RDWR);
     const int out = *output ? ::open(output, O_WRONLY | O_CREAT | O_TRUNC, 0600) : in;
-    if (in < 0 || out < 0 || ::dup2(in, 0) < 0 || ::dup2(out, 1) < 0 || ::dup2(out, 2) < 0 || ::chdir(folder) != 0)
+    if (in < 0 || out < 0 || ::dup2(in, 0) < 0 || ::dup2(out, 1) < 0 || ::dup2(out, 2) < 0 || ::chdir(folder) != 0 ||
+        !confinement.enter())
         ::_exit(127);
     ::syscall(SYS_close_range, 3U, ~0U, 0U);
     bound(RLIMIT_CPU, static_cast<std::uint64_t>(command.time.count()));
@@ -107,6 +110,7 @@ void bound(__rlimit_resource_t what, std::uint64_t value) {
 
 std::vector<char*> pointers(std::vector<std::string>& texts) {
     std::vector<char*> result;
+    result.reserve(texts.size() + 1);
     for (auto& text : texts)
         result.push_back(text.data());
     result.push_back(nullptr);
@@ -125,9 +129,14 @@ std::shared_ptr<void> runChild(asio::io_context& io, const ChildCommand& command
     const std::string program = command.program.string();
     const std::string folder = command.folder.string();
     const std::string output = command.output.string();
+    Confinement confinement;
+    confinement.allowWriting(command.folder);
+    confinement.allowReading(command.program);
+    for (const auto& path : command.readable)
+        confinement.allowReading(path);
     child->pid = ::fork();
     if (child->pid == 0)
-        becomeChild(program.c_str(), argv.data(), envp.data(), folder.c_str(), output.c_str(), command);
+        becomeChild(program.c_str(), argv.data(), envp.data(), folder.c_str(), output.c_str(), command, confinement);
     if (child->pid > 0)
         ::setpgid(child->pid, child->pid);
     const int descriptor =

@@ -19,7 +19,10 @@ struct ChildCommand {
     std::vector<std::string> arguments;
     /// The whole environment, "NAME=value".
     std::vector<std::string> environment;
+    /// Where it runs; it may write there.
     std::filesystem::path folder;
+    /// What it may read besides programs, libraries and their data.
+    std::vector<std::filesystem::path> readable;
     /// What the program says on either stream; empty: nobody hears it.
     std::filesystem::path output;
     std::chrono::seconds time{30};
@@ -30,7 +33,8 @@ struct ChildCommand {
 enum class ChildEnd { succeeded, failed, timedOut, notStarted };
 
 /// Runs a program on outside input: bounded in time, memory and size of files, without descriptors of ours and, where the
-/// system allows it, without a network. It is killed with its group when the handle goes; `onEnd` is not called then.
+/// system allows it, without a network and without sight of anybody's files (Confinement). It is killed with its group
+/// when the handle goes; `onEnd` is not called then.
 std::shared_ptr<void> runChild(asio::io_context& io, const ChildCommand& command, std::function<void(ChildEnd)> onEnd);
 
 /// An absolute path to the program of that name on PATH.

@@ -156,7 +156,7 @@ bool MultipartParser::passDelimiter() {
 
 bool MultipartParser::passHeader() {
     const auto end = pending_.find("\r\n\r\n");
-    if (end == std::string::npos || end > maximumHeader) {
+    if (end > maximumHeader) { // or not there
         if (pending_.size() > maximumHeader)
             state_ = State::failed;
         return false;

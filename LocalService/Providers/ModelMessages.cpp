@@ -2,6 +2,7 @@
 
 #include "Core/Json.h"
 #include "Core/Text.h"
+#include "Tools/TextFile.h"
 
 #include <algorithm>
 #include <optional>
@@ -179,7 +180,8 @@ void AttachmentReader::read(const std::string& address) {
         pictureBytes_ += bytes.size();
         read_[address].dataUrl = "data:" + picture + ";base64," + toBase64(bytes);
     } else if (type.kind == FileKind::text) {
-        keepText(address, files_.read(*file, textOfOne + 1));
+        // Twice: two bytes of another encoding may be one of ours.
+        keepText(address, textOfFile(files_.read(*file, 2 * (textOfOne + 1))));
     } else if (type.mime == "application/pdf" && pdfText_.isAvailable() && textBytes_ < textInAll &&
         pdfs_++ < mostPdfs) {
         reading_ = pdfText_.read(

@@ -50,8 +50,7 @@ void OpenAiRound::fail(const std::string& message) {
     if (std::exchange(concluded_, true))
         return;
     const auto tell = handlers_.onFailed;
-    const std::string text = message;
-    tell(text, refusesTools());
+    tell(message, refusesTools());
 }
 
 void OpenAiRound::receive(const std::string& bytes) {

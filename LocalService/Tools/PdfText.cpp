@@ -18,6 +18,7 @@ std::shared_ptr<void> PdfText::read(
     command.arguments = {"-q", "-enc", "UTF-8", "-nopgbrk", "-l", "200", pdf.string(), "text"};
     command.environment = {"LC_ALL=C.UTF-8", "HOME=" + folder->path().string()};
     command.folder = folder->path();
+    command.readable = {pdf};
     command.time = std::chrono::seconds(20);
     return runChild(io_, command, [folder, limit, onEnd = std::move(onEnd)](ChildEnd end) {
         std::string text(end == ChildEnd::succeeded ? limit : 0, '\0');

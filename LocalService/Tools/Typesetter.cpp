@@ -1,5 +1,6 @@
 #include "Tools/Typesetter.h"
 
+#include "Core/Confinement.h"
 #include "Core/Json.h"
 #include "Core/Text.h"
 
@@ -58,6 +59,16 @@ std::string contentOf(const std::filesystem::path& file, std::size_t limit) {
     return {std::istreambuf_iterator<char>(stream), {}};
 }
 
+/// The folder that an installation of TeX lies in with all it needs; empty if that is not to be seen.
+std::filesystem::path treeOf(const std::filesystem::path& program) {
+    std::error_code error;
+    for (auto folder = std::filesystem::canonical(program, error).parent_path(); folder.has_relative_path();
+         folder = folder.parent_path())
+        if (std::filesystem::is_directory(folder / "texmf-dist", error))
+            return folder;
+    return {};
+}
+
 /// The first complaint in the engine's log.
 std::string complaintIn(const std::string& log) {
     const auto at = log.starts_with("!") ? 0 : log.find("\n!");
@@ -105,6 +116,7 @@ struct Typesetter::Run : std::enable_shared_from_this<Run> {
             "HOME=" + home, "TEXMFHOME=" + home, "TEXMFVAR=" + home, "TEXMFCONFIG=" + home, "TMPDIR=" + home,
             "openin_any=p", "openout_any=p", "shell_escape=f", "max_print_line=1000", "LC_ALL=C.UTF-8"};
         command.folder = folder.path();
+        command.readable = {engine.tree};
         command.time = time;
         // A pass must not keep the handle alive that owns it.
         child = runChild(io, command, [weak = weak_from_this()](ChildEnd end) {
@@ -142,9 +154,13 @@ struct Typesetter::Run : std::enable_shared_from_this<Run> {
 Typesetter::Typesetter(asio::io_context& io, std::chrono::seconds time)
     : io_(io)
     , time_(time) {
-    for (const char* name : {"pdflatex", "xelatex", "lualatex"})
+    for (const std::string name : {"pdflatex", "xelatex", "lualatex"}) {
+        // Its documents are programs.
+        if (name == "lualatex" && !Confinement::isAvailable())
+            continue;
         if (const auto program = findProgram(name))
-            engines_.push_back({name, *program});
+            engines_.push_back({name, *program, treeOf(*program)});
+    }
 }
 
 const Typesetter::Engine& Typesetter::engineFor(const std::string& source) const {

@@ -20,7 +20,8 @@ struct Typeset {
 };
 
 /// Makes PDFs of LaTeX with whatever engine is installed. What it is given may be hostile: the engine runs without shell
-/// escape, may read and write its own folder only, and is bounded in time and memory.
+/// escape, may read and write its own folder only, and is bounded in time and memory. Where the kernel cannot confine it,
+/// only its own settings do, and an engine that has a language to program in is not used.
 class Typesetter {
 public:
     /// `time` for one pass; a document may take three.
@@ -34,6 +35,7 @@ private:
     struct Engine {
         std::string name;
         std::filesystem::path program;
+        std::filesystem::path tree;
     };
     struct Run;
     const Engine& engineFor(const std::string& source) const;

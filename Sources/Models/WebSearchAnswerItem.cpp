@@ -1,6 +1,7 @@
 #include "WebSearchAnswerItem.h"
 
 #include <QRegularExpression>
+#include <QSet>
 #include <QUrl>
 
 #include <algorithm>
@@ -31,13 +32,14 @@ WebSearchAnswerItem::WebSearchAnswerItem(QString itemText, std::optional<std::ve
     // Every citation ends with a bracket: behind the last one there is none, and looking for it would be slow.
     const qsizetype end = text.lastIndexOf(u')') + 1;
     QString cited = text.first(end);
+    QSet<QString> urls;
     for (auto it = citation.globalMatch(cited); it.hasNext();) {
         const QRegularExpressionMatch found = it.next();
         const QString url = found.captured(2);
-        const bool known = std::any_of(citationSources.begin(), citationSources.end(),
-            [&](const CitationSource& source) { return source.url == url; });
-        if (!known)
-            citationSources.push_back({.index = found.captured(1).toInt(), .url = url, .domain = domainOf(url)});
+        if (urls.contains(url))
+            continue;
+        urls.insert(url);
+        citationSources.push_back({.index = found.captured(1).toInt(), .url = url, .domain = domainOf(url)});
     }
     std::stable_sort(citationSources.begin(), citationSources.end(),
         [](const CitationSource& a, const CitationSource& b) { return a.index < b.index; });

@@ -2,10 +2,14 @@
 #include "Markdown/FormulaEngine.h"
 #include "WaitFor.h"
 
+#include <QColor>
+#include <QImage>
+#include <QKeyEvent>
 #include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickWindow>
+#include <QTemporaryDir>
 
 #include <gmock/gmock.h>
 
@@ -128,7 +132,11 @@ TEST_F(FormulaViewsTest, WhatCannotBeDrawnIsShownAsItsSource) {
     EXPECT_EQ(part(view, "formulaSource")->property("text"), u"$$x$$"_s);
     view = show("MermaidView { code: 'flowchart TD'; width: 500 }");
     EXPECT_TRUE(waitFor([&] { return part(view, "diagramSource")->isVisible(); }));
-    EXPECT_GT(view->implicitHeight(), 20);
+    const qreal height = view->implicitHeight();
+    EXPECT_GT(height, 20);
+    view->setProperty("showsSource", true); // as after some time
+    view->setProperty("code", u"flowchart LR"_s);
+    EXPECT_EQ(view->implicitHeight(), height);
 
     // One that does not understand it.
     engine.serve(scenes);
@@ -152,6 +160,61 @@ TEST_F(FormulaViewsTest, ADiagramGrowsAndNeverShrinks) {
     EXPECT_EQ(view->property("selectedText"), u""_s);
     QMetaObject::invokeMethod(view, "selectAll");
     EXPECT_EQ(view->property("selectedText"), u"```mermaid\nflowchart TD\n A --> B --> C\n```"_s);
+}
+
+TEST_F(FormulaViewsTest, ADiagramIsShownLargerOverTheWholeWindowAndSharp) {
+    engine.serve(scenes);
+    QQuickItem* page = show(R"(Item {
+        property string copied
+        width: 600; height: 600
+        AdvancedMarkdownText {
+            id: answer
+            objectName: 'answer'
+            width: 500
+            text: '```mermaid\nflowchart TD\n A --> B --> C\n```'
+            onDiagramWanted: code => viewers.showDiagram(code)
+        }
+        AnswerViewers { id: viewers; onCopyWanted: text => parent.copied = text }
+    })");
+    auto* diagram = part(page, "diagramDrawing")->parentItem()->parentItem();
+    ASSERT_TRUE(isReady(diagram));
+    const auto press = [&](Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+        QKeyEvent down(QEvent::KeyPress, key, modifiers);
+        QCoreApplication::sendEvent(window.get(), &down);
+    };
+    window->requestActivate();
+    ASSERT_TRUE(waitFor([&] { return window->isActive(); }));
+    QMetaObject::invokeMethod(diagram, "takeFocus");
+    ASSERT_EQ(window->activeFocusItem(), diagram);
+    press(Qt::Key_Return);
+    QQuickItem* large = nullptr;
+    ASSERT_TRUE(waitFor([&] {
+        large = window->findChild<QQuickItem*>(u"viewerDiagram"_s);
+        return large && large->property("isReady").toBool();
+    }));
+    settle();
+    EXPECT_GT(large->width(), part(page, "diagramDrawing")->width());
+    EXPECT_LE(large->height(), 600);
+
+    press(Qt::Key_Plus);
+    press(Qt::Key_Plus);
+    press(Qt::Key_Plus);
+    const qreal pixels = large->implicitWidth() * large->property("magnification").toReal();
+    EXPECT_GE(pixels, large->width());
+    const QTemporaryDir folder;
+    const QUrl file = QUrl::fromLocalFile(folder.filePath(u"diagram.png"_s));
+    EXPECT_TRUE(waitFor([&] {
+        bool isSaved = false;
+        QMetaObject::invokeMethod(
+            large, "savePng", Q_RETURN_ARG(bool, isSaved), Q_ARG(QUrl, file), Q_ARG(QColor, Qt::white));
+        return isSaved && QImage(file.toLocalFile()).width() >= static_cast<int>(pixels);
+    }));
+    EXPECT_EQ(QImage(file.toLocalFile()).pixelColor(0, 0), QColor(Qt::white));
+
+    press(Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(page->property("copied"), u"flowchart TD\n A --> B --> C"_s);
+    press(Qt::Key_Escape);
+    EXPECT_TRUE(waitFor([&] { return !window->findChild<QQuickItem*>(u"viewerDiagram"_s); }));
 }
 
 }

@@ -205,6 +205,17 @@ TEST_F(RendererTest, HostileInputDrawsAsTextOrNotAtAll) {
         const QJsonObject drawn = diagram(code);
         EXPECT_TRUE(drawn.contains("png"_L1) || drawn.contains("error"_L1)) << qPrintable(code);
     }
+    // Each in a page of its own as well, which can be looked into.
+    const auto expectQuiet = [&](const QString& html, const QString& what) {
+        ShownPage page(renderer, u"quiet.html"_s, html);
+        EXPECT_GT(page.height(), 0) << qPrintable(what);
+        EXPECT_EQ(page.value(u"document.title"_s), u""_s) << qPrintable(what);
+        EXPECT_FALSE(page.value(u"window.ran"_s).isValid()) << qPrintable(what);
+    };
+    for (const QString& tex : formulas)
+        expectQuiet(LaTeXWebView::generateLaTeXHTML(tex, true), tex);
+    for (const QString& code : codes)
+        expectQuiet(MermaidWebView::generateMermaidHTML(code, false), code);
     settle();
     EXPECT_EQ(listener.connections, 0);
     // And the pages still work, with nothing run in them.

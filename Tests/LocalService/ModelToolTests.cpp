@@ -290,6 +290,7 @@ TEST(ModelTool, ThatIsStoppedInTheMiddleIsDropped) {
     talk.client->send(createFrame("Нарисуй"));
     const long long chat = talk.client->receive()["data"]["id"];
     EXPECT_EQ(talk.client->receive()["event"], "tool_start");
+    talk.model.waitForRequests(2);
     talk.client->send({{"event", "abort"}, {"data", {{"chatId", chat}}}});
     EXPECT_EQ(talk.client->receiveAnswer().back()["event"], "end");
     EXPECT_EQ(talk.messages(chat)[1]["content"], json::array());

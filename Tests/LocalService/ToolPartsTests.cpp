@@ -1,9 +1,11 @@
 // The parsers and folds behind tools and uploads, each by itself.
 #include "Chat/AnswerContent.h"
 #include "Chat/Frames.h"
+#include "Core/Confinement.h"
 #include "Core/Json.h"
 #include "Http/MultipartParser.h"
 #include "Tools/ArgumentStream.h"
+#include "Tools/TextFile.h"
 #include "Tools/ToolCall.h"
 #include "Tools/Typesetter.h"
 
@@ -193,6 +195,19 @@ TEST(AnswerContent, TakesNoLongerForBracketsThatStayOpen) {
     EXPECT_EQ(contentOf({text(cited)}, AnswerState::done).back()["results"].size(), 60'000U);
 }
 
+TEST(TextFile, IsReadInTheEncodingThatItIsIn) {
+    using namespace std::string_literals;
+    for (const auto& [bytes, text] : std::vector<std::pair<std::string, std::string>>{{"Привет, мир", "Привет, мир"},
+             {"\xEF\xBB\xBFПривет", "Привет"}, {"\xFF\xFE\x1F\x04\x40\x04!\0"s, "Пр!"},
+             {"\xFE\xFF\x04\x1F\x04\x40\xD8"s, "Пр"}, {"\xCF\xF0\xE8\xE2\xE5\xF2, 5\x98\xB9", "Привет, 5\xEF\xBF\xBD№"},
+             {"Привет, \xFF!", "Привет, \xFF!"}, {"обрыв: \xD0", "обрыв: \xD0"}, {"", ""}})
+        EXPECT_EQ(textOfFile(bytes), text);
+    std::string large;
+    for (int i = 0; i < 10'000; ++i)
+        large += "\xE0\xE1\xE2 ";
+    EXPECT_EQ(textOfFile(large).size(), 70'000U);
+}
+
 Typeset typeset(const std::string& source, std::chrono::seconds time = std::chrono::seconds(30)) {
     asio::io_context io;
     Typesetter typesetter(io, time);
@@ -232,6 +247,21 @@ TEST(Typesetter, LetsNoDocumentReachBeyondItsFolder) {
         if (hostile.find("input") != std::string::npos) {
             EXPECT_NE(result.error, "") << hostile;
         }
+    }
+    // Ways that the engines' own settings leave open.
+    const auto program = [](const std::string& code) {
+        return typeset(
+            "\\documentclass{article}% fontspec\n\\begin{document}\\directlua{" + code + "}x\\end{document}");
+    };
+    program("pcall(function() io.open('" + trace.string() + "', 'w'):write('x') end)");
+    EXPECT_FALSE(std::filesystem::exists(trace));
+    if (Confinement::isAvailable()) {
+        EXPECT_TRUE(!findProgram("lualatex") || program("tex.print(1)").error.empty()) << "it works as such";
+        EXPECT_NE(program("if io.open('" + secret.string() + "') == nil then error('closed') end").error, "");
+        const auto embedded = typeset("\\documentclass{article}\\pdfcompresslevel=0\\begin{document}x"
+                                      "\\immediate\\pdfobj stream file {" +
+            secret.string() + "}\\pdfrefobj\\pdflastobj\\end{document}");
+        EXPECT_EQ(embedded.pdf.find("secret"), std::string::npos);
     }
     EXPECT_NE(typeset("\\def\\a{\\a}\\a", std::chrono::seconds(1)).error, "");
     EXPECT_NE(typeset("\\def\\a{x\\a\\a}\\setbox0\\hbox{\\a}", std::chrono::seconds(5)).error, "");

@@ -180,6 +180,7 @@ TEST_F(ToolTest, SeveralInOneAnswerStandInTheirOrder) {
         types.push_back(block["type"]);
     EXPECT_THAT(types, testing::ElementsAre("text", "search", "text", "artifact", "file_url"))
         << "what is said behind results goes on in the first text there";
+    EXPECT_THAT(blocks[2]["text"], HasSubstr("рядом с разговором.\n\nГотово.")) << "as a paragraph of its own";
     EXPECT_EQ(frames.back(), json::parse(R"({"event":"end","data":{}})"));
 }
 

@@ -183,6 +183,12 @@ TEST_F(AttachmentsTest, AreCopiedWhereOnlyTheUserCanReadThem) {
     ASSERT_EQ(::stat(files.intakePath().toUtf8().constData(), &status), 0);
     EXPECT_EQ(status.st_mode & 0777U, 0700U);
 
+    const QUrl longName = files.makeFile(QString(120, u'я') + u".txt"_s, "text");
+    const Running<std::optional<AttachmentIntake::Taken>> longest([&] { return files.intake.takeFile(longName); });
+    EXPECT_TRUE(files.intake.owns(longest.value()->localURL)) << "a name that is as long as names may be";
+    EXPECT_EQ(longest.value()->filename, longName.fileName());
+    files.intake.discard(longest.value()->localURL);
+
     const Running<std::optional<AttachmentIntake::Taken>> data(
         [&] { return files.intake.takeImageData("bytes", u"image/jpeg"_s); });
     EXPECT_TRUE(data.value()->localURL.fileName().endsWith(u".jpg"_s));

@@ -2,11 +2,10 @@
 
 #include "FakeHttp.h"
 #include "FakeSocket.h"
+#include "SimulatedAnswer.h"
 #include "VirtualScheduler.h"
 
-#include <QJsonArray>
 #include <QJsonDocument>
-#include <QJsonObject>
 
 #include <deque>
 #include <map>
@@ -14,17 +13,19 @@
 namespace Korvi::Test {
 
 // The service as one session meets it, one step at a time: answers are written side by side and delivered one after
-// the other; what was not confirmed is sent again on the next connection, text from its beginning, reasoning piece by
-// piece; an answer that is being written is not yet among the messages of its chat; one that ended more than 120
-// seconds ago is no longer repeated. A line can lose what is on it before it breaks.
+// the other; what was not confirmed is sent again on the next connection, text and what tools told from the beginning,
+// reasoning piece by piece; an answer that is being written is not yet among the messages of its chat; one that ended
+// more than 120 seconds ago is no longer repeated. A line can lose what is on it before it breaks.
 class SimulatedService {
 public:
     struct Message {
         bool isUser = false;
-        QString text;
-        QString thinking;
-
-        bool operator==(const Message&) const = default;
+        QJsonArray content;
+        SimulatedPieces pieces = {}; // of an answer
+    };
+    struct Script {
+        SimulatedPieces pieces;
+        bool fails = false; // it ends with an error
     };
 
     SimulatedService(FakeHttp& http, FakeWebSocketTransport& sockets, VirtualScheduler& virtualTime)
@@ -32,7 +33,7 @@ public:
         , m_sockets(sockets)
         , m_time(virtualTime) {}
 
-    std::function<std::vector<std::pair<bool, QString>>()> script; // the pieces of the next answer; true: reasoning
+    std::function<Script()> script; // of the next answer
 
     const std::map<int, std::vector<Message>>& chats() const { return m_chats; }
     bool isIdle() const { return m_outbox.empty(); }
@@ -83,7 +84,7 @@ public:
         if (answer.written < answer.pieces.size())
             ++answer.written;
         else
-            endAnswer(answer);
+            endAnswer(answer, false);
         return true;
     }
     bool deliver() {
@@ -147,7 +148,8 @@ private:
         int chat = 0;
         bool createsChat = false;
         std::size_t message = 0; // index of the question in its chat
-        std::vector<std::pair<bool, QString>> pieces;
+        SimulatedPieces pieces;
+        bool fails = false;
         std::size_t written = 0;
         std::size_t confirmed = 0;
         bool isCreateConfirmed = false;
@@ -172,7 +174,7 @@ private:
         if (event == QLatin1String("abort")) {
             for (Answer& answer : m_outbox) {
                 if (answer.chat == chat && !answer.hasEnded)
-                    endAnswer(answer);
+                    endAnswer(answer, true);
             }
             return;
         }
@@ -182,19 +184,20 @@ private:
             chat = ++m_lastChat;
         answer.chat = chat;
         answer.message = m_chats[chat].size();
-        answer.pieces = script();
-        const QString text = data["content"].toArray().first().toObject()["text"].toString();
-        m_chats[chat].push_back({true, text, {}});
+        Script next = script();
+        answer.pieces = std::move(next.pieces);
+        answer.fails = next.fails;
+        m_chats[chat].push_back({true, data["content"].toArray()});
         m_outbox.push_back(std::move(answer));
     }
 
-    void endAnswer(Answer& answer) {
+    void endAnswer(Answer& answer, bool isAborted) {
         answer.pieces.resize(answer.written);
         answer.hasEnded = true;
+        answer.fails = answer.fails && !isAborted;
         answer.endedAt = m_time.elapsed();
-        Message message;
-        for (const auto& [isThinking, text] : answer.pieces)
-            (isThinking ? message.thinking : message.text) += text;
+        const bool isComplete = !answer.fails && !isAborted;
+        const Message message{false, SimulatedContent::of(answer.pieces, answer.written, isComplete), answer.pieces};
         auto& messages = m_chats[answer.chat];
         messages.insert(messages.begin() + static_cast<std::ptrdiff_t>(answer.message) + 1, message);
         for (Answer& other : m_outbox) {
@@ -224,7 +227,8 @@ private:
                 return frame("create", chatJson(answer.chat));
             }
             while (m_cursor.piece < answer.written) {
-                const auto& [isThinking, text] = answer.pieces[m_cursor.piece];
+                const SimulatedPiece& piece = answer.pieces[m_cursor.piece];
+                const bool isThinking = piece.kind == SimulatedPiece::Kind::thinking;
                 if (isThinking) {
                     if (m_cursor.piece < answer.confirmed) {
                         ++m_cursor.piece;
@@ -235,11 +239,15 @@ private:
                     m_cursor.lastThinking = m_cursor.piece;
                 }
                 ++m_cursor.piece;
-                return frame(isThinking ? "thinking" : "chunk", {{"content", text}});
+                if (piece.kind == SimulatedPiece::Kind::tool)
+                    return piece.frame;
+                return frame(isThinking ? "thinking" : "chunk", {{"content", piece.text}});
             }
             if (!answer.hasEnded)
                 return std::nullopt;
             m_cursor.isAtEnd = true;
+            if (answer.fails)
+                return frame("error", {{"message", "Не вышло."}, {"chatId", answer.chat}});
             return frame("end", {});
         }
         return std::nullopt;
@@ -270,12 +278,8 @@ private:
     }
 
     static QJsonObject messageJson(int chat, int index, const Message& message) {
-        QJsonArray content;
-        if (!message.thinking.isEmpty())
-            content.append(QJsonObject{{"type", "thinking"}, {"text", message.thinking}});
-        content.append(QJsonObject{{"type", "text"}, {"text", message.text}});
         return {{"id", chat * 10000 + index}, {"createdAt", "c"}, {"chatId", chat},
-            {"role", message.isUser ? "user" : "ai"}, {"usageTokens", 0}, {"content", content}};
+            {"role", message.isUser ? "user" : "ai"}, {"usageTokens", 0}, {"content", message.content}};
     }
 
     FakeHttp& m_http;

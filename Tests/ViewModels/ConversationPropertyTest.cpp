@@ -1,5 +1,5 @@
-// Whatever happens to the line, to the client and to the chats on the screen: every question stands once at the service,
-// and every chat reads as the service has stored it.
+// Whatever happens to the line, to the client and to the chats on the screen, and whatever tools tell meanwhile: every
+// question stands once at the service, and every chat is seen as the service has stored it.
 #include "Backend.h"
 #include "Backend/UsersService.h"
 #include "Cache/DataCacheManager.h"
@@ -87,23 +87,44 @@ public:
         return false;
     }
 
+    struct Seen {
+        bool isUser = false;
+        QString content;
+    };
     // What of it is on the screen or in the cache.
-    std::vector<SimulatedService::Message> read(int chatId) {
+    std::vector<Seen> read(int chatId) {
         const bool isOpen = client->chat.activeChatId() == chatId;
         const auto messages = isOpen ? client->chat.messages()->messages()
                                      : cache.getCachedMessages(chatId).value_or(std::vector<ChatMessage>());
-        std::vector<SimulatedService::Message> result;
-        for (const ChatMessage& message : messages) {
-            SimulatedService::Message read{message.role == ChatMessage::Role::user, {}, {}};
-            for (const MessageContent& block : message.content.value_or(std::vector<MessageContent>())) {
-                if (const auto* text = block.as<MessageContent::Text>())
-                    read.text += text->text;
-                if (const auto* thinking = block.as<MessageContent::Thinking>())
-                    read.thinking += thinking->text;
-            }
-            result.push_back(read);
-        }
+        std::vector<Seen> result;
+        for (const ChatMessage& message : messages)
+            result.push_back({message.role == ChatMessage::Role::user,
+                told(message.content.value_or(std::vector<MessageContent>()))});
         return result;
+    }
+    // All blocks that say anything.
+    static QString told(const std::vector<MessageContent>& content) {
+        QStringList blocks;
+        for (const MessageContent& block : content) {
+            const auto* text = block.as<MessageContent::Text>();
+            if (!text || !text->text.isEmpty())
+                blocks.append(QString::fromUtf8(QJsonDocument(block.toJson()).toJson(QJsonDocument::Compact)));
+        }
+        return blocks.join(u'\n');
+    }
+    static QString told(const QJsonArray& stored) {
+        std::vector<MessageContent> content;
+        for (const QJsonValue block : stored)
+            content.push_back(MessageContent::fromJson(JsonReader(block.toObject())));
+        return told(content);
+    }
+    // What was stopped shows what had come until then.
+    static bool isBeginning(const QString& shown, const SimulatedPieces& pieces) {
+        for (std::size_t count = 0; count <= pieces.size(); ++count) {
+            if (shown == told(SimulatedContent::of(pieces, count, false)))
+                return true;
+        }
+        return false;
     }
 
     std::mt19937 chance; // NOLINT: repeatable
@@ -132,22 +153,38 @@ public:
     std::unique_ptr<Client> client;
 
 private:
-    std::vector<std::pair<bool, QString>> newAnswer() {
-        std::vector<std::pair<bool, QString>> pieces;
-        // Many begin alike, in their reasoning or in their text.
+    static SimulatedPiece says(const QString& text) { return {SimulatedPiece::Kind::text, text, {}}; }
+    static SimulatedPiece thinks(const QString& text) { return {SimulatedPiece::Kind::thinking, text, {}}; }
+    SimulatedPiece newText() {
+        const bool cites = chance() % 8 == 0;
+        const QString source = cites ? u"[[%1]](https://s%1.example/x)"_s.arg(1 + chance() % 3) : QString();
+        return says(u"<кусок номер %1%2> "_s.arg(++m_pieces, 4, 10, QChar(u'0')).arg(source));
+    }
+    SimulatedService::Script newAnswer() {
+        SimulatedPieces pieces;
+        // Many begin alike, in their reasoning, in their text or with the same tool.
         const bool thinksAlike = chance() % 4 == 0;
         const auto alike = chance() % 4 == 0 ? 1 + chance() % 2 : 0;
         if (thinksAlike)
-            pieces.emplace_back(true, u"<пользователь спрашивает> "_s);
+            pieces.push_back(thinks(u"<пользователь спрашивает> "_s));
         const auto thoughts = chance() % 3;
         for (auto i = 0U; i < thoughts; ++i)
-            pieces.emplace_back(true, u"<мысль номер %1> "_s.arg(++m_pieces, 4, 10, QChar(u'0')));
+            pieces.push_back(thinks(u"<мысль номер %1> "_s.arg(++m_pieces, 4, 10, QChar(u'0'))));
         for (auto i = 0U; i < alike; ++i)
-            pieces.emplace_back(false, u"<начало %1 хорошего ответа> "_s.arg(i));
+            pieces.push_back(says(u"<начало %1 хорошего ответа> "_s.arg(i)));
         const auto texts = (alike > 0 ? 0 : 1) + chance() % 6;
-        for (auto i = 0U; i < texts; ++i)
-            pieces.emplace_back(false, u"<кусок номер %1> "_s.arg(++m_pieces, 4, 10, QChar(u'0')));
-        return pieces;
+        const bool usesTools = chance() % 3 == 0;
+        for (auto i = 0U; i < texts; ++i) {
+            if (usesTools && chance() % 3 != 0) {
+                for (SimulatedPiece& piece : m_tools.run())
+                    pieces.push_back(std::move(piece));
+            }
+            if (!usesTools || chance() % 4 != 0)
+                pieces.push_back(newText());
+        }
+        if (usesTools && chance() % 4 == 0)
+            pieces.push_back(says(u"> "_s)); // too short to be told from what was said
+        return {std::move(pieces), chance() % 12 == 0};
     }
     void startClient() {
         client = std::make_unique<Client>(*this);
@@ -233,6 +270,7 @@ private:
     bool serve() { return service.serve(); }
     bool respond() { return service.respond(); }
 
+    SimulatedTools m_tools{chance};
     int m_pieces = 0;
 };
 
@@ -257,7 +295,7 @@ void play(unsigned seed) {
     QString asked = world.client->chat.currentInput();
     for (const auto& [id, messages] : world.service.chats()) {
         for (const auto& message : messages)
-            asked += message.isUser ? message.text : QString();
+            asked += message.isUser ? message.content.first()[u"text"_s].toString() : QString();
     }
     for (int question = 1; question <= world.questions; ++question)
         ASSERT_EQ(asked.count(u"[вопрос %1]"_s.arg(question)), 1) << told() << " lost or doubled: " << question;
@@ -269,12 +307,10 @@ void play(unsigned seed) {
         ASSERT_EQ(shown.size(), stored.size()) << told() << " chat " << id;
         for (std::size_t i = 0; i < stored.size(); ++i) {
             ASSERT_EQ(shown[i].isUser, stored[i].isUser) << told() << " chat " << id << " message " << i;
-            // What was stopped shows what had come until then.
-            const bool isShort = world.stops > 0 && !stored[i].isUser;
-            if (isShort && stored[i].text.startsWith(shown[i].text) && stored[i].thinking.startsWith(shown[i].thinking))
+            const QString whole = World::told(stored[i].content);
+            if (world.stops > 0 && shown[i].content != whole && World::isBeginning(shown[i].content, stored[i].pieces))
                 continue;
-            ASSERT_EQ(shown[i].text, stored[i].text) << told() << " chat " << id << " message " << i;
-            ASSERT_EQ(shown[i].thinking, stored[i].thinking) << told() << " chat " << id << " message " << i;
+            ASSERT_EQ(shown[i].content, whole) << told() << " chat " << id << " message " << i;
         }
     }
 }

@@ -82,9 +82,18 @@ TEST(FileNamesTest, AreOnesThatAFolderCanHold) {
              Case{QString(), u"файл"_s},
          })
         EXPECT_EQ(safeFileName(one.from, u"файл"_s), one.to);
-    const QString longName = safeFileName(QString(500, u'я') + u".pdf"_s, u"файл"_s);
-    EXPECT_LE(longName.toUtf8().size(), 255);
-    EXPECT_TRUE(longName.endsWith(u".pdf"_s));
+    const QTemporaryDir place;
+    for (const QString& letter : {u"я"_s, u"漢"_s, u"😀"_s, u"a"_s}) {
+        const QString longName = safeFileName(letter.repeated(500) + u".pdf"_s, u"файл"_s);
+        EXPECT_TRUE(longName.endsWith(letter + u".pdf"_s)) << longName.toStdString();
+        for (int i = 0; i < 3; ++i) {
+            QFile file(freePath(place.path(), longName));
+            EXPECT_TRUE(file.open(QIODevice::WriteOnly)) << file.fileName().toStdString();
+        }
+    }
+    EXPECT_EQ(safeFileName(QString(1'000'000, u'.') + u'x' + QString(1'000'000, u' '), u"файл"_s), u"x"_s);
+    QFile(place.filePath(u"100%1 %3.txt"_s)).open(QIODevice::WriteOnly);
+    EXPECT_EQ(freePath(place.path(), u"100%1 %3.txt"_s), place.filePath(u"100%1 %3 (2).txt"_s));
     EXPECT_EQ(fileSize(812), u"812\u00a0Б"_s);
     EXPECT_EQ(fileSize(1'234'567), u"1,2\u00a0МБ"_s);
 }

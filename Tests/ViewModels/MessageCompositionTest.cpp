@@ -106,6 +106,26 @@ TEST(MessageComposition, FilesThatTheServiceLeavesOutStay) {
     EXPECT_TRUE(MessageComposition::mergeFileAttachments({}, server) == server);
 }
 
+TEST(MessageComposition, WhatNeverCameToTheServiceStaysWithItsMessage) {
+    const Content lostImage{Content::Image{u"file:///tmp/a.png"_s}};
+    const Content lostFile{Content::File{u"file:///tmp/b.txt"_s, u"b.txt"_s, u"text/plain"_s}};
+    const Content image{Content::Image{u"https://files.example/b.png"_s}};
+    const std::vector<ChatMessage> local{
+        message(Role::user, {lostImage, file(u"a.txt"_s), lostFile, text(u"a"_s)}),
+        message(Role::ai, {}),
+        message(Role::user, {image, text(u"b"_s)}),
+    };
+    const std::vector<ChatMessage> server{
+        message(Role::user, {image, file(u"a.txt"_s), text(u"a"_s)}),
+        message(Role::ai, {}),
+        message(Role::user, {text(u"b"_s)}),
+    };
+    std::vector<ChatMessage> expected = server;
+    expected[0].content = {lostImage, image, file(u"a.txt"_s), text(u"a"_s), lostFile};
+    EXPECT_TRUE(MessageComposition::mergeFileAttachments(local, server) == expected);
+    EXPECT_TRUE(MessageComposition::mergeFileAttachments(expected, server) == expected) << "once more changes nothing";
+}
+
 TEST(MessageComposition, OnlyWhatSaysThatAToolIsAtWorkIsTakenAway) {
     ChatMessage answer = message(Role::ai,
         {text(u"a"_s), {Content::Generating{u"image"_s}}, {Content::SearchInProgress{u"q"_s}}, text(u"b"_s),

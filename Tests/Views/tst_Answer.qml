@@ -38,6 +38,7 @@ Item {
             failOnWarning(/./)
             answer.isStreaming = false
             answer.deselect()
+            answer.kept = {}
             answer.text = ""
             answer.text = text
             wait(0)
@@ -88,6 +89,78 @@ Item {
             wait(0)
             compare(answer.selectedText(), "")
             compare(part(1).selectedText, "")
+        }
+
+        function test_dragThatBeginsInATableGoesOn() {
+            const table = part(3)
+            const y = (item, at) => item.mapToItem(root, 0, at).y
+            mousePress(root, 60, y(table, 4))
+            mouseMove(root, 60, y(table, table.height - 6), 0, Qt.LeftButton)
+            wait(0)
+            compare(answer.selectedText().trim(), "А\tБ\n1\t2")
+            mouseMove(root, 60, y(part(4), 10), 0, Qt.LeftButton)
+            mouseMove(root, 300, y(part(4), 10), 0, Qt.LeftButton)
+            wait(0)
+            verify(answer.selectedText().endsWith("А\tБ\n1\t2\n\n• раз"), answer.selectedText())
+            // Up again, over where it began.
+            mouseMove(root, 60, y(part(1), part(1).height / 2), 0, Qt.LeftButton)
+            mouseMove(root, 5, y(part(1), part(1).height / 2), 0, Qt.LeftButton)
+            wait(0)
+            mouseRelease(root, 5, y(part(1), part(1).height / 2))
+            verify(answer.selectedText().endsWith("Между ними $x^2$ и слово."), answer.selectedText())
+            copied.clear()
+            keySequence("Ctrl+C")
+            compare(copied.count, 1)
+            compare(copied.signalArguments[0][0], answer.selectedText())
+        }
+
+        function test_buttonsCopyTheirPartWhateverIsSelected() {
+            answer.selectAll()
+            for (const [name, text] of [["copyCodeButton", "a = 1\nb = 2"], ["copyTableButton", "А\tБ\n1\t2"]]) {
+                copied.clear()
+                mouseClick(findChild(answer, name))
+                compare(copied.count, 1)
+                compare(copied.signalArguments[0][0].trim(), text)
+            }
+        }
+
+        function test_whatIsThereCanBeCopiedByItself() {
+            const at = (item, x, y) => answer.sourceAt(item.x + x, item.y + y)
+            const words = part(2)
+            compare(at(part(0), 5, 5), null)
+            compare(at(part(1), 50, 50), { kind: "code", text: "a = 1\nb = 2" })
+            compare(at(part(3), 50, 20).kind, "table")
+            const formula = findChild(words, "formulaSource")
+            const place = formula.mapToItem(answer, formula.width / 2, formula.height / 2)
+            compare(answer.sourceAt(place.x, place.y), { kind: "formula", text: "x^2" })
+            compare(at(words, 3, 5), null)
+            part(3).takeCaret()
+            compare(answer.focusedSource().kind, "table")
+        }
+
+        function test_partsThatAreMadeAgainAreAsTheyWereLeft() {
+            const wide = "```\n" + "длинная строка ".repeat(30) + "\n```\n\n" + "|" + "Длинноеслово|".repeat(20) + "\n"
+                + "|-".repeat(20) + "|\n\n```\n" + "другая строка ".repeat(30) + "\n```"
+            const area = item => {
+                const found = findChild(item, "sidewaysArea")
+                verify(found)
+                return found
+            }
+            answer.text = wide
+            wait(0)
+            area(part(0)).contentX = 120
+            area(part(1)).contentX = 70
+            findChild(part(2), "wrapButton").clicked()
+            const height = part(2).height
+            answer.text = ""
+            wait(0)
+            answer.text = wide
+            wait(0)
+            compare(area(part(0)).contentX, 120)
+            compare(area(part(1)).contentX, 70)
+            verify(!part(0).wraps)
+            verify(part(2).wraps)
+            compare(part(2).height, height)
         }
 
         function test_keyboardSelectsOverTheBorders() {

@@ -255,6 +255,26 @@ Item {
             compare(deletion.signalArguments[0][0], messages.get(last).messageId)
         }
 
+        function test_menuOffersWhatItWasOpenedOn() {
+            messages.clear()
+            add(true, "Вопрос")
+            add(false, "Слова.\n\n```\nкод\n```\n\n|А|Б|\n|-|-|\n|1|2|")
+            list.column.forceLayout()
+            const column = findChild(list.column.itemAt(1), "answerText")
+            const texts = [["text", undefined], ["code", "Копировать код"], ["table", "Копировать таблицу"]]
+            for (let part = 0; part < texts.length; ++part) {
+                const item = column.itemAt(part)
+                mouseClick(item, 20, item.height - 8, Qt.RightButton)
+                const menu = findChild(list, "messageMenu")
+                tryVerify(() => menu.opened)
+                compare(offered().find(text => text === texts[part][1]), texts[part][1])
+                compare(findChild(menu.contentItem, "copySourceItem").visible, texts[part][1] !== undefined)
+                verify(!findChild(menu.contentItem, "enlargeItem").visible)
+                menu.close()
+                tryVerify(() => !menu.visible)
+            }
+        }
+
         function test_keyboardGoesToTheNextMessageAfterADeletion() {
             list.deletionWanted.connect(remove)
             list.focusRow(4)

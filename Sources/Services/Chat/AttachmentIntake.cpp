@@ -1,6 +1,7 @@
 #include "Chat/AttachmentIntake.h"
 
 #include "Clock.h"
+#include "Media/FileNames.h"
 #include "SupportedFileTypes.h"
 #include "Workers.h"
 
@@ -51,7 +52,8 @@ Task<std::optional<Taken>> AttachmentIntake::takeFile(QUrl file) {
     const QString path = file.toLocalFile();
     if (path.isEmpty())
         co_return std::nullopt;
-    const QString copy = newPath({}, u'-' + QFileInfo(path).fileName());
+    const QString copy =
+        newPath({}, u'-' + safeFileName(QFileInfo(path).fileName(), u"file"_s)); // there is room for both
     const auto copyFile = [path, copy, folder = m_folder]() -> std::optional<Taken> {
         const QFileInfo info(path);
         if (!info.isFile() || !info.isReadable()) // a pipe or a device would keep the worker waiting

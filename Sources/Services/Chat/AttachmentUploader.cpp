@@ -101,8 +101,14 @@ Task<QString> AttachmentUploader::uploadFile(
         if (total > 0)
             onProgress(static_cast<double>(sent) / static_cast<double>(total));
     };
-    const QByteArray answer = co_await m_client.upload(form, contentType, report);
-    co_return urlIn(answer);
+    try {
+        const QByteArray answer = co_await m_client.upload(form, contentType, report);
+        co_return urlIn(answer);
+    } catch (const APIError& error) {
+        if (const auto* refusal = error.asServerError())
+            qCWarning(lcUploads) << "❌ [ChatViewModel] File upload failed with status:" << refusal->status;
+        throw;
+    }
 }
 
 Task<AttachmentUploader::Uploaded> AttachmentUploader::uploadAttachments(

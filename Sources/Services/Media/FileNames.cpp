@@ -12,7 +12,7 @@ using namespace Qt::Literals;
 
 namespace {
 
-constexpr qsizetype longestName = 120; // characters; file systems allow 255 bytes, a Cyrillic letter takes two
+constexpr qsizetype longestName = 200; // bytes; file systems allow 255, and a number or a prefix may be added
 
 // In lower case.
 constexpr QStringView starters[] = {u"appimage", u"apk", u"bat", u"bin", u"cmd", u"com", u"deb", u"desktop", u"elf",
@@ -57,6 +57,18 @@ constexpr std::array types{
     TypeRow{u"application/zip", u"Архив ZIP"},
 };
 
+// Whole characters, as many as have room.
+QString firstBytes(const QString& text, qsizetype count) {
+    QByteArray bytes = text.toUtf8();
+    if (bytes.size() <= count)
+        return text;
+    const auto isInside = [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; };
+    while (count > 0 && isInside(bytes.at(count)))
+        --count;
+    bytes.truncate(count);
+    return QString::fromUtf8(bytes);
+}
+
 QString extensionOf(const QString& name) {
     const qsizetype dot = name.lastIndexOf(u'.');
     const QString extension = dot > 0 ? name.mid(dot + 1) : QString();
@@ -75,15 +87,12 @@ QString safeFileName(const QString& name, const QString& fallback) {
         safe += character == u'/' || character == u'\\' || character == u':' ? u'_' : character;
     }
     safe = safe.simplified();
-    while (safe.startsWith(u'.') || safe.startsWith(u' '))
-        safe.remove(0, 1);
-    while (safe.endsWith(u'.') || safe.endsWith(u' '))
-        safe.chop(1);
-    if (safe.size() > longestName) {
-        const QString extension = extensionOf(safe);
-        safe = extension.isEmpty() ? safe.left(longestName)
-                                   : safe.left(longestName - extension.size() - 1) + u'.' + extension;
-    }
+    const auto isEdge = [](QChar character) { return character == u'.' || character == u' '; };
+    safe.truncate(std::find_if_not(safe.crbegin(), safe.crend(), isEdge).base() - safe.cbegin());
+    safe.remove(0, std::find_if_not(safe.cbegin(), safe.cend(), isEdge) - safe.cbegin());
+    const QString extension = extensionOf(safe);
+    const QString end = extension.isEmpty() ? QString() : u'.' + extension;
+    safe = firstBytes(safe.chopped(end.size()), longestName - end.toUtf8().size()) + end;
     return safe.isEmpty() ? fallback : safe;
 }
 
@@ -92,7 +101,7 @@ QString freePath(const QString& folder, const QString& name) {
     const QString extension = extensionOf(name);
     const QString base = extension.isEmpty() ? name : name.chopped(extension.size() + 1);
     for (int number = 2; QFileInfo::exists(path); ++number) {
-        path = u"%1/%2 (%3)"_s.arg(folder, base).arg(number);
+        path = u"%1/%2 (%3)"_s.arg(folder, base, QString::number(number)); // at once: a name may hold "%1"
         if (!extension.isEmpty())
             path += u'.' + extension;
     }

@@ -32,6 +32,7 @@ class TaskNotificationManager : public QObject {
 public:
     static constexpr auto pendingTaskKey = "com.korvihub.pendingTask";
     static constexpr auto permissionRequestedKey = "com.korvihub.notificationPermissionRequested";
+    static constexpr auto bgTaskIdentifier = "com.korvihub.app.generationCheck"; // nothing is registered under it
     // What took less than that is not worth a word to one who looked away for a moment.
     static constexpr auto worthTelling = std::chrono::seconds(20);
 

@@ -4,7 +4,6 @@
 #include "Chat/ChatService.h"
 #include "Chat/InlineCitations.h"
 #include "Chat/MessageComposition.h"
-#include "Chat/MessageListModel.h"
 #include "Clock.h"
 
 #include <QLoggingCategory>
@@ -13,22 +12,11 @@ namespace Korvi {
 
 Q_LOGGING_CATEGORY(lcStream, "korvi.chat.stream", QtInfoMsg)
 
-namespace {
-
-void forgo(Generation& generation) {
-    if (!generation.isWaiting())
-        generation.stage = Generation::Stage::heard;
-    generation.isForgotten = true;
-    generation.isOpen = false;
-    generation.parked.clear();
-}
-
-}
-
 AnswerStream::AnswerStream(Dependencies dependencies, MessageListModel& shown, QObject* parent)
     : QObject(parent)
     , m_dependencies(dependencies)
-    , m_shown(shown)
+    , m_messages(m_generations, shown)
+    , m_outbox(dependencies.chatService, m_generations, [this] { saveJournal(); })
     , m_journal(dependencies.defaults, dependencies.cache)
     , m_expected(dependencies.defaults, dependencies.cache)
     , m_silence({dependencies.chatService, dependencies.scheduler}, m_generations, *this) {}
@@ -39,7 +27,7 @@ quint64 AnswerStream::begin(Question question, Files files) {
     generation.askedAt = m_dependencies.clock.now();
     generation.chatId = question.chatId;
     generation.question = std::move(question);
-    generation.timesAsked = MessageComposition::timesAsked(m_shown.messages(), generation.question.text);
+    generation.timesAsked = MessageComposition::timesAsked(m_messages.shown(), generation.question.text);
     const Generation* before = m_generations.open();
     generation.joins = generation.chatId < 0 && before && before->chatId < 0;
     emit touched(generation.chatId);
@@ -48,59 +36,12 @@ quint64 AnswerStream::begin(Question question, Files files) {
     return serial;
 }
 
-// In their order, and none past one of which it is not known whether it arrived: the answers come in the order of the
-// questions, and could not be told apart.
-void AnswerStream::submitNext() {
-    std::erase_if(m_generations.all(), [](const Generation& generation) {
-        return generation.isWaiting() && generation.state != Generation::State::running;
-    });
-    for (Generation& generation : m_generations.all()) {
-        if (generation.isDoubtful())
-            return;
-        if (!generation.isWaiting())
-            continue;
-        if (generation.joins || generation.isHeld)
-            return;
-        if (!m_dependencies.chatService.isConnected())
-            return m_dependencies.chatService.connect();
-        submit(generation);
-    }
-}
-
-// What was asked in a chat that had no number yet: it has one, or has none to come and is begun anew.
-void AnswerStream::joinFollowers(qint64 chatId) {
-    for (Generation& generation : m_generations.all()) {
-        if (generation.chatId >= 0)
-            continue;
-        if (!generation.joins)
-            return;
-        generation.joins = false;
-        if (chatId < 0)
-            return;
-        generation.chatId = chatId;
-        generation.question.chatId = chatId;
-    }
-}
-
-void AnswerStream::submit(Generation& generation) {
-    ChatService& service = m_dependencies.chatService;
-    generation.stage = Generation::Stage::sent;
-    saveJournal(); // written down before it goes out
-    const Question& question = generation.question;
-    if (question.chatId < 0)
-        service.createChat(question.model, question.text, question.imageUrls, question.files, question.projectId);
-    else
-        service.sendMessage(question.chatId, question.text, question.imageUrls, question.files);
-}
-
 bool AnswerStream::stop() {
     Generation* generation = m_generations.open();
     if (!generation || generation->state != Generation::State::running)
         return false;
     flush();
-    generation->textPieces.clear();
-    generation->thinkingPieces.clear();
-    generation->hasArtifactPieces = false;
+    generation->pieces.clear();
     ToolEvents::rest(generation->tools);
     generation->imageWatchdog.cancel();
     generation->endWatchdog.cancel();
@@ -118,11 +59,7 @@ bool AnswerStream::stop() {
 
 void AnswerStream::park() {
     flush();
-    Generation* newest = m_generations.open();
-    if (newest && newest->state != Generation::State::stopped)
-        newest->parked = m_shown.messages();
-    for (Generation& generation : m_generations.all())
-        generation.isOpen = false;
+    m_messages.park();
     settled();
 }
 
@@ -131,8 +68,7 @@ bool AnswerStream::unpark(qint64 chatId) {
     if (!generation)
         return false;
     flush();
-    m_shown.reset(std::exchange(generation->parked, {}));
-    generation->isOpen = true;
+    m_messages.unpark(*generation);
     settled();
     return true;
 }
@@ -143,22 +79,13 @@ void AnswerStream::noteMissingHistory(qint64 chatId) {
 }
 
 void AnswerStream::forget(qint64 chatId) {
-    for (Generation& generation : m_generations.all()) {
-        if (generation.chatId != chatId)
-            continue;
-        generation.state = Generation::State::stopped;
-        forgo(generation);
-    }
+    m_generations.forgo(chatId);
     m_expected.forget(chatId);
     settled();
 }
 
 void AnswerStream::dropAll() {
-    for (Generation& generation : m_generations.all()) {
-        if (generation.state == Generation::State::running)
-            generation.state = generation.chatId > 0 ? Generation::State::stopped : Generation::State::stopRequested;
-        forgo(generation);
-    }
+    m_generations.forgoAll();
     m_expected.clear();
     settled();
 }
@@ -194,7 +121,7 @@ void AnswerStream::reset() {
     m_isGenerating = false;
     m_flushTimer.cancel();
     m_guardTimer.cancel();
-    m_shown.setStreaming(false);
+    m_messages.setStreaming(false);
     emit generatingChatsChanged({});
     emit changed();
 }
@@ -218,7 +145,7 @@ AnswerStream::Owner AnswerStream::created(qint64 chatId) {
     while (m_generations.current() != generation)
         ended(*m_generations.current());
     generation->chatId = chatId;
-    joinFollowers(chatId);
+    m_outbox.joinFollowers(chatId);
     const bool isOpen = generation->isOpen;
     if (generation->state == Generation::State::stopRequested) {
         m_dependencies.chatService.stopGeneration(chatId);
@@ -245,7 +172,7 @@ void AnswerStream::receive(const QString& piece, AnswerFold::Kind kind) {
         return;
     }
     generation->endWatchdog.cancel();
-    (kind == AnswerFold::Kind::text ? generation->textPieces : generation->thinkingPieces).append(piece);
+    generation->pieces.add(piece, kind);
     flushLater();
 }
 
@@ -256,7 +183,7 @@ void AnswerStream::flushLater() {
     flush();
     m_flushTimer = m_dependencies.scheduler.every(flushInterval, [this] {
         const Generation* running = m_generations.current();
-        const bool isQuiet = !running || !running->hasNews();
+        const bool isQuiet = !running || running->pieces.isEmpty();
         flush();
         // Without news there is nothing to wake up for; the next piece starts the timer again.
         if (isQuiet)
@@ -266,41 +193,15 @@ void AnswerStream::flushLater() {
 
 void AnswerStream::flush() {
     Generation* generation = m_generations.current();
-    if (generation && generation->hasNews())
-        change(*generation, [&](ChatMessage& answer) { return foldInto(*generation, answer); });
-}
-
-bool AnswerStream::change(Generation& generation, const std::function<bool(ChatMessage&)>& apply) {
-    if (!generation.isOpen)
-        return !generation.parked.empty() && apply(generation.parked.back());
-    const int last = m_shown.count() - 1;
-    if (last < 0) {
-        qCWarning(lcStream) << "⚠️ [ChatViewModel] updateLastMessage: no messages";
-        return false;
-    }
-    bool isChanged = false;
-    m_shown.update(last, [&](ChatMessage& answer) { return isChanged = apply(answer); });
-    return isChanged;
-}
-
-bool AnswerStream::foldInto(Generation& generation, ChatMessage& answer) {
-    const QStringList thinking = std::exchange(generation.thinkingPieces, {});
-    const QStringList text = std::exchange(generation.textPieces, {});
-    const bool hasArtifactPieces = std::exchange(generation.hasArtifactPieces, false);
-    if (answer.role != ChatMessage::Role::ai) {
-        qCWarning(lcStream) << "⚠️ [ChatViewModel] updateLastMessage: last message is not AI, it's"
-                            << rawValue(answer.role);
-        return false;
-    }
-    if (!answer.content)
-        answer.content.emplace();
-    const AnswerFold::Outcome thought = generation.fold.fold(*answer.content, thinking, AnswerFold::Kind::thinking);
-    const AnswerFold::Outcome told = generation.fold.fold(*answer.content, text, AnswerFold::Kind::text);
-    const bool hasGrown = hasArtifactPieces && ToolEvents::applyArtifact(generation.tools, answer);
-    const bool isRepaired = ToolEvents::repairPlaceholder(generation.tools, answer);
-    if (generation.isOpen && (thought.follow || told.follow || hasGrown))
+    if (!generation || generation->pieces.isEmpty())
+        return;
+    AnswerFold::Outcome outcome;
+    m_messages.change(*generation, [&](ChatMessage& answer) {
+        outcome = generation->pieces.foldInto(answer, generation->fold, generation->tools);
+        return outcome.changed;
+    });
+    if (generation->isOpen && outcome.follow)
         emit followed();
-    return thought.changed || told.changed || hasGrown || isRepaired;
 }
 
 // The service has the question, since this is of its answer.
@@ -313,17 +214,7 @@ void AnswerStream::takeNotice(Generation& generation) {
 void AnswerStream::disconnected() {
     if (!m_lostAt)
         m_lostAt = m_dependencies.clock.now();
-    doubt();
-}
-
-// What left on a line that is lost may be lost with it.
-void AnswerStream::doubt() {
-    for (Generation& generation : m_generations.all()) {
-        if (generation.stage != Generation::Stage::sent)
-            continue;
-        generation.stage = Generation::Stage::doubtful;
-        generation.wasDoubtful = true;
-    }
+    m_outbox.doubt();
 }
 
 void AnswerStream::connected() {
@@ -331,7 +222,7 @@ void AnswerStream::connected() {
     const bool wasAwayTooLong = m_lostAt && m_lostAt->secsTo(now) >= ReplayGuard::replayLife.count();
     m_lostAt.reset();
     flush();
-    doubt();
+    m_outbox.doubt();
     m_guard.connected(now);
     relaxLater();
     for (Generation& generation : m_generations.all()) {
@@ -341,7 +232,7 @@ void AnswerStream::connected() {
             !m_generations.runningOf(generation.chatId))
             m_dependencies.chatService.stopGeneration(generation.chatId);
     }
-    submitNext();
+    m_outbox.sendNext();
     saveJournal();
     Generation* generation = m_generations.current();
     if (!generation)
@@ -358,22 +249,20 @@ void AnswerStream::relaxLater() {
 }
 
 const std::vector<ChatMessage>& AnswerStream::messagesOf(const Generation& generation) const {
-    return generation.isOpen ? m_shown.messages() : generation.parked;
+    return m_messages.of(generation);
 }
 
 void AnswerStream::arrived(Generation& generation) {
     if (generation.hasLeft())
         generation.stage = Generation::Stage::heard;
-    submitNext();
+    m_outbox.sendNext();
     saveJournal();
 }
 
 void AnswerStream::answered(Generation& generation, const std::vector<ChatMessage>& stored) {
     const bool isRunning = generation.state == Generation::State::running;
-    if (isRunning && generation.isOpen)
-        m_shown.setMessages(stored);
-    else if (isRunning)
-        generation.parked = stored;
+    if (isRunning)
+        m_messages.replace(generation, stored);
     // Its frames may still come.
     if (const auto* answer = MessageComposition::answerTo(stored, generation.question.text, generation.timesAsked)) {
         generation.textHead = MessageComposition::joinedText(*answer).left(ReplayGuard::headLength);
@@ -393,8 +282,8 @@ void AnswerStream::ended(Generation& generation) {
 }
 
 void AnswerStream::lost(Generation& generation) {
-    submit(generation);
-    submitNext();
+    m_outbox.send(generation);
+    m_outbox.sendNext();
 }
 
 void AnswerStream::returned(Generation& generation) {
@@ -408,42 +297,16 @@ void AnswerStream::giveBack(Generation& generation) {
     const qint64 chatId = generation.chatId;
     qCInfo(lcStream) << "↩️ [ChatViewModel] Question" << generation.serial << "of chat" << chatId
                      << "did not arrive";
-    takeOffScreen(generation);
-    for (Generation& each : m_generations.all()) {
-        if (each.chatId == chatId && each.question.text == question.text && each.timesAsked > generation.timesAsked)
-            --each.timesAsked;
-    }
+    m_messages.takeOff(generation);
     const bool hadFiles = generation.isHeld;
     const quint64 serial = generation.serial;
     m_generations.remove(&generation);
-    joinFollowers(-1);
+    m_outbox.joinFollowers(-1);
     if (hadFiles)
         emit filesReturned(serial);
     emit questionReturned(question.text);
     emit touched(chatId);
     emit comparisonWanted(chatId);
-}
-
-// It may stand among the messages of a later turn of its chat as well.
-void AnswerStream::takeOffScreen(const Generation& generation) {
-    const QString& question = generation.question.text;
-    bool isShown = false;
-    bool isOfChat = false;
-    for (Generation& each : m_generations.all()) {
-        // Of a chat without a number are those that wait to join it.
-        isOfChat =
-            &each == &generation || (generation.chatId < 0 ? isOfChat && each.joins : each.chatId == generation.chatId);
-        if (!isOfChat)
-            continue;
-        isShown = isShown || each.isOpen;
-        if (const auto row = MessageComposition::rowOfQuestion(each.parked, question))
-            each.parked.erase(each.parked.begin() + *row, each.parked.begin() + *row + 2);
-    }
-    const auto row = isShown ? MessageComposition::rowOfQuestion(m_shown.messages(), question) : std::nullopt;
-    if (row) {
-        m_shown.remove(static_cast<int>(*row) + 1);
-        m_shown.remove(static_cast<int>(*row));
-    }
 }
 
 bool AnswerStream::compare(qint64 chatId, const std::vector<ChatMessage>& stored) {
@@ -474,7 +337,7 @@ std::optional<AnswerStream::Ending> AnswerStream::end() {
         return std::nullopt;
     const bool isRunning = generation->state == Generation::State::running;
     if (isRunning) {
-        change(*generation, [generation](ChatMessage& answer) {
+        m_messages.change(*generation, [generation](ChatMessage& answer) {
             // A tool that never came to its end: the service may know of it.
             const bool wasAtWork = MessageComposition::removePlaceholders(answer);
             generation->lacksHistory = generation->lacksHistory || wasAtWork;
@@ -548,7 +411,7 @@ AnswerStream::Ending AnswerStream::finish(Generation* generation) {
     const bool wasCurrent = generation == m_generations.current();
     m_generations.remove(generation);
     if (ending.chatId < 0)
-        joinFollowers(-1);
+        m_outbox.joinFollowers(-1);
     settled();
     // Whether the next one arrived is not known yet.
     const Generation* next = m_generations.current();
@@ -559,16 +422,27 @@ AnswerStream::Ending AnswerStream::finish(Generation* generation) {
     return ending;
 }
 
+quint64 AnswerStream::runningIn(qint64 chatId) {
+    const Generation* generation = m_generations.runningOf(chatId);
+    return generation ? generation->serial : 0;
+}
+
+std::optional<qint64> AnswerStream::chatOfRunning(quint64 serial) {
+    const Generation* generation = m_generations.find(serial);
+    const bool isRunning = generation && generation->state == Generation::State::running;
+    return isRunning ? std::optional(generation->chatId) : std::nullopt;
+}
+
 void AnswerStream::saveJournal() {
-    m_journal.save(m_generations, m_guard, m_shown.messages());
+    m_journal.save(m_generations, m_guard, m_messages.shown());
 }
 
 void AnswerStream::settled() {
     m_mayBeShifted = m_mayBeShifted && m_generations.current();
-    submitNext();
+    m_outbox.sendNext();
     const Generation* open = m_generations.open();
     m_isGenerating = open && open->state == Generation::State::running;
-    m_shown.setStreaming(m_isGenerating);
+    m_messages.setStreaming(m_isGenerating);
     if (m_generations.isEmpty()) {
         m_flushTimer.cancel();
         m_silence.rest();
@@ -576,12 +450,7 @@ void AnswerStream::settled() {
         m_silence.waitOn();
     }
     saveJournal();
-    QSet<qint64> generating;
-    for (const Generation& generation : m_generations.all()) {
-        if (generation.state == Generation::State::running && generation.chatId > 0)
-            generating.insert(generation.chatId);
-    }
-    emit generatingChatsChanged(generating);
+    emit generatingChatsChanged(m_generations.runningChats());
     emit changed();
 }
 

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "Chat/ConversationMessages.h"
 #include "Chat/ExpectedAnswers.h"
 #include "Chat/GenerationJournal.h"
 #include "Chat/GenerationQueue.h"
+#include "Chat/QuestionOutbox.h"
 #include "Chat/SilenceWatch.h"
 #include "Scheduler.h"
 
@@ -97,8 +99,10 @@ public:
     // Of the open conversation's running answer; null without one.
     const ToolWork* openTools();
     const std::optional<StreamedArtifact>& lastStreamedArtifact() const { return m_lastStreamedArtifact; }
-    // Whether an answer of that chat is waited for. -1: of one that has no number yet.
-    bool isRunning(qint64 chatId) { return m_generations.runningOf(chatId) != nullptr; }
+    // The newest answer of that chat that is waited for; -1: of one that has no number yet. 0 without one.
+    quint64 runningIn(qint64 chatId);
+    // The chat of an answer that is waited for, -1 while it has no number. Absent when it has ended or was stopped.
+    std::optional<qint64> chatOfRunning(quint64 serial);
     // The answer of that chat may have ended unheard: the service is asked.
     void lookAgain(qint64 chatId);
     // It is not waited for any more. What the service has of it, or will have, is what there is.
@@ -120,10 +124,7 @@ signals:
     void comparisonWanted(qint64 chatId);       // of its messages with those of the service
 
 private:
-    bool foldInto(Generation& generation, ChatMessage& answer); // whether it changed the answer
     void flushLater();
-    // Changes the answer where it is: in the list that is shown, or among its parked messages.
-    bool change(Generation& generation, const std::function<bool(ChatMessage&)>& change);
     Generation* addressee(); // whose a frame of an answer is; null when it is nobody's
     void watch(Generation& generation, ToolEvents::Wait wait);
     void imageIsLate(quint64 serial);
@@ -131,13 +132,8 @@ private:
     void stopWaiting(Generation& generation);
     Ending finish(Generation* generation);
     void settled(); // after every change of the queue
-    void submitNext();
-    void submit(Generation& generation);
-    void joinFollowers(qint64 chatId);
     void giveBack(Generation& generation);
-    void takeOffScreen(const Generation& generation);
     void takeNotice(Generation& generation);
-    void doubt();
     void relaxLater();
     void saveJournal();
 
@@ -150,8 +146,9 @@ private:
     void returned(Generation& generation) override;
 
     Dependencies m_dependencies;
-    MessageListModel& m_shown;
     GenerationQueue m_generations;
+    ConversationMessages m_messages;
+    QuestionOutbox m_outbox;
     ReplayGuard m_guard;
     GenerationJournal m_journal;
     ExpectedAnswers m_expected;

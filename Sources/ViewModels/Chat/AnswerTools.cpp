@@ -48,7 +48,7 @@ void AnswerStream::receive(const ToolFrame& frame) {
     if (!isArtifactPiece)
         flush();
     ToolEvents::Outcome outcome;
-    change(*generation, [&](ChatMessage& answer) {
+    m_messages.change(*generation, [&](ChatMessage& answer) {
         outcome = ToolEvents::take(generation->tools, answer, frame, m_dependencies.random);
         return outcome.isChanged;
     });
@@ -58,7 +58,7 @@ void AnswerStream::receive(const ToolFrame& frame) {
     if (outcome.tracked && generation->chatId > 0)
         emit longTaskBegan(generation->chatId, *outcome.tracked);
     if (outcome.wantsFlush) {
-        generation->hasArtifactPieces = true;
+        generation->pieces.addArtifact();
         return flushLater();
     }
     if (generation->isOpen) {
@@ -89,7 +89,8 @@ void AnswerStream::imageIsLate(quint64 serial) {
         return;
     qCWarning(lcAnswerTools) << "⏱️ [ChatViewModel] Image watchdog fired — no tool_end in 180s, force-finishing";
     flush();
-    change(*generation, [&](ChatMessage& answer) { return ToolEvents::imageTimedOut(generation->tools, answer); });
+    m_messages.change(
+        *generation, [&](ChatMessage& answer) { return ToolEvents::imageTimedOut(generation->tools, answer); });
     stopWaiting(*generation);
 }
 
@@ -106,7 +107,7 @@ void AnswerStream::endIsLate(quint64 serial) {
 // until something comes of the next one.
 void AnswerStream::stopWaiting(Generation& generation) {
     flush();
-    change(generation, [](ChatMessage& answer) { return MessageComposition::removePlaceholders(answer); });
+    m_messages.change(generation, [](ChatMessage& answer) { return MessageComposition::removePlaceholders(answer); });
     const std::vector<ChatMessage>& messages = messagesOf(generation);
     if (generation.chatId > 0 && !messages.empty())
         m_dependencies.cache.cacheMessages(messages, generation.chatId);
@@ -150,13 +151,7 @@ void AnswerStream::supply(quint64 serial, const QStringList& imageUrls, const st
     if (!imageUrls.isEmpty())
         generation->question.imageUrls = imageUrls;
     generation->question.files = files;
-    for (ChatMessage& message : generation->parked)
-        MessageComposition::relocate(message, places);
-    for (int row = 0; generation->isOpen && row < m_shown.count(); ++row) {
-        ChatMessage message = m_shown.messages()[static_cast<std::size_t>(row)];
-        if (MessageComposition::relocate(message, places))
-            m_shown.replace(row, std::move(message));
-    }
+    m_messages.relocate(*generation, places);
     settled();
 }
 

@@ -1,9 +1,9 @@
-// What ChatViewModel remembers of the running answer, and how it finds out what became of it.
-#include "Chat/ChatService.h"
-#include "Chat/ChatViewModel.h"
-#include "Chat/MessageComposition.h"
+#include "Chat/ChatRecovery.h"
+
+#include "Chat/AnswerStream.h"
 
 #include <QLoggingCategory>
+#include <QScopeGuard>
 
 namespace Korvi {
 
@@ -11,97 +11,71 @@ using namespace Qt::Literals;
 
 Q_LOGGING_CATEGORY(lcRecovery, "korvi.chat.recovery", QtInfoMsg)
 
-void ChatViewModel::noteQuestion(const QString& text, bool hasImage) {
-    const QString type = MessageComposition::detectGenerationType(text, hasImage);
-    m_recordedChatId = activeChatId();
-    if (m_activeChat)
-        m_generationState.markStarted(m_activeChat->id, m_messages.count(), type, m_activeChat->name);
+ChatRecovery::ChatRecovery(Dependencies dependencies, AnswerStream& stream, std::function<QString(qint64)> nameOf)
+    : m_dependencies(dependencies)
+    , m_stream(stream)
+    , m_nameOf(std::move(nameOf))
+    , m_record(dependencies.defaults, dependencies.clock, dependencies.scheduler) {}
+
+void ChatRecovery::noteQuestion(qint64 chatId, qint64 messageCount, const QString& type) {
+    m_followed.reset();
+    if (chatId < 0)
+        m_record.markStarted(-1, 0, type, std::nullopt);
     else
-        m_generationState.markStarted(-1, 0, type, std::nullopt);
+        m_record.markStarted(chatId, messageCount, type, m_nameOf(chatId));
 }
 
-void ChatViewModel::endGenerationRecord() {
-    m_recordedChatId.reset();
-    m_generationState.markCompleted();
-    emit generationEnded();
+void ChatRecovery::follow(quint64 serial) {
+    m_followed = Followed{.serial = serial};
+    streamChanged();
 }
 
-QString ChatViewModel::nameOf(qint64 chatId) const {
-    const Chat* chat = m_directory.find(chatId);
-    return chat ? chat->name : QString();
-}
-
-void ChatViewModel::toolStateChanged() {
-    const ToolWork* work = m_stream.openTools();
-    const ToolState now = work ? static_cast<const ToolState&>(*work) : ToolState();
-    if (now == m_tools)
+void ChatRecovery::restore() {
+    const auto record = m_record.getPending();
+    if (!record)
         return;
-    m_tools = now;
-    emit toolsChanged();
+    // With a journal that knows nothing of it, it has ended.
+    m_followed = Followed{.serial = m_stream.runningIn(record->chatId), .hasChat = record->chatId > 0};
+    streamChanged();
 }
 
-void ChatViewModel::filesUploaded(quint64 serial, const AttachmentUploader::Uploaded& uploaded) {
-    QHash<QString, QString> places;
-    for (const ChatFileAttachment& attachment : uploaded.attachments) {
-        if (attachment.localURL && attachment.remoteURL)
-            places.insert(attachment.localURL->toString(), *attachment.remoteURL);
+void ChatRecovery::streamChanged() {
+    if (!m_followed)
+        return;
+    const auto chatId = m_stream.chatOfRunning(m_followed->serial);
+    if (!chatId) {
+        m_followed.reset();
+        m_record.markCompleted();
+        emit generationEnded();
+    } else if (*chatId > 0 && !std::exchange(m_followed->hasChat, true)) {
+        const auto record = m_record.getPending();
+        if (record && record->chatId < 0)
+            m_record.markStarted(*chatId, record->lastMessageCount, record->type, m_nameOf(*chatId));
     }
-    const bool isBare = uploaded.imageUrls.isEmpty() && uploaded.fileUrls.empty();
-    if (isBare && !m_stream.hasText(serial))
-        return m_stream.withdraw(serial);
-    // The message shows its first image only: one would never learn that another one is missing.
-    bool isFirst = true;
-    for (const ChatFileAttachment& attachment : uploaded.attachments) {
-        if (attachment.category != FileTypeCategory::image)
-            continue;
-        if (!isFirst && attachment.uploadError)
-            attachments()->giveBack({attachment});
-        isFirst = false;
-    }
-    m_stream.supply(serial, uploaded.imageUrls, uploaded.fileUrls, places);
 }
 
-void ChatViewModel::recoverFromBackground() {
+void ChatRecovery::recover(std::function<qint64()> open) {
     if (m_isRecovering) {
         qCInfo(lcRecovery) << "🔄 [ChatViewModel] Recovery already in progress, skipping";
         return;
     }
-    m_scope.start([this] { return recover(); });
+    m_scope.start([this, open = std::move(open)] { return findOut(open); });
 }
 
-Task<void> ChatViewModel::recover() {
-    struct Recovering {
-        ChatViewModel& chat;
-        explicit Recovering(ChatViewModel& viewModel)
-            : chat(viewModel) {
-            chat.m_isRecovering = true;
-        }
-        ~Recovering() { chat.m_isRecovering = false; }
-    };
-    const auto record = m_generationState.getPending();
-    const Recovering recovering(*this);
-    const RecoveryResult result = co_await m_generationState.recoverIfNeeded(m_dependencies.chatService);
-    const qint64 target = record ? record->chatId : activeChatId();
+Task<void> ChatRecovery::findOut(std::function<qint64()> open) {
+    const auto record = m_record.getPending();
+    m_isRecovering = true;
+    const auto done = qScopeGuard([this] { m_isRecovering = false; });
+    const RecoveryResult result = co_await m_record.recoverIfNeeded(m_dependencies.chatService);
+    const qint64 target = record ? record->chatId : open();
     switch (result.outcome) {
     case RecoveryResult::Outcome::completed:
-        qCInfo(lcRecovery) << "🔄 [ChatViewModel] Generation completed while away, fetching messages...";
-        // Whether it is the answer that is waited for, the stream finds out.
-        m_stream.lookAgain(target);
-        if (target == activeChatId()) {
-            m_restoresArtifactOf = target;
-            m_loader.load(target);
-        } else {
-            const QString known = nameOf(target);
-            setCompletedInOtherChat(std::pair(target, record->chatName.value_or(known.isEmpty() ? u"Chat"_s : known)));
-            qCInfo(lcRecovery) << "📢 [ChatViewModel] Generation completed in different chat:" << target;
-        }
-        if (!m_stream.isRunning(target))
-            m_recordedChatId.reset();
+        answerIsThere(target, open(), record ? record->chatName : std::nullopt);
         break;
     case RecoveryResult::Outcome::failed:
         qCWarning(lcRecovery).noquote() << "❌ [ChatViewModel] Recovery failed:" << result.reason;
         // Only what is too old is not waited for any more. While nobody can be asked, the answer may still be growing.
-        if (!m_generationState.getPending())
+        if (!m_record.getPending())
             m_stream.giveUp(target);
         break;
     case RecoveryResult::Outcome::resumed:
@@ -112,15 +86,36 @@ Task<void> ChatViewModel::recover() {
     }
 }
 
-void ChatViewModel::setCompletedInOtherChat(std::optional<std::pair<qint64, QString>> chat) {
+void ChatRecovery::answerIsThere(qint64 chatId, qint64 openChatId, const std::optional<QString>& chatName) {
+    qCInfo(lcRecovery) << "🔄 [ChatViewModel] Generation completed while away, fetching messages...";
+    // Whether it is the answer that is waited for, the stream finds out.
+    m_stream.lookAgain(chatId);
+    if (chatId == openChatId) {
+        emit storedAnswerWanted(chatId);
+    } else {
+        const QString known = m_nameOf(chatId);
+        setCompletedInOtherChat(
+            Completed{.chatId = chatId, .chatName = chatName.value_or(known.isEmpty() ? u"Chat"_s : known)});
+        qCInfo(lcRecovery) << "📢 [ChatViewModel] Generation completed in different chat:" << chatId;
+    }
+    if (m_followed && !m_stream.chatOfRunning(m_followed->serial))
+        m_followed.reset();
+}
+
+void ChatRecovery::setCompletedInOtherChat(std::optional<Completed> completed) {
     m_completedTimer.cancel();
-    if (chat)
+    if (completed)
         m_completedTimer =
             m_dependencies.scheduler.after(completedTime, [this] { setCompletedInOtherChat(std::nullopt); });
-    if (m_completedInOtherChat == chat)
+    if (m_completed == completed)
         return;
-    m_completedInOtherChat = std::move(chat);
+    m_completed = std::move(completed);
     emit completedInOtherChatChanged();
+}
+
+void ChatRecovery::reset() {
+    m_scope.cancel();
+    setCompletedInOtherChat(std::nullopt);
 }
 
 }

@@ -6,11 +6,8 @@
 #include "Chat/MessageComposition.h"
 #include "Clock.h"
 #include "Log.h"
-#include "Match.h"
 #include "NotificationCenter.h"
 
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QPointer>
 
 namespace Korvi {
@@ -24,42 +21,41 @@ namespace {
 constexpr auto aiPlus = "aiplus"_L1; // the model that takes video and audio
 constexpr auto slowHint = u"Это может занять время...";
 const auto ownerKey = u"conversationsOwner"_s; // whose lists are cached
-const auto draftKey = u"composerDraft"_s;
-const auto leftInputsKey = u"leftComposerInputs"_s;
 
 }
 
 ChatViewModel::ChatViewModel(Dependencies dependencies, QObject* parent)
     : QObject(parent)
     , m_dependencies(dependencies)
+    , m_connection(dependencies.chatService)
     , m_directory({dependencies.chatService, dependencies.cache, dependencies.notifications})
-    , m_loader(dependencies.chatService, dependencies.scheduler)
     , m_stream({dependencies.chatService, dependencies.cache, dependencies.defaults, dependencies.scheduler,
                    dependencies.clock, dependencies.random},
           m_messages)
+    , m_loader({dependencies.chatService, dependencies.cache, dependencies.scheduler}, m_stream, m_messages)
+    , m_recovery({dependencies.chatService, dependencies.defaults, dependencies.clock, dependencies.scheduler},
+          m_stream, [this](qint64 chatId) { return nameOf(chatId); })
+    , m_router({m_stream, m_directory, m_loader, dependencies.notifications})
     , m_modelSelection(dependencies.defaults)
-    , m_generationState(dependencies.defaults, dependencies.clock, dependencies.scheduler)
+    , m_input(dependencies.defaults, dependencies.scheduler)
     , m_artifacts(m_messages)
-    , m_uploads(dependencies.attachments, dependencies.scheduler,
-          [this](quint64 serial, const AttachmentUploader::Uploaded& uploaded) { filesUploaded(serial, uploaded); }) {
+    , m_uploads(dependencies.attachments, m_stream, dependencies.scheduler) {
     ChatService& service = m_dependencies.chatService;
     service.onEvent = [self = QPointer(this)](const SocketEvent& event) {
         if (self)
-            self->handleSocketEvent(event);
+            self->m_router.handle(event);
     };
-    service.onConnectionStatusChanged = [self = QPointer(this)](const QString& status) {
-        if (!self)
-            return;
-        self->m_isConnecting = false;
-        self->m_connectionStatus = status;
-    };
-    connect(&service, &ChatService::attemptFailed, this, &ChatViewModel::connectionFailed);
-    connect(&service, &ChatService::disconnected, this, [this] {
-        m_connectionStatus = u"Connecting..."_s; // whoever disconnects connects again, or nobody is signed in
-        m_stream.disconnected();
-    });
+    connect(&service, &ChatService::disconnected, &m_stream, &AnswerStream::disconnected);
+    connect(&m_connection, &ConnectionState::statusChanged, this, &ChatViewModel::connectionStatusChanged);
     connect(&m_dependencies.notifications, &NotificationCenter::organizationDidChange, this,
         &ChatViewModel::organizationChanged);
+    connect(&m_router, &SocketEventRouter::openChatCreated, this, [this](const Chat& chat) {
+        setActiveChat(chat);
+        m_loader.created(chat.id);
+    });
+    connect(&m_router, &SocketEventRouter::failed, this, &ChatViewModel::showError);
+    connect(&m_router, &SocketEventRouter::titlesOutdated, this,
+        [this] { m_scope.start([this] { return m_directory.load(); }); });
     connect(&m_stream, &AnswerStream::changed, this, &ChatViewModel::answerStateChanged);
     connect(&m_stream, &AnswerStream::generatingChatsChanged, m_directory.model(), &ChatListModel::setGenerating);
     connect(&m_stream, &AnswerStream::questionReturned, this, &ChatViewModel::takeBackQuestion);
@@ -74,20 +70,27 @@ ChatViewModel::ChatViewModel(Dependencies dependencies, QObject* parent)
         emit canSendChanged();
     });
     connect(attachments(), &ComposerAttachments::imagePasted, this, [this](const QUrl& image) {
-        setEditImage(image.toString(), m_currentInput); // what is typed already stays
+        setEditImage(image.toString(), currentInput()); // what is typed already stays
     });
     connect(&m_stream, &AnswerStream::followed, this, [this] {
         ++m_contentUpdateTrigger;
         emit contentUpdateTriggerChanged();
         emit contentScrolled();
     });
-    connect(&m_stream, &AnswerStream::touched, &m_loader, &MessageLoader::touch);
-    connect(&m_stream, &AnswerStream::comparisonWanted, this, [this](qint64 chatId) {
-        if (chatId > 0)
-            m_loader.load(chatId);
+    connect(&m_loader, &ConversationLoader::areMessagesLoadedChanged, this, &ChatViewModel::areMessagesLoadedChanged);
+    connect(&m_recovery, &ChatRecovery::isRecoveringChanged, this, &ChatViewModel::isRecoveringChanged);
+    connect(&m_recovery, &ChatRecovery::completedInOtherChatChanged, this, &ChatViewModel::completedInOtherChatChanged);
+    connect(&m_recovery, &ChatRecovery::generationEnded, this, &ChatViewModel::generationEnded);
+    connect(&m_recovery, &ChatRecovery::storedAnswerWanted, &m_loader, &ConversationLoader::loadAnswer);
+    connect(&m_input, &ComposerInput::textChanged, this, [this] {
+        emit currentInputChanged();
+        emit canSendChanged();
     });
-    connect(&m_loader, &MessageLoader::loaded, this, &ChatViewModel::messagesLoaded);
-    connect(&m_loader, &MessageLoader::failed, this, &ChatViewModel::messagesFailed);
+    connect(&m_input, &ComposerInput::editImageChanged, this, [this] {
+        emit pendingEditImageUrlChanged();
+        emit hasAttachmentsChanged();
+        emit canSendChanged();
+    });
     connect(&m_directory, &ChatDirectory::chatChanged, this, [this](const Chat& chat) {
         if (m_activeChat && m_activeChat->id == chat.id && *m_activeChat != chat)
             setActiveChat(chat);
@@ -111,20 +114,14 @@ void ChatViewModel::restore(const QString& userId) {
     if (defaults.string(ownerKey) != userId) {
         m_dependencies.cache.clearAll();
         m_stream.forgetJournal();
-        defaults.remove(draftKey);
-        defaults.remove(leftInputsKey);
+        m_input.forgetStored();
         defaults.setString(ownerKey, userId);
     }
     m_directory.loadCached();
     // Before the answers: a question that returns stands in front of what was being written.
-    if (m_currentInput.isEmpty())
-        setCurrentInput(defaults.string(draftKey).value_or(QString()));
-    if (const auto record = m_generationState.getPending())
-        m_recordedChatId = record->chatId;
+    m_input.restore();
     m_stream.restore();
-    const QJsonObject left = QJsonDocument::fromJson(defaults.data(leftInputsKey).value_or(QByteArray())).object();
-    for (auto it = left.begin(); it != left.end(); ++it)
-        m_leftInputs.insert(it.key().toLongLong(), it.value().toString());
+    m_recovery.restore();
 }
 
 Task<void> ChatViewModel::loadData() {
@@ -149,38 +146,13 @@ Task<void> ChatViewModel::prefetchRelatedData() {
         co_await m_loader.loadNow(chatId);
 }
 
-void ChatViewModel::connectToService() {
-    m_isConnecting = true;
-    if (!isConnected())
-        m_connectionStatus = u"Connecting..."_s;
-    m_dependencies.chatService.connect();
-}
-
-void ChatViewModel::reconnect() {
-    m_dependencies.chatService.disconnect();
-    connectToService();
-}
-
-// It is tried again later, but whoever asked for a connection is told.
-void ChatViewModel::connectionFailed(const QString& reason) {
-    if (!std::exchange(m_isConnecting, false))
-        return;
-    qCWarning(lcChat).noquote() << "❌ [ChatViewModel] Failed to connect:" << reason;
-    m_connectionStatus = u"Failed"_s;
-}
-
-bool ChatViewModel::isConnected() const {
-    return m_connectionStatus.value() == "Connected"_L1;
-}
-
 void ChatViewModel::organizationChanged() {
     m_directory.clear();
     m_loader.clear();
     m_uploads.clear();
     m_stream.dropAll();
     closeConversation();
-    setCurrentInput({});
-    m_leftInputs.clear();
+    m_input.clear();
     m_activeProjectId.reset();
     m_activeProjectName.reset();
     m_dependencies.cache.clearAll();
@@ -193,7 +165,7 @@ void ChatViewModel::organizationChanged() {
 
 void ChatViewModel::reset() {
     m_scope.cancel();
-    m_draftTimer.cancel();
+    m_recovery.reset();
     m_loader.clear();
     m_uploads.clear();
     attachments()->reset();
@@ -202,46 +174,19 @@ void ChatViewModel::reset() {
     m_directory.clear();
     m_activeProjectId.reset();
     m_activeProjectName.reset();
-    m_leftInputs.clear();
-    m_currentInput.clear();
-    emit currentInputChanged();
-    setPendingEditImage(std::nullopt);
+    m_input.reset();
     closeConversation();
     dismissError();
 }
 
 // The composer
 
-void ChatViewModel::setCurrentInput(const QString& text) {
-    if (m_currentInput == text)
-        return;
-    m_currentInput = text;
-    m_draftTimer = m_dependencies.scheduler.after(draftDelay, [this] { saveDraft(); });
-    emit currentInputChanged();
-    emit canSendChanged();
-}
-
-void ChatViewModel::saveDraft() {
-    m_draftTimer.cancel();
-    if (m_currentInput.isEmpty())
-        m_dependencies.defaults.remove(draftKey);
-    else
-        m_dependencies.defaults.setString(draftKey, m_currentInput);
-}
-
-void ChatViewModel::saveLeftInputs() {
-    QJsonObject left;
-    for (auto it = m_leftInputs.begin(); it != m_leftInputs.end(); ++it)
-        left.insert(QString::number(it.key()), it.value());
-    m_dependencies.defaults.setData(leftInputsKey, QJsonDocument(left).toJson(QJsonDocument::Compact));
-}
-
 bool ChatViewModel::canSend() const {
-    return hasAttachments() || !m_currentInput.trimmed().isEmpty();
+    return hasAttachments() || !currentInput().trimmed().isEmpty();
 }
 
 bool ChatViewModel::hasAttachments() const {
-    return m_pendingEditImageUrl || m_dependencies.attachments.pending()->count() > 0;
+    return m_input.editImageUrl() || m_dependencies.attachments.pending()->count() > 0;
 }
 
 void ChatViewModel::setEditImage(const QString& url, const QString& prompt) {
@@ -249,29 +194,15 @@ void ChatViewModel::setEditImage(const QString& url, const QString& prompt) {
         qCWarning(lcChat) << "❌ [ChatViewModel] A local file is not an image to be edited";
         return;
     }
-    setPendingEditImage(url);
-    setCurrentInput(prompt);
+    m_input.setEditImageUrl(url);
+    m_input.setText(prompt);
     emit inputFocusRequested();
-}
-
-void ChatViewModel::clearPendingEditImage() {
-    setPendingEditImage(std::nullopt);
-}
-
-void ChatViewModel::setPendingEditImage(std::optional<QString> url) {
-    if (m_pendingEditImageUrl == url)
-        return;
-    m_pendingEditImageUrl = std::move(url);
-    emit pendingEditImageUrlChanged();
-    emit hasAttachmentsChanged();
-    emit canSendChanged();
 }
 
 void ChatViewModel::takeBackQuestion(const QString& text) {
     if (text.isEmpty())
         return showError(u"Вложения не дошли до сервиса."_s);
-    setCurrentInput(m_currentInput.isEmpty() ? text : text + u"\n\n"_s + m_currentInput);
-    saveDraft();
+    m_input.putInFront(text);
     showError(u"Сообщение не дошло до сервиса. Его текст снова в поле ввода."_s);
 }
 
@@ -282,13 +213,11 @@ QString ChatViewModel::lastQuestion() const {
 // Which conversation is open
 
 void ChatViewModel::createChat() {
-    if (m_activeChat && !m_currentInput.isEmpty()) {
-        m_leftInputs.insert(m_activeChat->id, m_currentInput);
-        saveLeftInputs();
-    }
+    if (m_activeChat)
+        m_input.leaveIn(m_activeChat->id);
     openConversation(std::nullopt);
-    setCurrentInput({});
-    setPendingEditImage(std::nullopt);
+    m_input.setText({});
+    m_input.setEditImageUrl(std::nullopt);
     m_activeProjectId.reset();
     m_activeProjectName.reset();
     emit inputFocusRequested();
@@ -307,11 +236,7 @@ void ChatViewModel::selectChat(qint64 chatId) {
     if (activeChatId() != chatId) {
         const QString mode = chat->mode;
         openConversation(*chat);
-        if (m_currentInput.isEmpty() && m_leftInputs.contains(chatId)) {
-            setCurrentInput(m_leftInputs.take(chatId));
-            saveDraft();
-            saveLeftInputs();
-        }
+        m_input.takeUpFrom(chatId);
         if (ModelCatalogue::find(mode))
             selectModel(mode);
         else
@@ -323,7 +248,7 @@ void ChatViewModel::selectChat(qint64 chatId) {
 
 void ChatViewModel::navigateToChat(qint64 chatId) {
     selectChat(chatId);
-    setCompletedInOtherChat(std::nullopt);
+    m_recovery.setCompletedInOtherChat(std::nullopt);
 }
 
 void ChatViewModel::openConversation(std::optional<Chat> chat) {
@@ -331,7 +256,7 @@ void ChatViewModel::openConversation(std::optional<Chat> chat) {
     dismissError();
     if (!chat)
         return closeConversation();
-    m_areMessagesLoaded = false;
+    m_loader.open(chat->id);
     if (!m_stream.unpark(chat->id))
         m_messages.reset(m_dependencies.cache.getCachedMessages(chat->id).value_or(std::vector<ChatMessage>()));
     setActiveChat(std::move(chat));
@@ -340,7 +265,7 @@ void ChatViewModel::openConversation(std::optional<Chat> chat) {
 void ChatViewModel::closeConversation() {
     m_messages.reset({});
     setActiveChat(std::nullopt);
-    m_areMessagesLoaded = true;
+    m_loader.open(-1);
 }
 
 void ChatViewModel::setActiveChat(std::optional<Chat> chat) {
@@ -348,42 +273,6 @@ void ChatViewModel::setActiveChat(std::optional<Chat> chat) {
         return;
     m_activeChat = std::move(chat);
     emit activeChatChanged();
-}
-
-void ChatViewModel::messagesLoaded(qint64 chatId, const std::vector<ChatMessage>& messages) {
-    DataCacheManager& cache = m_dependencies.cache;
-    if (m_stream.isUnderWay(chatId)) {
-        qCInfo(lcChat) << "⏳ [ChatViewModel] Skipping message refresh — streaming in progress";
-        cache.cacheMessages(messages, chatId);
-        m_stream.noteMissingHistory(chatId);
-        return;
-    }
-    if (!m_stream.compare(chatId, messages)) {
-        if (m_loader.loadLater(chatId))
-            return;
-        m_stream.forgetExpected(chatId); // what is stored is what there is
-    }
-    if (chatId == activeChatId())
-        show(messages);
-    else
-        cache.cacheMessages(messages, chatId);
-}
-
-void ChatViewModel::messagesFailed(qint64 chatId, bool isGone) {
-    if (isGone) {
-        m_stream.forgetExpected(chatId);
-        m_areMessagesLoaded = m_areMessagesLoaded || chatId == activeChatId();
-    } else if (m_stream.chatsToCompare().contains(chatId) || (chatId == activeChatId() && !m_areMessagesLoaded)) {
-        m_loader.loadLater(chatId); // and with the next connection
-    }
-}
-
-void ChatViewModel::show(std::vector<ChatMessage> messages) {
-    if (std::exchange(m_restoresArtifactOf, std::nullopt) == activeChatId() && m_stream.lastStreamedArtifact())
-        ArtifactFinder::restoreArtifactIfNeeded(messages, *m_stream.lastStreamedArtifact());
-    m_messages.setMessages(MessageComposition::mergeFileAttachments(m_messages.messages(), std::move(messages)));
-    m_dependencies.cache.cacheMessages(m_messages.messages(), activeChatId());
-    m_areMessagesLoaded = true;
 }
 
 // The model
@@ -427,18 +316,18 @@ void ChatViewModel::deleteChat(qint64 chatId) {
 // A turn of the conversation
 
 void ChatViewModel::sendMessage() {
-    sendMessage(m_currentInput);
+    sendMessage(currentInput());
 }
 
 void ChatViewModel::sendMessage(QString text) {
     const bool isEmpty = text.trimmed().isEmpty() && !hasAttachments();
     if (isEmpty || m_isGenerating)
         return;
-    const auto editImageUrl = m_pendingEditImageUrl;
-    setCurrentInput({});
-    setPendingEditImage(std::nullopt);
+    const auto editImageUrl = m_input.editImageUrl();
+    m_input.setText({});
+    m_input.setEditImageUrl(std::nullopt);
     send(text, editImageUrl, attachments()->takePending());
-    saveDraft(); // only now that the journal has the question: a kill in between would take it
+    m_input.save(); // only now that the journal has the question: a kill in between would take it
 }
 
 void ChatViewModel::sendSeparately(const QUrl& localURL) {
@@ -462,7 +351,7 @@ void ChatViewModel::send(
     dismissError();
     if (m_activeChat)
         m_directory.touch(chatId, m_dependencies.clock.now().toString(Qt::ISODateWithMs));
-    noteQuestion(text, hasImage);
+    m_recovery.noteQuestion(chatId, m_messages.count(), MessageComposition::detectGenerationType(text, hasImage));
     const bool isAtService = editImageUrl && !edited.isLocalFile();
     const quint64 serial = m_stream.begin({.chatId = chatId,
                                               .model = selectedModel(),
@@ -471,9 +360,10 @@ void ChatViewModel::send(
                                               .files = {},
                                               .projectId = m_activeProjectId},
         files.empty() ? AnswerStream::Files::none : AnswerStream::Files::onTheirWay);
+    m_recovery.follow(serial);
     if (!files.empty())
         m_uploads.start(serial, std::move(files));
-    if (!m_areMessagesLoaded)
+    if (!m_loader.areMessagesLoaded())
         m_stream.noteMissingHistory(chatId);
 }
 
@@ -482,14 +372,8 @@ void ChatViewModel::stopGeneration() {
         qCInfo(lcChat) << "🛑 [ChatViewModel] stopGeneration: not generating or no active chat";
         return;
     }
-    for (int row = m_messages.count() - 1; row >= 0; --row) {
-        ChatMessage message = m_messages.messages()[static_cast<std::size_t>(row)];
-        if (!MessageComposition::isAnswer(message))
-            continue;
-        MessageComposition::removePlaceholders(message);
-        m_messages.replace(row, std::move(message));
-        break;
-    }
+    if (const auto row = MessageComposition::rowOfLastAnswer(m_messages.messages()))
+        m_messages.update(*row, MessageComposition::removePlaceholders);
     if (m_activeChat)
         m_dependencies.cache.cacheMessages(m_messages.messages(), m_activeChat->id);
 }
@@ -502,12 +386,8 @@ void ChatViewModel::retryLastMessage() {
         qCWarning(lcChat) << "❌ [ChatViewModel] retryLastMessage: no user message found";
         return;
     }
-    for (int row = m_messages.count() - 1; row >= 0; --row) {
-        if (MessageComposition::isAnswer(m_messages.messages()[static_cast<std::size_t>(row)])) {
-            m_messages.remove(row);
-            break;
-        }
-    }
+    if (const auto row = MessageComposition::rowOfLastAnswer(m_messages.messages()))
+        m_messages.remove(*row);
     send(*again, std::nullopt);
 }
 
@@ -521,94 +401,11 @@ void ChatViewModel::deleteMessage(qint64 id) {
     m_messages.remove(static_cast<int>(message - messages.begin()));
 }
 
-void ChatViewModel::handleSocketEvent(const SocketEvent& event) {
-    // Any of these proves the stream alive.
-    const bool isOfStream = !std::holds_alternative<SocketEvent::Connected>(event.value) &&
-        !std::holds_alternative<SocketEvent::Disconnected>(event.value) &&
-        !std::holds_alternative<SocketEvent::Error>(event.value) &&
-        !std::holds_alternative<SocketEvent::Message>(event.value);
-    if (isOfStream)
-        m_stream.heard();
-    match(
-        event.value,
-        [this](const SocketEvent::TextChunk& chunk) { m_stream.receive(chunk.content, AnswerFold::Kind::text); },
-        [this](
-            const SocketEvent::ThinkingChunk& chunk) { m_stream.receive(chunk.content, AnswerFold::Kind::thinking); },
-        [this](const SocketEvent::Creation& creation) { created(creation.chat); },
-        [this](const SocketEvent::Connected&) { connected(); },
-        [this](const SocketEvent::Error& error) { failed(error); },
-        [this](const SocketEvent::StreamEnd&) { streamEnded(); },
-        [this](const SocketEvent::ToolStart& start) {
-            m_stream.receive({ToolFrame::Kind::start, start.tool, std::nullopt});
-        },
-        [this](const SocketEvent::ArtifactChunk& chunk) {
-            m_stream.receive({ToolFrame::Kind::args, chunk.tool, chunk.args});
-        },
-        [this](const SocketEvent::ToolEnd& end) {
-            m_stream.receive({ToolFrame::Kind::end, end.tool, end.content});
-        },
-        [this](const SocketEvent::Disconnected&) { m_stream.disconnected(); }, [](const SocketEvent::Message&) {});
-}
-
-void ChatViewModel::connected() {
-    m_stream.connected();
-    for (const qint64 chatId : m_stream.chatsToCompare())
-        m_loader.load(chatId);
-    if (!m_areMessagesLoaded)
-        m_loader.load(activeChatId());
-}
-
-void ChatViewModel::created(const Chat& chat) {
-    m_directory.add(chat);
-    const auto record = m_generationState.getPending();
-    if (record && record->chatId < 0) {
-        m_recordedChatId = chat.id;
-        m_generationState.markStarted(chat.id, record->lastMessageCount, record->type, chat.name);
-    }
-    switch (m_stream.created(chat.id)) {
-    case AnswerStream::Owner::open: setActiveChat(chat); break;
-    case AnswerStream::Owner::parked:
-        qCInfo(lcChat) << "💾 [ChatViewModel] Chat created while user is in another chat, saved to background:"
-                       << chat.id;
-        // It may have been opened from the list before this was told.
-        if (activeChatId() == chat.id && !m_isGenerating)
-            m_stream.unpark(chat.id);
-        break;
-    case AnswerStream::Owner::none: break;
-    }
-    if (chat.projectId)
-        emit m_dependencies.notifications.projectChatCreated(chat);
-}
-
-void ChatViewModel::failed(const SocketEvent::Error& error) {
-    const auto ending = m_stream.fail(error.chatId);
-    const qint64 chatId = ending ? ending->chatId : error.chatId.value_or(-1);
-    const bool isOpen = ending ? ending->wasOpen : chatId == activeChatId();
-    const Chat* chat = isOpen ? nullptr : m_directory.find(chatId);
-    // The banner stands in the open conversation: of another one it says so.
-    showError(chat ? u"«%1»: %2"_s.arg(chat->name, error.message) : error.message);
-    m_canRetryError = ending && ending->wasOpen && !m_isGenerating;
-}
-
-void ChatViewModel::streamEnded() {
-    const auto ending = m_stream.end();
-    if (!ending) {
-        // An answer that nobody waited for any more: the open chat may be its own.
-        if (m_activeChat)
-            m_loader.load(m_activeChat->id);
-        return;
-    }
-    emit m_dependencies.notifications.didCompleteAIResponse();
-    if (ending->createdChat) // it has got its title by now
-        m_scope.start([this] { return m_directory.load(); });
-}
-
 void ChatViewModel::answerStateChanged() {
     m_isGenerating = m_stream.isGenerating();
     m_artifacts.setAnswerRunning(m_isGenerating);
     toolStateChanged();
-    if (m_recordedChatId && !m_stream.isRunning(*m_recordedChatId))
-        endGenerationRecord();
+    m_recovery.streamChanged();
     if (!m_isGenerating) {
         m_hintTimer.cancel();
         m_generationHint = QString();
@@ -616,6 +413,20 @@ void ChatViewModel::answerStateChanged() {
         m_hintTimer =
             m_dependencies.scheduler.after(hintDelay, [this] { m_generationHint = QStringView(slowHint).toString(); });
     }
+}
+
+void ChatViewModel::toolStateChanged() {
+    const ToolWork* work = m_stream.openTools();
+    const ToolState now = work ? static_cast<const ToolState&>(*work) : ToolState();
+    if (now == m_tools)
+        return;
+    m_tools = now;
+    emit toolsChanged();
+}
+
+QString ChatViewModel::nameOf(qint64 chatId) const {
+    const Chat* chat = m_directory.find(chatId);
+    return chat ? chat->name : QString();
 }
 
 // Banners and hints
@@ -626,9 +437,9 @@ void ChatViewModel::dismissError() {
     m_canRetryError = false;
 }
 
-void ChatViewModel::showError(const QString& message) {
+void ChatViewModel::showError(const QString& message, bool canRetry) {
     m_generationError = message;
-    m_canRetryError = false;
+    m_canRetryError = canRetry;
     m_bannerTimer = m_dependencies.scheduler.after(bannerTime, [this] { dismissError(); });
 }
 

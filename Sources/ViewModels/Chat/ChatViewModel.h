@@ -3,19 +3,20 @@
 #include "Chat/AnswerStream.h"
 #include "Chat/ArtifactSelection.h"
 #include "Chat/ChatDirectory.h"
+#include "Chat/ChatRecovery.h"
 #include "Chat/ComposerAttachments.h"
-#include "Chat/GenerationStateManager.h"
+#include "Chat/ComposerInput.h"
+#include "Chat/ConnectionState.h"
+#include "Chat/ConversationLoader.h"
 #include "Chat/MessageListModel.h"
-#include "Chat/MessageLoader.h"
 #include "Chat/ModelListModel.h"
 #include "Chat/ModelSelection.h"
 #include "Chat/QuestionUploads.h"
-#include "Chat/SocketEvent.h"
+#include "Chat/SocketEventRouter.h"
 #include "Scheduler.h"
 #include "TaskScope.h"
 #include "User.h"
 
-#include <QHash>
 #include <QProperty>
 
 namespace Korvi {
@@ -89,9 +90,7 @@ public:
     };
 
     static constexpr auto hintDelay = std::chrono::seconds(60);
-    static constexpr auto completedTime = std::chrono::seconds(5);
     static constexpr auto bannerTime = std::chrono::seconds(8);
-    static constexpr auto draftDelay = std::chrono::seconds(1);
 
     explicit ChatViewModel(Dependencies dependencies, QObject* parent = nullptr);
     ~ChatViewModel() override;
@@ -104,8 +103,8 @@ public:
     Task<void> loadData();
     Task<void> prefetchRelatedData();
     Task<void> loadChats() { return m_directory.load(); }
-    Q_INVOKABLE void connectToService();
-    Q_INVOKABLE void reconnect();
+    Q_INVOKABLE void connectToService() { m_connection.connectToService(); }
+    Q_INVOKABLE void reconnect() { m_connection.reconnect(); }
 
     Q_INVOKABLE void createChat();
     Q_INVOKABLE void createChatInProject(qint64 projectId, const QString& projectName);
@@ -124,10 +123,12 @@ public:
 
     Q_INVOKABLE void chooseModel(const QString& id);
     Q_INVOKABLE void setEditImage(const QString& url, const QString& prompt);
-    Q_INVOKABLE void clearPendingEditImage();
+    Q_INVOKABLE void clearPendingEditImage() { m_input.setEditImageUrl(std::nullopt); }
 
     // The application has come back to the front, or the machine from its sleep: what became of the answer?
-    void recoverFromBackground();
+    void recoverFromBackground() {
+        m_recovery.recover([this] { return activeChatId(); });
+    }
 
     Q_INVOKABLE void toggleFavorite(qint64 chatId);
     Q_INVOKABLE void renameChat(qint64 chatId, const QString& newName);
@@ -135,8 +136,6 @@ public:
 
     // Nothing of the user who leaves stays on the screen or in memory.
     void reset();
-
-    void handleSocketEvent(const SocketEvent& event);
 
     ChatListModel* chats() { return m_directory.model(); }
     MessageListModel* messages() { return &m_messages; }
@@ -148,18 +147,18 @@ public:
     QString activeChatName() const { return m_activeChat ? m_activeChat->name : QString(); }
     std::optional<qint64> activeProjectId() const { return m_activeProjectId; }
     std::optional<QString> activeProjectName() const { return m_activeProjectName; }
-    bool areMessagesLoaded() const { return m_areMessagesLoaded; }
-    QString currentInput() const { return m_currentInput; }
-    void setCurrentInput(const QString& text);
+    bool areMessagesLoaded() const { return m_loader.areMessagesLoaded(); }
+    QString currentInput() const { return m_input.text(); }
+    void setCurrentInput(const QString& text) { m_input.setText(text); }
     bool canSend() const;
     bool isGenerating() const { return m_isGenerating; }
-    QString connectionStatus() const { return m_connectionStatus; }
-    bool isConnected() const;
+    QString connectionStatus() const { return m_connection.status(); }
+    bool isConnected() const { return m_connection.isConnected(); }
     QString selectedModel() const { return m_modelSelection.selectedModel(); }
     QString chatModelName() const { return m_modelSelection.chatModelName(); }
     bool showingModelSelector() const { return m_showingModelSelector; }
     void setShowingModelSelector(bool showing);
-    QString pendingEditImageUrl() const { return m_pendingEditImageUrl.value_or(QString()); }
+    QString pendingEditImageUrl() const { return m_input.editImageUrl().value_or(QString()); }
     QString generationError() const { return m_generationError; }
     bool canRetryError() const { return m_canRetryError; }
     QString generationHint() const { return m_generationHint; }
@@ -171,17 +170,15 @@ public:
     ComposerAttachments* attachments() { return &m_dependencies.attachments; }
     AttachmentListModel* pendingFileAttachments() { return m_dependencies.attachments.pending(); }
     bool hasAttachments() const;
-    bool isRecovering() const { return m_isRecovering; }
-    QBindable<bool> bindableIsRecovering() { return &m_isRecovering; }
-    qint64 completedInOtherChatId() const { return m_completedInOtherChat ? m_completedInOtherChat->first : -1; }
-    QString completedInOtherChatName() const {
-        return m_completedInOtherChat ? m_completedInOtherChat->second : QString();
-    }
+    bool isRecovering() const { return m_recovery.isRecovering(); }
+    qint64 completedInOtherChatId() const { return completedInOtherChat().chatId; }
+    QString completedInOtherChatName() const { return completedInOtherChat().chatName; }
     int contentUpdateTrigger() const { return m_contentUpdateTrigger; }
 
-    QBindable<bool> bindableAreMessagesLoaded() { return &m_areMessagesLoaded; }
+    QBindable<bool> bindableAreMessagesLoaded() { return m_loader.bindableAreMessagesLoaded(); }
+    QBindable<bool> bindableIsRecovering() { return m_recovery.bindableIsRecovering(); }
     QBindable<bool> bindableIsGenerating() { return &m_isGenerating; }
-    QBindable<QString> bindableConnectionStatus() { return &m_connectionStatus; }
+    QBindable<QString> bindableConnectionStatus() { return m_connection.bindableStatus(); }
     QBindable<QString> bindableGenerationError() { return &m_generationError; }
     QBindable<bool> bindableCanRetryError() { return &m_canRetryError; }
     QBindable<QString> bindableGenerationHint() { return &m_generationHint; }
@@ -214,71 +211,46 @@ signals:
 private:
     void send(const QString& text, const std::optional<QString>& editImageUrl,
         std::vector<ChatFileAttachment> attachments = {});
-    void filesUploaded(quint64 serial, const AttachmentUploader::Uploaded& uploaded);
     void toolStateChanged();
-    Task<void> recover();
-    void setCompletedInOtherChat(std::optional<std::pair<qint64, QString>> chat);
+    ChatRecovery::Completed completedInOtherChat() const {
+        return m_recovery.completedInOtherChat().value_or(ChatRecovery::Completed());
+    }
     QString nameOf(qint64 chatId) const;
-    void noteQuestion(const QString& text, bool hasImage);
-    void endGenerationRecord();
-    void connected();
     void closeConversation();
-    void connectionFailed(const QString& reason);
-    void created(const Chat& chat);
-    void failed(const SocketEvent::Error& error);
-    void streamEnded();
     void organizationChanged();
     Task<void> fetchCurrentUser();
-    void messagesLoaded(qint64 chatId, const std::vector<ChatMessage>& messages);
-    void messagesFailed(qint64 chatId, bool isGone);
-    void show(std::vector<ChatMessage> messages);
     void openConversation(std::optional<Chat> chat);
     void setActiveChat(std::optional<Chat> chat);
-    void setPendingEditImage(std::optional<QString> url);
     void selectModel(const QString& id);
     void answerStateChanged();
     void takeBackQuestion(const QString& text);
-    void showError(const QString& message);
-    void saveDraft();
-    void saveLeftInputs();
+    void showError(const QString& message, bool canRetry = false);
 
     Dependencies m_dependencies;
     std::optional<User> m_user;
+    ConnectionState m_connection;
     ChatDirectory m_directory;
     MessageListModel m_messages;
-    MessageLoader m_loader;
     AnswerStream m_stream;
+    ConversationLoader m_loader;
+    ChatRecovery m_recovery;
+    SocketEventRouter m_router;
     ModelSelection m_modelSelection;
     ModelListModel m_models;
-    GenerationStateManager m_generationState;
+    ComposerInput m_input;
     ArtifactSelection m_artifacts;
     QuestionUploads m_uploads;
-    ToolState m_tools;                      // as they are shown
-    std::optional<qint64> m_recordedChatId; // of the record of the running answer; -1: it has no number yet
-    std::optional<qint64> m_restoresArtifactOf;
-    std::optional<std::pair<qint64, QString>> m_completedInOtherChat;
+    ToolState m_tools; // as they are shown
     std::optional<Chat> m_activeChat;
     std::optional<qint64> m_activeProjectId; // of the chat about to be created
     std::optional<QString> m_activeProjectName;
-    QString m_currentInput;
-    QHash<qint64, QString> m_leftInputs; // what was being written in a chat when a new one was begun
-    std::optional<QString> m_pendingEditImageUrl;
     bool m_showingModelSelector = false;
     int m_contentUpdateTrigger = 0;
-    bool m_isConnecting = false; // connectToService() has had no outcome yet
     Timer m_hintTimer;
     Timer m_bannerTimer;
-    Timer m_completedTimer;
-    Timer m_draftTimer;
 
     Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(
-        ChatViewModel, bool, m_areMessagesLoaded, true, &ChatViewModel::areMessagesLoadedChanged)
-    Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(
         ChatViewModel, bool, m_isGenerating, false, &ChatViewModel::isGeneratingChanged)
-    Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(ChatViewModel, QString, m_connectionStatus, QStringLiteral("Connecting..."),
-        &ChatViewModel::connectionStatusChanged)
-    Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(
-        ChatViewModel, bool, m_isRecovering, false, &ChatViewModel::isRecoveringChanged)
     Q_OBJECT_BINDABLE_PROPERTY(ChatViewModel, QString, m_generationError, &ChatViewModel::generationErrorChanged)
     Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(
         ChatViewModel, bool, m_canRetryError, false, &ChatViewModel::canRetryErrorChanged)

@@ -122,6 +122,7 @@ Task<void> ComposerAttachments::addAll(QList<QUrl> files) {
 }
 
 bool ComposerAttachments::addDropped(const QList<QUrl>& urls, const QByteArray& image, const QString& type) {
+    qCInfo(lcComposer) << "[Drop] Provider types:" << urls.size() << "addresses" << type;
     if (addFiles(urls))
         return true;
     if (!image.isEmpty()) {

@@ -12,6 +12,15 @@ Generation* findIn(Range&& range, Predicate predicate) {
     return it == range.end() ? nullptr : &*it;
 }
 
+void forgo(Generation& generation, Generation::State state) {
+    generation.state = state;
+    if (!generation.isWaiting())
+        generation.stage = Generation::Stage::heard;
+    generation.isForgotten = true;
+    generation.isOpen = false;
+    generation.parked.clear();
+}
+
 template <class Queue>
 struct Newest {
     Queue& queue;
@@ -55,6 +64,29 @@ Generation* GenerationQueue::withoutChat() {
 
 void GenerationQueue::remove(const Generation* generation) {
     std::erase_if(m_generations, [generation](const Generation& each) { return &each == generation; });
+}
+
+void GenerationQueue::forgo(qint64 chatId) {
+    for (Generation& generation : m_generations) {
+        if (generation.chatId == chatId)
+            Korvi::forgo(generation, Generation::State::stopped);
+    }
+}
+
+void GenerationQueue::forgoAll() {
+    for (Generation& generation : m_generations) {
+        const auto stopped = generation.chatId > 0 ? Generation::State::stopped : Generation::State::stopRequested;
+        Korvi::forgo(generation, generation.state == Generation::State::running ? stopped : generation.state);
+    }
+}
+
+QSet<qint64> GenerationQueue::runningChats() const {
+    QSet<qint64> chatIds;
+    for (const Generation& generation : m_generations) {
+        if (generation.state == Generation::State::running && generation.chatId > 0)
+            chatIds.insert(generation.chatId);
+    }
+    return chatIds;
 }
 
 }

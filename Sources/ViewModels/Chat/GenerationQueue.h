@@ -1,12 +1,12 @@
 #pragma once
 
-#include "Chat/AnswerFold.h"
+#include "Chat/AnswerPieces.h"
 #include "Chat/SocketFrame.h"
-#include "Chat/ToolEvents.h"
 #include "ChatMessage.h"
 #include "Scheduler.h"
 
 #include <QDateTime>
+#include <QSet>
 
 #include <list>
 
@@ -65,11 +65,8 @@ struct Generation {
     Timer endWatchdog;
     QString textHead; // of all that was received, shown or not
     QString thinkingTail;
-    QStringList textPieces; // received, waiting for the next flush
-    QStringList thinkingPieces;
-    bool hasArtifactPieces = false; // the same, in `tools`
+    AnswerPieces pieces;
 
-    bool hasNews() const { return !textPieces.isEmpty() || !thinkingPieces.isEmpty() || hasArtifactPieces; }
     bool createsChat() const { return question.chatId < 0; }
     bool isWaiting() const { return stage == Stage::waiting; }
     bool isDoubtful() const { return stage == Stage::doubtful; }
@@ -91,8 +88,12 @@ public:
     Generation* firstOf(qint64 chatId);   // the one of that chat whose frames come first
     Generation* withoutChat();            // the first whose chat has not been created yet, of those that have left
     void remove(const Generation* generation);
+    // What comes of these is nobody's any more, but must not become another's. Their messages are dropped.
+    void forgo(qint64 chatId);
+    void forgoAll();
     void clear() { m_generations.clear(); }
 
+    QSet<qint64> runningChats() const; // in which an answer is waited for
     std::list<Generation>& all() { return m_generations; }
     const std::list<Generation>& all() const { return m_generations; }
 

@@ -28,23 +28,47 @@ ChatMessage message(ChatMessage::Role role, std::vector<MessageContent> content,
     return made;
 }
 
+const std::vector<MessageContent>& blocksOf(const ChatMessage& message) {
+    static const std::vector<MessageContent> none;
+    return message.content ? *message.content : none;
+}
+
 template <class Block>
 QString joined(const ChatMessage& message, QStringView separator) {
     QStringList parts;
-    for (const MessageContent& block : message.content.value_or(std::vector<MessageContent>())) {
+    for (const MessageContent& block : blocksOf(message)) {
         if (const auto* part = block.as<Block>())
             parts.append(part->text);
     }
     return parts.join(separator);
 }
 
-std::vector<MessageContent> files(const ChatMessage& message) {
-    std::vector<MessageContent> found;
-    for (const MessageContent& block : message.content.value_or(std::vector<MessageContent>())) {
-        if (block.as<File>())
-            found.push_back(block);
+// It never came to the service: its message went without it.
+bool isLocal(const QString& url) {
+    return QUrl(url).isLocalFile();
+}
+
+// What the service may not have of a message.
+struct Attached {
+    std::vector<MessageContent> lostImages;
+    std::vector<MessageContent> lostFiles;
+    std::vector<MessageContent> files; // all of them
+
+    bool isEmpty() const { return lostImages.empty() && files.empty(); }
+};
+
+Attached attachedTo(const ChatMessage& message) {
+    Attached attached;
+    for (const MessageContent& block : blocksOf(message)) {
+        if (const auto* image = block.as<MessageContent::Image>(); image && isLocal(image->url))
+            attached.lostImages.push_back(block);
+        const auto* file = block.as<File>();
+        if (file)
+            attached.files.push_back(block);
+        if (file && isLocal(file->url))
+            attached.lostFiles.push_back(block);
     }
-    return found;
+    return attached;
 }
 
 bool isOfUser(const ChatMessage& message) {
@@ -74,6 +98,11 @@ constexpr std::array typeRules{
 
 bool isAnswer(const ChatMessage& message) {
     return message.role == ChatMessage::Role::ai || message.role == ChatMessage::Role::assistant;
+}
+
+std::optional<int> rowOfLastAnswer(const std::vector<ChatMessage>& messages) {
+    const auto answer = std::find_if(messages.rbegin(), messages.rend(), isAnswer);
+    return answer == messages.rend() ? std::nullopt : std::optional(static_cast<int>(messages.rend() - answer) - 1);
 }
 
 std::vector<MessageContent> contentOf(const QString& text, const std::optional<QString>& editImageUrl,
@@ -135,25 +164,32 @@ QString detectGenerationType(const QString& text, bool hasImage) {
 }
 
 std::vector<ChatMessage> mergeFileAttachments(const std::vector<ChatMessage>& local, std::vector<ChatMessage> server) {
-    if (std::ranges::all_of(local, [](const ChatMessage& each) { return files(each).empty(); }))
-        return server;
     // Counted from the end: the same words may have been sent more than once, with other files or without.
-    QHash<QString, std::vector<std::vector<MessageContent>>> known;
+    QHash<QString, std::vector<Attached>> known;
+    bool isAnyAttached = false;
     for (const ChatMessage& each : local) {
-        if (isOfUser(each))
-            known[joinedText(each, u" ")].push_back(files(each));
+        if (!isOfUser(each))
+            continue;
+        Attached attached = attachedTo(each);
+        isAnyAttached = isAnyAttached || !attached.isEmpty();
+        known[joinedText(each, u" ")].push_back(std::move(attached));
     }
+    if (!isAnyAttached)
+        return server;
     for (auto each = server.rbegin(); each != server.rend(); ++each) {
         const auto sent = isOfUser(*each) ? known.find(joinedText(*each, u" ")) : known.end();
         if (sent == known.end() || sent->empty())
             continue;
-        const std::vector<MessageContent> attached = std::move(sent->back());
+        const Attached attached = std::move(sent->back());
         sent->pop_back();
-        if (attached.empty() || !files(*each).empty())
+        if (attached.isEmpty())
             continue;
+        const bool hasFiles = !attachedTo(*each).files.empty();
+        const std::vector<MessageContent>& files = hasFiles ? attached.lostFiles : attached.files;
         if (!each->content)
             each->content.emplace();
-        each->content->insert(each->content->end(), attached.begin(), attached.end());
+        each->content->insert(each->content->begin(), attached.lostImages.begin(), attached.lostImages.end());
+        each->content->insert(each->content->end(), files.begin(), files.end());
     }
     return server;
 }

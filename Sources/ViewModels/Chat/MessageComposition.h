@@ -14,6 +14,7 @@ class Random;
 namespace MessageComposition {
 
 bool isAnswer(const ChatMessage& message); // of any of the two roles that answers have
+std::optional<int> rowOfLastAnswer(const std::vector<ChatMessage>& messages);
 
 struct Turn {
     ChatMessage question;
@@ -35,7 +36,7 @@ Turn begin(std::vector<MessageContent> content, qint64 chatId, const Clock& cloc
 QString detectGenerationType(const QString& text, bool hasImage);
 
 // The service may return the user's messages without their files: they are taken from the messages at hand that have
-// the same text, the last of them from the last one.
+// the same text, the last of them from the last one. What never came to the service is kept as well, to be sent again.
 std::vector<ChatMessage> mergeFileAttachments(const std::vector<ChatMessage>& local, std::vector<ChatMessage> server);
 
 // All text, or all reasoning, in one.

@@ -1,13 +1,14 @@
 #include "Chat/QuestionUploads.h"
 
+#include "Chat/AnswerStream.h"
 #include "Chat/ComposerAttachments.h"
 
 namespace Korvi {
 
-QuestionUploads::QuestionUploads(ComposerAttachments& attachments, Scheduler& scheduler, Done done)
+QuestionUploads::QuestionUploads(ComposerAttachments& attachments, AnswerStream& stream, Scheduler& scheduler)
     : m_attachments(attachments)
-    , m_scheduler(scheduler)
-    , m_done(std::move(done)) {}
+    , m_stream(stream)
+    , m_scheduler(scheduler) {}
 
 QuestionUploads::~QuestionUploads() = default;
 
@@ -24,13 +25,34 @@ Task<void> QuestionUploads::run(quint64 serial) {
     const Uploaded uploaded = co_await m_attachments.upload(std::move(files));
     const auto job = m_jobs.find(serial);
     job->second->files = uploaded.attachments;
-    m_done(serial, uploaded);
+    supply(serial, uploaded);
     // Not gone before its own task is.
     if (const auto ended = m_jobs.find(serial); ended != m_jobs.end()) {
         m_ended.push_back(std::move(ended->second));
         m_jobs.erase(ended);
     }
     m_sweep = m_scheduler.after(std::chrono::milliseconds(0), [this] { m_ended.clear(); });
+}
+
+void QuestionUploads::supply(quint64 serial, const Uploaded& uploaded) {
+    QHash<QString, QString> places;
+    for (const ChatFileAttachment& attachment : uploaded.attachments) {
+        if (attachment.localURL && attachment.remoteURL)
+            places.insert(attachment.localURL->toString(), *attachment.remoteURL);
+    }
+    const bool isBare = uploaded.imageUrls.isEmpty() && uploaded.fileUrls.empty();
+    if (isBare && !m_stream.hasText(serial))
+        return m_stream.withdraw(serial);
+    // The message shows its first image only: one would never learn that another one is missing.
+    bool isFirst = true;
+    for (const ChatFileAttachment& attachment : uploaded.attachments) {
+        if (attachment.category != FileTypeCategory::image)
+            continue;
+        if (!isFirst && attachment.uploadError)
+            m_attachments.giveBack({attachment});
+        isFirst = false;
+    }
+    m_stream.supply(serial, uploaded.imageUrls, uploaded.fileUrls, places);
 }
 
 void QuestionUploads::giveBack(quint64 serial) {

@@ -8,15 +8,16 @@
 
 namespace Korvi {
 
+class AnswerStream;
 class ComposerAttachments;
 
-// The files of questions that are held until these are at the service. Main thread only.
+// The files of questions that are held until these are at the service: then the questions are supplied with them, or
+// withdrawn when they have nothing else to say and none has arrived. Main thread only.
 class QuestionUploads {
 public:
     using Uploaded = AttachmentUploader::Uploaded;
-    using Done = std::function<void(quint64 serial, const Uploaded& uploaded)>;
 
-    QuestionUploads(ComposerAttachments& attachments, Scheduler& scheduler, Done done);
+    QuestionUploads(ComposerAttachments& attachments, AnswerStream& stream, Scheduler& scheduler);
     ~QuestionUploads();
 
     void start(quint64 serial, std::vector<ChatFileAttachment> files);
@@ -31,10 +32,11 @@ private:
     };
 
     Task<void> run(quint64 serial);
+    void supply(quint64 serial, const Uploaded& uploaded);
 
     ComposerAttachments& m_attachments;
+    AnswerStream& m_stream;
     Scheduler& m_scheduler;
-    Done m_done;
     std::map<quint64, std::unique_ptr<Job>> m_jobs;
     std::vector<std::unique_ptr<Job>> m_ended; // until their tasks have left
     Timer m_sweep;

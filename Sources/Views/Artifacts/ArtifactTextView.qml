@@ -52,6 +52,11 @@ Flickable {
 
         name: area.kindName
     }
+    AnswerViewers {
+        id: viewers
+
+        onCopyWanted: text => area.copyWanted(text)
+    }
     ListModel {
         id: one
 
@@ -106,6 +111,7 @@ Flickable {
             text: area.text
 
             onCopyWanted: text => area.copyWanted(text)
+            onDiagramWanted: code => viewers.showDiagram(code)
         }
         // qmllint enable unqualified
     }
@@ -117,6 +123,7 @@ Flickable {
             code: area.text
 
             onCopyWanted: text => area.copyWanted(text)
+            onEnlargeWanted: code => viewers.showDiagram(code)
         }
         // qmllint enable unqualified
     }

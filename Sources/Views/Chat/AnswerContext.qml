@@ -13,6 +13,12 @@ QtObject {
     // What was unfolded, by what it is of: rows are made again when they come back into view.
     readonly property var kept: ({})
 
+    function keptOf(key: string): var {
+        kept[key] = kept[key] ?? {}
+        return kept[key]
+    }
+
     signal imagesWanted(var images, int index) // { url, alt }, isOurs for a file of the user's own
+    signal diagramWanted(string code) // larger
     signal sendWanted(string file) // of what has not gone up with its message
 }

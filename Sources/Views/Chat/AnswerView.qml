@@ -11,6 +11,7 @@ Item {
     required property bool actionsShown
     required property bool canRetry
     property AnswerContext context: null
+    property real messageId: 0
 
     readonly property bool isEmpty: body.count === 0
     // What a tool does, unless its placeholder says so.
@@ -48,6 +49,14 @@ Item {
         return body.markdown()
     }
 
+    function sourceAt(x: real, y: real): var {
+        return body.sourceAt(x - body.x, y - body.y)
+    }
+
+    function focusedSource(): var {
+        return body.focusedSource()
+    }
+
     implicitHeight: actions.y + actions.height
 
     ThinkingBlock {
@@ -68,6 +77,7 @@ Item {
         content: answer.content
         context: answer.context
         isStreaming: answer.isStreaming
+        kept: answer.context?.keptOf("parts " + answer.messageId) ?? ({})
         visible: !answer.isEmpty
         width: parent.width - Theme.gap4
         y: reasoning.visible ? reasoning.height + Theme.gap3 : 0

@@ -77,16 +77,17 @@ FocusScope {
         hasPlaceholder: view.chat.hasGeneratingPlaceholder
         toolStatus: view.chat.currentToolStatus
 
-        onImagesWanted: (images, index) => viewer.open({ images: images, currentIndex: index })
+        onDiagramWanted: code => viewers.showDiagram(code)
+        onImagesWanted: (images, index) => viewers.showImages(images, index)
         onSendWanted: file => {
             view.chat.sendSeparately(file)
             list.showLastTurn()
         }
     }
-    OnDemand {
-        id: viewer
+    AnswerViewers {
+        id: viewers
 
-        source: "qrc:/qt-project.org/imports/Korvi/Views/ImageViewerOverlay.qml"
+        onCopyWanted: text => list.copy(text)
     }
     MessageList {
         id: list

@@ -44,10 +44,8 @@ PartColumn {
     }
     // qmllint enable unqualified
     estimate: MessageHeights {
-        readonly property string sample: "Обычный русский текст, по которому меряют ширину."
-
         answerWidth: column.width
-        characterWidth: metrics.advanceWidth(sample) / sample.length
+        characterWidth: character.width
         isPlain: true
         lineHeight: Theme.leading(Theme.fontBody)
         textRole: "part"
@@ -68,10 +66,7 @@ PartColumn {
 
         onCaretMoved: (y, height) => column.caretMoved(y, height)
     }
-    FontMetrics {
-        id: metrics
-
-        font.family: Theme.family
-        font.pixelSize: Theme.fontBody
+    AverageCharacter {
+        id: character
     }
 }

@@ -144,11 +144,11 @@ Flickable {
 
             onCaretMoved: (y, height) => column.reveal(index, y, height)
             onCopyWanted: text => list.copy(text)
-            onMenuWanted: (x, y) => {
+            onMenuWanted: (x, y, source) => {
                 menu.active = true
                 menu.focused = holdsFocus ? list.Window.activeFocusItem : null
                 menu.row = index
-                menu.item.openFor(message, x, y)
+                menu.item.openFor(message, x, y, source)
             }
             onRetryWanted: list.retryWanted()
             onThinkingToggled: {
@@ -161,11 +161,9 @@ Flickable {
         // qmllint enable unqualified
         estimate: MessageHeights {
             answerWidth: list.columnWidth - Theme.gap4
-            readonly property string sample: "Обычный русский текст, по которому меряют ширину."
-
             aroundAnswer: Theme.gap1 + Theme.actionHeight
             aroundQuestion: Theme.gap2 * 2 + Theme.gap2
-            characterWidth: metrics.advanceWidth(sample) / sample.length
+            characterWidth: character.width
             fileHeight: Theme.sentFileHeight + Theme.gap2
             imageHeight: Theme.sentImageHeight + Theme.gap2
             lineHeight: Theme.leading(Theme.fontBody)
@@ -182,11 +180,8 @@ Flickable {
         }
         onFocusedRowRemoved: row => list.focusRow(Math.min(row, count - 1))
     }
-    FontMetrics {
-        id: metrics
-
-        font.family: Theme.family
-        font.pixelSize: Theme.fontBody
+    AverageCharacter {
+        id: character
     }
     // The way to the clipboard that Qt Quick has.
     TextEdit {
@@ -212,6 +207,7 @@ Flickable {
                 if (menu.focused)
                     Qt.callLater(() => list.focusRow(Math.min(menu.row, list.count - 1)))
             }
+            onEnlargeWanted: code => list.context?.diagramWanted(code)
             onRetryWanted: list.retryWanted()
         }
         // qmllint enable unqualified

@@ -8,21 +8,31 @@ PopupMenu {
     property string text // as it is read
     property string markdown // as it was written; empty for a question, which is only that
     property string selectedText
+    property var source: null // { kind, text } of the part that it was opened on
     property bool canRetry: false
+
+    readonly property var sourceTexts: ({
+        code: "Копировать код",
+        diagram: "Копировать код диаграммы",
+        formula: "Копировать формулу (TeX)",
+        table: "Копировать таблицу",
+    })
 
     signal copyWanted(string text)
     signal deletionWanted(real messageId)
+    signal enlargeWanted(string code) // of a diagram
     signal retryWanted
 
     firstIndex: -1 // a selection lives only while nothing else takes the focus
 
     // Beside that place in the row. What is done concerns the message as it is now.
-    function openFor(row: MessageRow, x: real, y: real): void {
+    function openFor(row: MessageRow, x: real, y: real, part: var): void {
         const place = row.mapToItem(parent, x, y)
         messageId = row.messageId
         text = row.wholeText()
         markdown = row.isUser ? "" : row.markdown()
         selectedText = row.selectedText()
+        source = part
         canRetry = row.canRetry
         popup(place.x, place.y, selectedText.length > 0 ? copySelection : copyAll)
     }
@@ -33,6 +43,7 @@ PopupMenu {
         text = ""
         markdown = ""
         selectedText = ""
+        source = null
     }
 
     PopupMenuItem {
@@ -61,6 +72,23 @@ PopupMenu {
         visible: menu.selectedText.length > 0
 
         onTriggered: menu.copyWanted(menu.selectedText)
+    }
+    PopupMenuItem {
+        height: visible ? implicitHeight : 0
+        objectName: "copySourceItem"
+        text: menu.sourceTexts[menu.source?.kind] ?? ""
+        visible: text.length > 0
+
+        onTriggered: menu.copyWanted(menu.source.text)
+    }
+    PopupMenuItem {
+        height: visible ? implicitHeight : 0
+        objectName: "enlargeItem"
+        symbol: "arrow.up.left.and.arrow.down.right"
+        text: "Показать крупнее"
+        visible: menu.source?.kind === "diagram"
+
+        onTriggered: menu.enlargeWanted(menu.source.text)
     }
     PopupMenuItem {
         height: visible ? implicitHeight : 0

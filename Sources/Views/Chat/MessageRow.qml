@@ -26,7 +26,7 @@ Item {
     signal thinkingToggled
     signal retryWanted
     signal copyWanted(string text)
-    signal menuWanted(real x, real y)
+    signal menuWanted(real x, real y, var source) // of a part there, see AdvancedMarkdownText
     signal caretMoved(real y, real height)
 
     // What is read, and what was written.
@@ -64,7 +64,7 @@ Item {
     }
     Keys.onPressed: event => {
         if (event.key === Qt.Key_Menu || event.key === Qt.Key_F10 && event.modifiers & Qt.ShiftModifier)
-            menuWanted((width - columnWidth) / 2, Math.min(height, Theme.rowHeight))
+            menuWanted((width - columnWidth) / 2, Math.min(height, Theme.rowHeight), isUser ? null : body.item.focusedSource()) // qmllint disable
         else if (event.matches(StandardKey.Copy))
             copyWanted(selectedText() || wholeText())
         else if (activeFocus && event.matches(StandardKey.SelectAll))
@@ -83,7 +83,10 @@ Item {
         acceptedButtons: Qt.RightButton
         gesturePolicy: TapHandler.ReleaseWithinBounds
 
-        onTapped: point => row.menuWanted(point.position.x, point.position.y)
+        onTapped: point => {
+            const at = row.mapToItem(body, point.position.x, point.position.y)
+            row.menuWanted(point.position.x, point.position.y, row.isUser ? null : body.item.sourceAt(at.x, at.y)) // qmllint disable
+        }
     }
     FocusRing {
         anchors.fill: body
@@ -121,6 +124,7 @@ Item {
             content: row.content
             context: row.context
             isStreaming: row.isStreaming
+            messageId: row.messageId
             thinking: row.thinking
             thinkingOpen: row.thinkingOpen
 

@@ -13,8 +13,6 @@ QtObject {
 
     // What is selected beyond the borders of one part: { anchorPart, anchor, headPart, head }; the head moves.
     property var span: null
-    readonly property bool isBackward: span !== null
-        && (span.headPart < span.anchorPart || span.headPart === span.anchorPart && span.head < span.anchor)
 
     property bool isDragging: false
     property int pressedPart: -1
@@ -22,9 +20,15 @@ QtObject {
 
     signal caretMoved(real y, real height)
 
+    // Not a property: it has to be right in onSpanChanged already.
+    function isBackward(): bool {
+        return span !== null
+            && (span.headPart < span.anchorPart || span.headPart === span.anchorPart && span.head < span.anchor)
+    }
+
     function selectedText(): string {
         if (span)
-            return isBackward ? model.between(span.headPart, span.head, span.anchorPart, span.anchor)
+            return isBackward() ? model.between(span.headPart, span.head, span.anchorPart, span.anchor)
                 : model.between(span.anchorPart, span.anchor, span.headPart, span.head)
         for (let part = 0; part < model.count; ++part) {
             const item = column.itemAt(part)
@@ -72,15 +76,16 @@ QtObject {
         if (item.persistentSelection === undefined)
             return
         item.persistentSelection = span !== null
-        const first = isBackward ? span.headPart : span?.anchorPart
-        const last = isBackward ? span.anchorPart : span?.headPart
+        const backward = isBackward()
+        const first = backward ? span.headPart : span?.anchorPart
+        const last = backward ? span.anchorPart : span?.headPart
         if (!span || part < first || part > last) {
             item.deselect()
             return
         }
-        const from = part !== first ? 0 : isBackward ? span.head : span.anchor
-        const to = part !== last ? item.length : isBackward ? span.anchor : span.head
-        if (part === span.headPart && isBackward)
+        const from = part !== first ? 0 : backward ? span.head : span.anchor
+        const to = part !== last ? item.length : backward ? span.anchor : span.head
+        if (part === span.headPart && backward)
             item.select(to, from) // the caret stands where the selection goes on
         else
             item.select(from, to)
@@ -119,7 +124,7 @@ QtObject {
         const item = column.itemAt(part)
         if (!span || isDragging || !item?.hasCaret || part !== span.headPart || item.cursorPosition === span.head)
             return
-        const border = isBackward ? item.length : 0
+        const border = isBackward() ? item.length : 0
         if (item.selectionStart === item.selectionEnd && item.cursorPosition !== border)
             span = null
         else

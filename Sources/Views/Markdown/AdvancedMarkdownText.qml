@@ -12,6 +12,7 @@ Item {
     property bool isStreaming: false
     property color textColor: Theme.t1
     property AnswerContext context: null
+    property var kept: ({}) // what the reader did to its parts, by their numbers; for who makes it again
 
     readonly property alias count: parts.count
     readonly property alias beginning: parts.beginning // for a screen reader
@@ -19,16 +20,40 @@ Item {
 
     signal caretMoved(real y, real height)
     signal copyWanted(string text)
-    signal enlargeWanted(string code) // of a diagram
+    signal diagramWanted(string code) // larger; without a context that does it
+
+    function keptOf(part: int): var {
+        kept[part] = kept[part] ?? {}
+        return kept[part]
+    }
 
     // Larger, among the other images of this answer.
-    function showImage(address: url): void {
+    function showImage(address: string): void {
         const images = parts.images()
-        const index = images.findIndex(image => image.url === address.toString()) // qmllint disable
+        const index = images.findIndex(image => image.url === address) // qmllint disable
         if (context && index >= 0)
             context.imagesWanted(images, index)
         else
-            Qt.openUrlExternally(address)
+            Links.open(address)
+    }
+
+    function showDiagram(code: string): void {
+        if (context)
+            context.diagramWanted(code)
+        else
+            diagramWanted(code)
+    }
+
+    // What stands there and is copied by itself: { kind, text }, or null.
+    function sourceAt(x: real, y: real): var {
+        const item = column.itemAt(column.partAt(y))
+        const isThere = item && y >= item.y && y < item.y + item.height
+        return isThere ? item.sourceAt?.(x - item.x, y - item.y) ?? null : null // qmllint disable
+    }
+
+    // The same of what has the keyboard.
+    function focusedSource(): var {
+        return column.itemAt(column.focusedPart())?.sourceAt?.(-1, -1) ?? null // qmllint disable
     }
 
     function selectedText(): string {
@@ -94,6 +119,13 @@ Item {
         objectName: "answerText"
         width: view.width
 
+        // qmllint disable
+        onPartMade: (part, item) => {
+            item.caretMoved?.connect((y, height) => view.caretMoved(item.y + y, height))
+            item.copyWanted?.connect(text => view.copyWanted(item instanceof TextPart ? view.selectedText() : text))
+        }
+        // qmllint enable
+
         // One file for each kind of part; a kind that is not listed is not shown. See PartKinds.h.
         // qmllint disable unqualified
         kinds: [
@@ -101,67 +133,49 @@ Item {
                 name: "text"
 
                 TextPart {
-                    id: textPart
-
                     color: view.textColor
                     parts: view.answerParts
                     style: view.textStyle
-
-                    onCaretMoved: (y, height) => view.caretMoved(textPart.y + y, height)
-                    onCopyWanted: view.copyWanted(view.selectedText())
                 }
             },
             PartKind {
                 name: "code"
 
                 CodeBlockView {
-                    id: code
+                    required property int index
 
-                    onCaretMoved: (y, height) => view.caretMoved(code.y + y, height)
-                    onCopyWanted: text => view.copyWanted(selection.span ? view.selectedText() : text)
+                    kept: view.keptOf(index)
+
+                    onSpanCopyWanted: view.copyWanted(view.selectedText())
                 }
             },
             PartKind {
                 name: "mermaid"
 
                 MermaidView {
-                    id: diagram
-
-                    onCaretMoved: (y, height) => view.caretMoved(diagram.y + y, height)
-                    onCopyWanted: text => view.copyWanted(selection.span ? view.selectedText() : text)
-                    onEnlargeWanted: code => view.enlargeWanted(code)
+                    onEnlargeWanted: code => view.showDiagram(code)
                 }
             },
             PartKind {
                 name: "latex"
 
                 LaTeXView {
-                    id: latex
-
                     color: view.textColor
-
-                    onCaretMoved: (y, height) => view.caretMoved(latex.y + y, height)
-                    onCopyWanted: text => view.copyWanted(selection.span ? view.selectedText() : text)
                 }
             },
             PartKind {
                 name: "table"
 
                 MarkdownTableView {
-                    id: table
+                    required property int index
 
-                    onCaretMoved: (y, height) => view.caretMoved(table.y + y, height)
-                    onCopyWanted: text => view.copyWanted(selection.span ? view.selectedText() : text)
+                    kept: view.keptOf(index)
                 }
             },
             PartKind {
                 name: "image"
 
                 ImageAttachmentView {
-                    id: image
-
-                    onCaretMoved: (y, height) => view.caretMoved(image.y + y, height)
-                    onCopyWanted: text => view.copyWanted(selection.span ? view.selectedText() : text)
                     onOpened: address => view.showImage(address)
                 }
             },
@@ -192,8 +206,6 @@ Item {
 
                 SearchPart {
                     context: view.context
-
-                    onCopyWanted: text => view.copyWanted(text)
                 }
             },
             PartKind {
@@ -211,9 +223,7 @@ Item {
         ]
         // qmllint enable unqualified
         estimate: PartHeights {
-            readonly property string sample: "Обычный русский текст, по которому меряют ширину."
-
-            characterWidth: metrics.advanceWidth(sample) / sample.length
+            characterWidth: character.width
             textSize: Theme.fontBody
             width: column.width
         }
@@ -224,11 +234,8 @@ Item {
                 view.copyWanted(view.selectedText())
         }
 
-        FontMetrics {
-            id: metrics
-
-            font.family: Theme.family
-            font.pixelSize: Theme.fontBody
+        AverageCharacter {
+            id: character
         }
     }
     GrokCitationFooterView {

@@ -6,6 +6,8 @@
 #include "ParagraphsOf.h"
 #include "Pipeline/TableText.h"
 
+#include <QSet>
+
 #include <algorithm>
 
 namespace Korvi {
@@ -314,13 +316,15 @@ void AnswerParts::updateBeginning() {
 
 QVariantList AnswerParts::citations() const {
     std::vector<Markdown::CitationSource> all;
+    QSet<QString> urls;
     for (const Source& source : m_sources) {
         if (!source.document)
             continue;
         for (const Markdown::CitationSource& citation : source.document->citations()) {
-            const auto isSame = [&](const Markdown::CitationSource& other) { return other.url == citation.url; };
-            if (std::none_of(all.begin(), all.end(), isSame))
-                all.push_back(citation);
+            if (urls.contains(citation.url))
+                continue;
+            urls.insert(citation.url);
+            all.push_back(citation);
         }
     }
     std::stable_sort(all.begin(), all.end(), [](const auto& a, const auto& b) { return a.index < b.index; });

@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Templates as T
 import Korvi.Views // the types written in C++
 
 // A piece of code of any length that may grow at its end. It is laid out in parts, of which only those in view exist;
@@ -11,6 +10,7 @@ Item {
     property string language: ""
     property bool isOpen: false // more may come
     property bool wraps: false
+    property var kept: ({}) // what the reader did to it, for when it is made again
     property bool persistentSelection: false // it stays when the keyboard goes elsewhere
 
     property int selectionStart: 0
@@ -31,8 +31,8 @@ Item {
 
     signal caretMoved(real y, real height)
     signal copyWanted(string text)
+    signal spanCopyWanted // by the keyboard: this is only a part of what is selected
     signal caretLeaving(int direction, bool selecting) // over the beginning (-1) or the end (1)
-    signal wrapsToggled // for those who want to know it when the block is made again
 
     function between(from: int, to: int): string {
         return codeParts.text.slice(from, to)
@@ -68,6 +68,10 @@ Item {
         return column.mapToItem(view, place.x, column.positionOf(Math.max(0, part)) + place.y, place.width, place.height)
     }
 
+    function sourceAt(x: real, y: real): var {
+        return { kind: "code", text: code }
+    }
+
     function takeFocus(): void {
         nearest()?.takeFocus() // qmllint disable
     }
@@ -99,13 +103,15 @@ Item {
         return null
     }
 
-    function revealSideways(x: real): void {
-        const margin = Math.min(characterWidth * 4, scroll.width / 4)
-        const seen = area.width - Theme.gap4 * 2
-        if (x - margin < area.contentX)
-            scroll.scrollBy(x - margin - area.contentX)
-        else if (x + margin > area.contentX + seen)
-            scroll.scrollBy(x + margin - area.contentX - seen)
+    // The pointer selects from a character of one part to that place, below its top left corner.
+    function selectTo(part: CodePart, from: int, x: real, y: real): void {
+        const at = part.y + y
+        const next = column.partAt(at)
+        const other = column.itemAt(next)
+        if (persistentSelection || !other || next === part.index && !selectionSpansParts)
+            return // it goes beyond the code, or the part selects by itself
+        select(codeParts.startOf(part.index) + from, codeParts.startOf(next) + other.positionAt(x, at - other.y)) // qmllint disable
+        caretMoved(column.mapToItem(view, 0, at).y, 0)
     }
 
     Accessible.name: language.length > 0 ? "Код: " + language : "Код"
@@ -115,10 +121,12 @@ Item {
     Keys.onLeftPressed: event => event.accepted = scroll.scrollBy(-scroll.step)
     Keys.onRightPressed: event => event.accepted = scroll.scrollBy(scroll.step)
     Keys.onPressed: event => {
-        event.accepted = event.matches(StandardKey.Copy) && selectionEnd > selectionStart
+        event.accepted = event.matches(StandardKey.Copy) && selectionEnd > selectionStart && !persistentSelection
         if (event.accepted)
             copyWanted(selectedText)
     }
+
+    Component.onCompleted: wraps = kept.wraps ?? wraps
 
     Rectangle {
         anchors.fill: parent
@@ -129,7 +137,7 @@ Item {
     CodeHeader {
         id: header
 
-        canWrap: area.contentWidth > area.width
+        canWrap: scroll.overflows
         language: view.language
         width: parent.width
         wraps: view.wraps
@@ -137,117 +145,76 @@ Item {
         onCopyWanted: view.copyWanted(view.code)
         onWrapToggled: {
             view.wraps = !view.wraps
-            view.wrapsToggled()
+            view.kept.wraps = view.wraps
         }
     }
-    SidewaysScroll {
+    SidewaysArea {
         id: scroll
 
-        flickable: area
+        readonly property real widest: codeParts.columns * view.characterWidth
+
         height: column.height + Theme.gap4 * 2
+        kept: view.kept
         step: view.characterWidth * 8
+        wanted: view.wraps ? 0 : Math.ceil(widest) + Theme.gap4 * 2
         width: view.width - Theme.hairline * 2
         x: Theme.hairline
         y: header.height
 
-        Flickable {
-            id: area
+        PartColumn {
+            id: column
 
-            readonly property real widest: codeParts.columns * view.characterWidth
+            height: implicitHeight
+            model: codeParts
+            // Not that of the longest line: a part is laid out again for each width.
+            width: view.wraps ? scroll.width - Theme.gap4 * 2 : Math.max(scroll.width, Math.pow(2, Math.ceil(Math.log2(scroll.widest + 1))))
+            x: Theme.gap4 - scroll.x
+            y: Theme.gap4
 
-            anchors.fill: parent
-            boundsBehavior: Flickable.StopAtBounds
-            clip: contentWidth > width
-            contentHeight: height
-            contentWidth: view.wraps ? width : Math.max(width, Math.ceil(widest) + Theme.gap4 * 2)
-            interactive: false
+            // qmllint disable unqualified
+            delegate: CodePart {
+                id: edit
 
-            T.ScrollBar.horizontal: ThinScrollBar {
-                focusPolicy: Qt.NoFocus // qmllint disable
+                parts: codeParts
+                persistentSelection: view.persistentSelection || view.selectionSpansParts
+                share: {
+                    const start = codeParts.startOf(index)
+                    return Qt.point(view.selectionStart - start, view.selectionEnd - start)
+                }
+                wrapMode: view.wraps ? TextEdit.Wrap : TextEdit.NoWrap
+
+                Keys.onPressed: event => {
+                    if (event.matches(StandardKey.Copy) && view.persistentSelection)
+                        view.spanCopyWanted()
+                    else if (event.matches(StandardKey.Copy) && view.selectionEnd > view.selectionStart)
+                        view.copyWanted(view.selectedText)
+                    else if (event.matches(StandardKey.SelectAll))
+                        view.select(0, view.length)
+                    else
+                        return
+                    event.accepted = true
+                }
+                onCaretLeaving: (direction, selecting) => view.step(index, direction, selecting)
+                onCaretMoved: (y, height) => {
+                    scroll.reveal(cursorRectangle.x, Math.min(view.characterWidth * 4, scroll.width / 4), scroll.width - Theme.gap4 * 2)
+                    view.caretMoved(column.mapToItem(view, 0, edit.y + y).y, height)
+                }
+                onSelectionMade: (from, to) => {
+                    const start = codeParts.startOf(index)
+                    if (from < to)
+                        view.select(start + from, start + to)
+                    else if (!view.selectionSpansParts)
+                        view.deselect()
+                }
+                onSelectionDragged: (from, x, y) => view.selectTo(edit, from, x, y)
+                onSelectionStarted: view.deselect()
             }
+            // qmllint enable unqualified
+            estimate: CodeHeights {
+                id: estimate
 
-            onContentWidthChanged: scroll.scrollBy(0)
-
-            PartColumn {
-                id: column
-
-                height: implicitHeight
-                model: codeParts
-                // Not that of the longest line: a part is laid out again for each width.
-                width: view.wraps ? area.width - Theme.gap4 * 2 : Math.max(area.width, Math.pow(2, Math.ceil(Math.log2(area.widest + 1))))
-                x: Theme.gap4 - scroll.x
-                y: Theme.gap4
-
-                // qmllint disable unqualified
-                delegate: CodePart {
-                    id: edit
-
-                    parts: codeParts
-                    persistentSelection: view.persistentSelection || view.selectionSpansParts
-                    share: {
-                        const start = codeParts.startOf(index)
-                        return Qt.point(view.selectionStart - start, view.selectionEnd - start)
-                    }
-                    wrapMode: view.wraps ? TextEdit.Wrap : TextEdit.NoWrap
-
-                    Keys.onPressed: event => {
-                        if (event.matches(StandardKey.Copy) && view.selectionEnd > view.selectionStart)
-                            view.copyWanted(view.selectedText)
-                        else if (event.matches(StandardKey.SelectAll))
-                            view.select(0, view.length)
-                        else
-                            return
-                        event.accepted = true
-                    }
-                    onCaretLeaving: (direction, selecting) => view.step(index, direction, selecting)
-                    onCaretMoved: (y, height) => {
-                        view.revealSideways(cursorRectangle.x)
-                        view.caretMoved(column.mapToItem(view, 0, edit.y + y).y, height)
-                    }
-                    onSelectionMade: (from, to) => {
-                        const start = codeParts.startOf(index)
-                        if (from < to)
-                            view.select(start + from, start + to)
-                        else if (!view.selectionSpansParts)
-                            view.deselect()
-                    }
-
-                    // The pointer left this part while it selects.
-                    PointHandler {
-                        id: drag
-
-                        property int position: 0 // where it was pressed
-
-                        // After the part itself has selected what it takes for the end.
-                        function follow(): void {
-                            const y = edit.y + point.position.y
-                            const part = column.partAt(y)
-                            const other = column.itemAt(part)
-                            if (view.persistentSelection) // it goes beyond the code
-                                return
-                            if (!active || !other || part === edit.index && !view.selectionSpansParts)
-                                return
-                            const at = codeParts.startOf(part) + other.positionAt(point.position.x, y - other.y)
-                            view.select(position, at)
-                            view.caretMoved(column.mapToItem(view, 0, y).y, 0)
-                        }
-
-                        onActiveChanged: {
-                            if (active) {
-                                view.deselect()
-                                position = codeParts.startOf(edit.index) + edit.positionAt(point.pressPosition.x, point.pressPosition.y)
-                            }
-                        }
-                        onPointChanged: Qt.callLater(follow) // qmllint disable
-                    }
-                }
-                // qmllint enable unqualified
-                estimate: CodeHeights {
-                    id: estimate
-
-                    lineHeight: Theme.leading(Theme.fontBody)
-                    wrapColumns: view.wraps ? column.width / view.characterWidth : 0
-                }
+                lineHeight: Theme.leading(Theme.fontBody)
+                wrapColumns: view.wraps ? column.width / view.characterWidth : 0
             }
         }
     }

@@ -14,6 +14,9 @@ SelectableText {
     property bool sharing: true // what changes then is not the reader's doing
 
     signal selectionMade(int from, int to) // by the reader
+    signal selectionStarted // by the pointer
+    // From that character to a place below its top left corner, which may be in another part.
+    signal selectionDragged(int from, real x, real y)
 
     function takeShare(): void {
         const from = Math.max(0, Math.min(length, share.x))
@@ -43,6 +46,25 @@ SelectableText {
     onSelectionStartChanged: tell()
     onShareChanged: takeShare()
 
+    PointHandler {
+        id: drag
+
+        property int from: 0
+
+        // After the text itself has selected what it takes for the end.
+        function follow(): void {
+            if (active)
+                edit.selectionDragged(from, point.position.x, point.position.y)
+        }
+
+        onActiveChanged: {
+            if (!active)
+                return
+            from = edit.positionAt(point.pressPosition.x, point.pressPosition.y)
+            edit.selectionStarted()
+        }
+        onPointChanged: Qt.callLater(follow) // qmllint disable
+    }
     FontMetrics {
         id: advance
 

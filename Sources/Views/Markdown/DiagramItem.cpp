@@ -1,8 +1,11 @@
 #include "DiagramItem.h"
 
+#include <QPainter>
 #include <QQmlEngine>
 #include <QQuickWindow>
 #include <QSGImageNode>
+#include <QSaveFile>
+#include <QStandardPaths>
 
 namespace Korvi {
 
@@ -49,6 +52,35 @@ void DiagramItem::setDrawingScale(qreal scale) {
     fetchWhenCalm();
 }
 
+void DiagramItem::setMagnification(qreal magnification) {
+    if (magnification == m_magnification)
+        return;
+    m_magnification = magnification;
+    emit magnificationChanged();
+    fetchWhenCalm();
+}
+
+qreal DiagramItem::ratio() const {
+    return (window() ? window()->effectiveDevicePixelRatio() : 1) * m_magnification;
+}
+
+QUrl DiagramItem::suggestedFile() const {
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::DownloadLocation);
+    return QUrl::fromLocalFile(folder + QStringLiteral("/diagram.png"));
+}
+
+bool DiagramItem::savePng(const QUrl& file, const QColor& ground) const {
+    if (!isReady())
+        return false;
+    QImage page(m_shown->image.size(), QImage::Format_RGB32);
+    page.fill(ground);
+    QPainter painter(&page);
+    painter.drawImage(page.rect(), m_shown->image);
+    painter.end();
+    QSaveFile output(file.toLocalFile());
+    return output.open(QIODevice::WriteOnly) && page.save(&output, "PNG") && output.commit();
+}
+
 void DiagramItem::componentComplete() {
     QQuickItem::componentComplete();
     m_engine = FormulaEngine::of(qmlEngine(this));
@@ -62,6 +94,7 @@ void DiagramItem::itemChange(ItemChange change, const ItemChangeData& data) {
 }
 
 void DiagramItem::fetchWhenCalm() {
+    m_wanted.ratio = ratio();
     if (!isComponentComplete() || !m_engine || !m_shown || !m_shown->error.isEmpty())
         fetch();
     else if (m_engine->cachedDiagram(m_wanted))
@@ -74,7 +107,7 @@ void DiagramItem::fetch() {
     m_calm.cancel();
     if (!isComponentComplete() || !window())
         return;
-    m_wanted.ratio = window()->effectiveDevicePixelRatio();
+    m_wanted.ratio = ratio();
     if (m_wanted.code.isEmpty() || m_wanted.width <= 0)
         return;
     if (!m_engine) {

@@ -23,7 +23,7 @@ Item {
 
     signal caretMoved(real y, real height)
     signal copyWanted(string text)
-    signal opened(url address)
+    signal opened(string address) // as it stood in the answer
 
     function select(from: int, to: int): void {
         selectionEnd = Math.max(0, Math.min(1, Math.max(from, to)))
@@ -62,7 +62,7 @@ Item {
         : isRefused || hasFailed ? Math.max(Theme.px(56), words.implicitHeight + Theme.gap3 * 2) : Theme.imagePlaceholder
 
     Keys.onPressed: event => {
-        event.accepted = event.matches(StandardKey.Copy)
+        event.accepted = event.matches(StandardKey.Copy) && !persistentSelection
         if (event.accepted)
             copyWanted(selectedText || url)
     }

@@ -50,6 +50,10 @@ FocusScope {
         return Qt.rect(position > 0 ? strip.x + strip.width : strip.x, 0, 0, height)
     }
 
+    function sourceAt(x: real, y: real): var {
+        return { kind: "formula", text: formula }
+    }
+
     function takeFocus(): void {
         forceActiveFocus(Qt.OtherFocusReason)
     }
@@ -73,7 +77,7 @@ FocusScope {
     implicitWidth: raw.visible ? raw.implicitWidth : drawing.implicitWidth
 
     Keys.onPressed: event => {
-        event.accepted = event.matches(StandardKey.Copy) && isSelected
+        event.accepted = event.matches(StandardKey.Copy) && isSelected && !persistentSelection
         if (event.accepted)
             copyWanted(source)
     }

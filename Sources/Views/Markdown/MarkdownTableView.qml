@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Templates as T
 import Korvi.Views // the types written in C++
 
 // A table of any length. Columns are as wide as what is in them, as far as there is room; what does not fit scrolls
@@ -10,6 +9,7 @@ Item {
 
     required property var table // a MarkdownTable
     property bool isOpen: false // more rows may come
+    property var kept: ({}) // what the reader did to it, for when it is made again
     property bool persistentSelection: false // it stays when the keyboard goes elsewhere
 
     property int selectionStart: 0
@@ -62,6 +62,10 @@ Item {
         return Qt.rect(0, column.y + (position < length ? top : column.positionOf(length)), 0, column.positionOf(row + 1) - top)
     }
 
+    function sourceAt(x: real, y: real): var {
+        return { kind: "table", text: tableRows.asText(0, length) }
+    }
+
     function takeFocus(): void {
         focusByPointer = true
         forceActiveFocus(Qt.OtherFocusReason)
@@ -84,7 +88,7 @@ Item {
     Keys.onLeftPressed: event => event.accepted = scroll.scrollBy(-scroll.step)
     Keys.onRightPressed: event => event.accepted = scroll.scrollBy(scroll.step)
     Keys.onPressed: event => {
-        if (event.matches(StandardKey.Copy))
+        if (event.matches(StandardKey.Copy) && !persistentSelection)
             copy()
         else if (event.matches(StandardKey.SelectAll))
             select(0, length)
@@ -103,72 +107,63 @@ Item {
     HoverHandler {
         id: hover
     }
-    SidewaysScroll {
+    SidewaysArea {
         id: scroll
 
-        flickable: area
-        height: column.height + (area.contentWidth > area.width ? Theme.gap3 : 0)
+        height: column.height + (overflows ? Theme.gap3 : 0)
+        kept: view.kept
         step: Theme.px(48)
+        wanted: tableRows.totalWidth
         width: view.width
 
-        Flickable {
-            id: area
+        MouseArea {
+            property int pressedAt: 0
 
-            anchors.fill: parent
-            boundsBehavior: Flickable.StopAtBounds
-            clip: contentWidth > width
-            contentHeight: height
-            contentWidth: Math.max(width, tableRows.totalWidth)
-            interactive: false
-
-            T.ScrollBar.horizontal: ThinScrollBar {
-                focusPolicy: Qt.NoFocus // qmllint disable
+            // It takes the pointer for the table: what is around looks on and may select further.
+            function positionToRectangle(position: int): rect {
+                return view.positionToRectangle(position)
             }
 
-            onContentWidthChanged: scroll.scrollBy(0)
+            height: column.height
+            preventStealing: true
+            width: scroll.contentWidth
 
-            MouseArea {
-                property int pressedAt: 0
-
-                height: column.height
-                preventStealing: true
-                width: area.contentWidth
-
-                onPositionChanged: mouse => {
+            onPositionChanged: mouse => {
+                if (view.persistentSelection)
+                    return // it goes beyond the table
+                view.select(pressedAt, view.positionAt(mouse.x, mouse.y))
+                view.caretMoved(mouse.y, 0)
+            }
+            onPressed: mouse => {
+                view.takeFocus()
+                if (!(mouse.modifiers & Qt.ShiftModifier)) {
+                    pressedAt = view.positionAt(mouse.x, mouse.y)
+                    view.deselect()
+                } else {
                     view.select(pressedAt, view.positionAt(mouse.x, mouse.y))
-                    view.caretMoved(mouse.y, 0)
-                }
-                onPressed: mouse => {
-                    view.takeFocus()
-                    if (!(mouse.modifiers & Qt.ShiftModifier)) {
-                        pressedAt = view.positionAt(mouse.x, mouse.y)
-                        view.deselect()
-                    } else {
-                        view.select(pressedAt, view.positionAt(mouse.x, mouse.y))
-                    }
                 }
             }
-            PartColumn {
-                id: column
+        }
+        PartColumn {
+            id: column
 
-                height: implicitHeight
-                model: tableRows
-                width: area.contentWidth
+            height: implicitHeight
+            model: tableRows
+            width: scroll.contentWidth
 
-                // qmllint disable unqualified
-                delegate: TableRow {
-                    offsets: view.offsets
-                    rows: tableRows
-                    selected: index >= view.selectionStart && index < view.selectionEnd
-                }
-                // qmllint enable unqualified
-                estimate: TableHeights {
-                    aroundLines: Theme.cellPadding * 2 + Theme.hairline
-                    aroundText: tableRows.around
-                    characterWidth: Theme.fontBody * 0.58
-                    columnWidths: tableRows.columnWidths
-                    lineHeight: Theme.leading(Theme.fontBody)
-                }
+            // qmllint disable unqualified
+            delegate: TableRow {
+                offsets: view.offsets
+                rows: tableRows
+                selected: index >= view.selectionStart && index < view.selectionEnd
+            }
+            // qmllint enable unqualified
+            estimate: TableHeights {
+                aroundLines: Theme.cellPadding * 2 + Theme.hairline
+                aroundText: tableRows.around
+                characterWidth: Theme.fontBody * 0.58
+                columnWidths: tableRows.columnWidths
+                lineHeight: Theme.leading(Theme.fontBody)
             }
         }
     }

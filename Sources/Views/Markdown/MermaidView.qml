@@ -43,6 +43,10 @@ FocusScope {
         return Qt.rect(position > 0 ? width : 0, 0, 0, height)
     }
 
+    function sourceAt(x: real, y: real): var {
+        return { kind: "diagram", text: code }
+    }
+
     function takeFocus(): void {
         forceActiveFocus(Qt.OtherFocusReason)
     }
@@ -65,7 +69,7 @@ FocusScope {
     implicitHeight: Math.max(1, grownHeight)
 
     Keys.onPressed: event => {
-        const copies = event.matches(StandardKey.Copy)
+        const copies = event.matches(StandardKey.Copy) && !persistentSelection
         const opens = [Qt.Key_Return, Qt.Key_Enter, Qt.Key_Space].includes(event.key) && isReady
         event.accepted = copies || opens
         if (copies)
@@ -79,7 +83,7 @@ FocusScope {
     }
     onCodeChanged: {
         if (!isOpen)
-            grownHeight = 1 // another diagram
+            grownHeight = raw.visible ? raw.needed : 1 // another diagram
     }
     onIsOpenChanged: {
         if (isOpen)

@@ -19,6 +19,16 @@ ReadingText {
         return edit.positionToRectangle(edit.length)
     }
 
+    // The formula there.
+    function sourceAt(x: real, y: real): var {
+        for (let i = 0; i < formulas.count; ++i) {
+            const formula = formulas.itemAt(i) as InlineFormula
+            if (formula?.contains(formula.mapFromItem(edit, x, y)))
+                return formula.sourceAt(0, 0)
+        }
+        return null
+    }
+
     Accessible.name: isOpen ? "" : parts.between(index, 0, index, length) // qmllint disable
     copiesItself: false
     objectName: "textPart"
@@ -56,6 +66,8 @@ ReadingText {
         }
     }
     Repeater {
+        id: formulas
+
         model: paragraphs.formulas
 
         InlineFormula {

@@ -27,6 +27,11 @@ std::string FakeModel::url() const {
     return "http://127.0.0.1:" + std::to_string(acceptor_.local_endpoint().port()) + "/v1";
 }
 
+void FakeModel::waitForRequests(std::size_t count) const {
+    for (std::size_t asked = asked_; asked < count; asked = asked_)
+        asked_.wait(asked);
+}
+
 void FakeModel::serve() {
     for (std::size_t answers = 0, titles = 0; answers < scripts_.size() || titles < titles_.size();) {
         boost::system::error_code error;
@@ -48,6 +53,8 @@ void FakeModel::serve() {
         Script& script = isTitle ? titles_[titles++] : scripts_[answers++];
         script.head = text.substr(0, head);
         script.request = request;
+        asked_ = answers;
+        asked_.notify_all();
         if (isTitle || script.gate.valid())
             threads_.emplace_back([&script, own = std::move(socket)]() mutable { answer(own, script); });
         else

@@ -2,6 +2,7 @@
 
 #include "Core/Asio.h"
 
+#include <atomic>
 #include <future>
 #include <nlohmann/json.hpp>
 #include <string>
@@ -34,6 +35,9 @@ public:
     /// What came with the request that the script answered. To be called after the answer.
     const Script& script(std::size_t index) const { return scripts_[index]; }
 
+    /// Returns once so many requests have come, those for titles aside.
+    void waitForRequests(std::size_t count) const;
+
     bool givesTitles() const { return !titles_.empty(); }
     const Script& title(std::size_t index) const { return titles_[index]; }
 
@@ -45,6 +49,7 @@ private:
     asio::ip::tcp::acceptor acceptor_;
     std::vector<Script> scripts_;
     std::vector<Script> titles_;
+    std::atomic<std::size_t> asked_ = 0;
     std::vector<std::jthread> threads_;
     std::thread thread_;
 };

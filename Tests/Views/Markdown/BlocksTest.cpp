@@ -79,6 +79,7 @@ TEST(Blocks, Formulas) {
         {"$$\na\n  b\n  c $$\nd", {"tex {a⏎  b⏎c}", "p {d}"}},
         {"$$a\n$$\nb", {"tex {a}", "p {b}"}},
         {"$$a\nb\n# c", {"tex {a⏎b⏎# c}"}},
+        {"$$ a \n b \n c $$ \nd", {"tex {a⏎ b ⏎c}", "p {d}"}}, // blanks inside stay, but not at the edges' lines
         {"$$", {"tex {}"}},
         {"$$$", {"tex {$}"}},
         {"$$$$", {"tex {}"}},

@@ -19,7 +19,7 @@ void expectCleaned(Cleaner cleaner, const Cases& cases) {
         EXPECT_EQ(cleaner(text), QString(expected)) << text;
 }
 
-// What the machines stand for, with "." as it is on the system that the expressions come from.
+// What the machines stand for. "." stops at every line terminator of Unicode.
 QString videosByExpression(QString text) {
     static const QRegularExpression tag(R"re((*ANY)<video[^>]*>.*?<source\s+src="([^"]+)"[^>]*/?>.*?</video>)re");
     return text.replace(tag, "\n\n[Видео](\\1)\n\n");
@@ -53,13 +53,14 @@ TEST(Cleaners, EmojisAreThoseOfUnicode) {
     QFile data("/usr/share/unicode/emoji/emoji-data.txt");
     ASSERT_TRUE(data.open(QFile::ReadOnly)) << "of the package unicode-data";
     static const QRegularExpression line(
-        R"(^([0-9A-F]+)(?:\.\.([0-9A-F]+))?\s*;\s*(\w+))", QRegularExpression::MultilineOption);
+        R"(^([0-9A-F]+)(?:\.\.([0-9A-F]+))?\s*; Emoji_Presentation\s*# E(\d+))", QRegularExpression::MultilineOption);
+    constexpr int ourUnicode = 15;
     int checked = 0;
     for (auto it = line.globalMatch(QString::fromUtf8(data.readAll())); it.hasNext();) {
         const auto range = it.next();
         const char32_t first = range.captured(1).toUInt(nullptr, 16);
         const char32_t last = range.hasCaptured(2) ? range.captured(2).toUInt(nullptr, 16) : first;
-        if (range.captured(3) != "Emoji_Presentation")
+        if (range.captured(3).toInt() > ourUnicode) // the system's may be newer
             continue;
         for (char32_t scalar = first; scalar <= last; ++scalar, ++checked)
             ASSERT_TRUE(isEmoji(scalar)) << range.captured(0).toStdString();

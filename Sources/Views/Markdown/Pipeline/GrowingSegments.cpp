@@ -186,6 +186,9 @@ std::optional<Reused> GrowingSegments::lengthenText(
     qsizetype common = std::min({openEnd, kept, end});
     if (common > 0 && text[common - 1].isHighSurrogate())
         --common;
+    // Blanks at the end of a formula's first line are not in its content once another line follows.
+    if (now.kind == Kind::formula && common <= now.firstLineEnd && now.firstLineEnd < end)
+        return {};
     // Up to here the content is a part of the text as it stands.
     const qsizetype start = now.firstPart == now.lastPart ? openEnd - content.size() : now.inner.from;
     if (common <= start)

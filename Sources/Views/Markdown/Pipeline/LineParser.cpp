@@ -127,7 +127,7 @@ void LineParser::beginFormula(QStringView text, Place line, QStringView trimmed)
     }
     const QStringView rest = trimmed.sliced(dollars.size());
     const qsizetype from = rest.begin() - text.begin();
-    open = {.kind = Kind::formula, .lines = line, .inner = {from, from}};
+    open = {.kind = Kind::formula, .lines = line, .inner = {from, from}, .firstLineEnd = line.to};
     if (!rest.contains(dollars)) {
         mode = Mode::formula;
         return;
@@ -177,12 +177,17 @@ QString paragraphText(QStringView text) {
     return std::move(joined).trimmed();
 }
 
-QString formulaText(QStringView formula, bool isClosed) {
-    const qsizetype lastLine = formula.lastIndexOf(u'\n') + 1;
-    if (!isClosed || lastLine == 0)
-        return formula.trimmed().toString();
-    // The closing line is taken without its indent.
-    return formula.first(lastLine).toString().append(trimmedBlanks(formula.sliced(lastLine))).trimmed();
+// The first line and the one that closes it are taken without blanks at their ends, those between as they are.
+QString formulaText(QStringView text, const BlockPlace& place) {
+    const Place& inner = place.inner;
+    if (place.firstLineEnd >= inner.to)
+        return inner.in(text).trimmed().toString();
+    const qsizetype lastLine = place.isClosed ? inner.from + inner.in(text).lastIndexOf(u'\n') + 1 : place.firstLineEnd;
+    const QStringView last = text.sliced(lastLine, inner.to - lastLine);
+    QString formula = trimmedBlanks(text.sliced(inner.from, place.firstLineEnd - inner.from)).toString();
+    formula.append(text.sliced(place.firstLineEnd, lastLine - place.firstLineEnd));
+    formula.append(place.isClosed ? trimmedBlanks(last) : last);
+    return std::move(formula).trimmed();
 }
 
 Block codeBlock(QStringView text, const BlockPlace& place, const std::vector<Place>& parts) {
@@ -236,7 +241,7 @@ void appendBlocks(
     case Kind::emojiItem: blocks.push_back({Block::ListItem{trimmed.toString()}}); break;
     case Kind::code: blocks.push_back(codeBlock(text, place, codeParts)); break;
     case Kind::formulaLine: blocks.push_back({Block::LatexBlock{place.inner.in(text).toString()}}); break;
-    case Kind::formula: blocks.push_back({Block::LatexBlock{formulaText(place.inner.in(text), place.isClosed)}}); break;
+    case Kind::formula: blocks.push_back({Block::LatexBlock{formulaText(text, place)}}); break;
     case Kind::image: blocks.push_back({imageForm(trimmed)->toImage()}); break;
     case Kind::table: blocks.push_back(tableBlock(text, place)); break;
     case Kind::paragraph: appendParagraph(paragraphText(place.lines.in(text)), blocks); break;

@@ -34,6 +34,7 @@ struct BlockPlace {
     Place lines;          // without the last new line; of code from its opening fence
     // Code: its last part. Table: its separator line. Formulas: what is between the dollar signs, untrimmed.
     Place inner{};
+    qsizetype firstLineEnd = 0; // of a formula that may go on in other lines
     // Code that formulas interrupt: which of the parser's code parts come before `inner`.
     qsizetype firstPart = 0;
     qsizetype lastPart = 0;
