@@ -149,6 +149,57 @@ TEST_F(Attachments, AFileThatDoesNotGoUpIsSentSeparately) {
     EXPECT_EQ(m_person->chat().attachments()->failed()->count(), 0);
 }
 
+TEST_F(Attachments, TheLargestFileGoesUp) {
+    const QUrl exact = makeFile(u"ровно.txt"_s, "x");
+    QFile::resize(exact.toLocalFile(), 10'000'000);
+    drop({exact});
+    ASSERT_TRUE(waiting(1));
+    m_person->ask(u"Что здесь?"_s);
+    ASSERT_TRUE(answerEnds());
+    ASSERT_EQ(addresses(0).size(), 1);
+    EXPECT_TRUE(addresses(0).front().startsWith(u"http://127.0.0.1"_s));
+    EXPECT_EQ(m_person->chat().attachments()->failed()->count(), 0);
+    EXPECT_TRUE(m_person->read(u"sentState"_s).contains(u"10 МБ"_s)) << m_person->read(u"sentState"_s).toStdString();
+}
+
+TEST_F(Attachments, AServiceThatIsKilledDuringAnUploadLosesNeitherQuestionNorFile) {
+    drop({makeFile(u"отчёт.txt"_s, QByteArray(5'000'000, 'x'))});
+    ASSERT_TRUE(waiting(1));
+    m_service.freeze();
+    m_person->ask(u"Что здесь?"_s);
+    ASSERT_TRUE(m_person->waitToSee(u"uploadRing"_s));
+    m_service.kill();
+    ASSERT_TRUE(m_person->waitToSee(u"sendSeparatelyButton"_s));
+    EXPECT_NE(m_person->read(u"sentState"_s), QString());
+    m_service.start({u"--demo-delay-ms"_s, u"1"_s});
+    ASSERT_TRUE(answerEnds()); // to the words
+    EXPECT_EQ(m_person->readQuestions(), QStringList{u"Что здесь?"_s});
+    m_person->click(u"sendSeparatelyButton"_s);
+    ASSERT_TRUE(answerEnds());
+    ASSERT_EQ(m_person->chat().messages()->count(), 4);
+    ASSERT_EQ(addresses(2).size(), 1);
+    EXPECT_TRUE(addresses(2).front().startsWith(u"http://127.0.0.1"_s));
+    EXPECT_TRUE(m_person->waitToLose(u"sendSeparatelyButton"_s));
+}
+
+TEST_F(Attachments, AFileWithoutWordsWaitsInTheComposerAgain) {
+    drop({makeFile(u"отчёт.txt"_s, QByteArray(5'000'000, 'x'))});
+    ASSERT_TRUE(waiting(1));
+    m_service.freeze();
+    m_person->press(Qt::Key_Return);
+    ASSERT_TRUE(m_person->waitToSee(u"uploadRing"_s));
+    m_service.kill();
+    ASSERT_TRUE(m_person->waitToSee(u"attachmentChip"_s));
+    EXPECT_EQ(m_person->chat().messages()->count(), 0);
+    m_service.start({u"--demo-delay-ms"_s, u"1"_s});
+    ASSERT_TRUE(waitFor([this] { return m_person->chat().isConnected(); }, std::chrono::seconds(30)));
+    m_person->press(Qt::Key_Return);
+    ASSERT_TRUE(waitFor([this] { return m_person->chat().messages()->count() == 2; }));
+    ASSERT_TRUE(answerEnds());
+    ASSERT_EQ(addresses(0).size(), 1);
+    EXPECT_TRUE(addresses(0).front().startsWith(u"http://127.0.0.1"_s));
+}
+
 TEST_F(Attachments, WhatIsCopiedIsPasted) {
     QClipboard* clipboard = QGuiApplication::clipboard();
     QImage image(8, 8, QImage::Format_RGB32);

@@ -173,7 +173,7 @@ TEST_F(Tools, AVideoPlaysInItsPlace) {
     m_person->press(Qt::Key_Return);
     ASSERT_TRUE(becomes(u"videoPlayer"_s, "isPlaying", true));
     EXPECT_TRUE(waitFor([this] { return m_person->see(u"videoPlayer"_s)->property("position").toReal() > 100; }));
-    EXPECT_TRUE(becomes(u"videoPlayer"_s, "duration", 4000.0));
+    EXPECT_NEAR(m_person->see(u"videoPlayer"_s)->property("duration").toReal(), 4000, 100);
     ASSERT_TRUE(focused(u"videoPlayer"_s));
     m_person->press(Qt::Key_Space);
     EXPECT_TRUE(becomes(u"videoPlayer"_s, "isPlaying", false));
