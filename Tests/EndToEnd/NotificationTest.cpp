@@ -22,8 +22,10 @@ QByteArray control(const QStringList& arguments) {
 
 TEST(Notification, TellsOfAnAnswerAndLeadsToIt) {
     QProcess manager; // a window can be put away only where somebody manages windows
-    manager.start(u"openbox"_s, {u"--sm-disable"_s});
-    ASSERT_TRUE(manager.waitForStarted());
+    const QTemporaryDir folder;
+    const QString ready = folder.filePath(u"ready"_s);
+    manager.start(u"openbox"_s, {u"--sm-disable"_s, u"--startup"_s, u"touch "_s + ready});
+    ASSERT_TRUE(waitFor([&] { return QFile::exists(ready); }));
     LocalService service;
     service.start({u"--demo-delay-ms"_s, u"5"_s});
     Person person(service.port());
@@ -32,6 +34,8 @@ TEST(Notification, TellsOfAnAnswerAndLeadsToIt) {
     ASSERT_TRUE(waitFor([&] { return person.chat().isConnected(); }));
 
     // While the window is in front nobody is told.
+    QWindow* window = person.app().scenes().mainWindow();
+    ASSERT_TRUE(window->isActive());
     person.ask(u"Нарисуй море"_s);
     ASSERT_TRUE(person.waitToSee(u"imageTarget"_s));
     ASSERT_TRUE(waitFor([&] { return !person.chat().isGenerating(); }));
@@ -44,7 +48,6 @@ TEST(Notification, TellsOfAnAnswerAndLeadsToIt) {
     const qint64 chat = person.chat().activeChatId();
     person.press(Qt::Key_N, Qt::ControlModifier);
     ASSERT_NE(person.chat().activeChatId(), chat);
-    QWindow* window = person.app().scenes().mainWindow();
     window->showMinimized();
     ASSERT_TRUE(waitFor([] { return QGuiApplication::applicationState() != Qt::ApplicationActive; }));
     ASSERT_TRUE(waitFor([] { return control({u"count"_s, u"displayed"_s}) == "1"; }, std::chrono::seconds(30)));
