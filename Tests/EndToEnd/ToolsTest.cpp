@@ -173,12 +173,16 @@ TEST_F(Tools, AVideoPlaysInItsPlace) {
     m_person->press(Qt::Key_Return);
     ASSERT_TRUE(becomes(u"videoPlayer"_s, "isPlaying", true));
     EXPECT_TRUE(waitFor([this] { return m_person->see(u"videoPlayer"_s)->property("position").toReal() > 100; }));
-    EXPECT_NEAR(m_person->see(u"videoPlayer"_s)->property("duration").toReal(), 4000, 100);
     ASSERT_TRUE(focused(u"videoPlayer"_s));
     m_person->press(Qt::Key_Space);
     EXPECT_TRUE(becomes(u"videoPlayer"_s, "isPlaying", false));
+    EXPECT_EQ(m_person->read(u"pauseButton"_s), u"Воспроизвести"_s);
     m_person->click(u"pauseButton"_s);
     EXPECT_TRUE(becomes(u"videoPlayer"_s, "isPlaying", true));
+    EXPECT_TRUE(becomes(u"videoPlayer"_s, "isPlaying", false)); // it has ended
+    m_person->press(Qt::Key_Space);
+    EXPECT_TRUE(becomes(u"videoPlayer"_s, "isPlaying", true));
+    EXPECT_TRUE(waitFor([this] { return m_person->see(u"videoPlayer"_s)->property("position").toReal() < 2000; }));
 }
 
 TEST_F(Tools, AFileIsOpenedSavedAndFound) {

@@ -13,8 +13,8 @@ FocusScope {
     readonly property bool isBuffering: player.mediaStatus === MediaPlayer.LoadingMedia
         || player.mediaStatus === MediaPlayer.StalledMedia
     readonly property bool isPlaying: player.playbackState === MediaPlayer.PlayingState
-    // Milliseconds; 0 until it is known. The player does not always tell when it gets to know it.
-    readonly property real duration: player.mediaStatus !== MediaPlayer.NoMedia ? player.duration : 0 // qmllint disable
+    // Milliseconds; 0 while it is unknown, and so it remains with files that do not tell it of each track, as WebM.
+    readonly property real duration: player.duration // qmllint disable
     readonly property real position: player.position // qmllint disable
     property string errorMessage // empty without one
 
@@ -39,7 +39,8 @@ FocusScope {
     }
 
     function seek(milliseconds: real): void {
-        player.position = Math.max(0, Math.min(duration || Infinity, position + milliseconds))
+        if (duration > 0)
+            player.position = Math.max(0, Math.min(duration, position + milliseconds))
     }
 
     Accessible.name: "Видео"
@@ -123,6 +124,7 @@ FocusScope {
             anchors.right: mute.left
             anchors.rightMargin: Theme.gap3
             height: parent.height
+            visible: view.duration > 0
 
             Rectangle {
                 anchors.verticalCenter: parent.verticalCenter
