@@ -1,7 +1,8 @@
 import QtQuick
 import Korvi.Views // the types written in C++
 
-// What a formula or a diagram is written in. A long one grows at its end without being laid out anew.
+// What a formula or a diagram is written in. A long one is laid out in parts, of which only those in view exist, and
+// may grow at its end.
 Item {
     id: listing
 
@@ -14,42 +15,53 @@ Item {
 
     baselineOffset: brief.baselineOffset
     height: implicitHeight
-    implicitHeight: isLong ? grown.item?.implicitHeight ?? 0 : brief.implicitHeight // qmllint disable
+    implicitHeight: isLong ? parts.item?.implicitHeight ?? 0 : brief.implicitHeight // qmllint disable
     implicitWidth: brief.implicitWidth
     visible: shown
 
-    Text {
-        id: brief
-
+    component Lines: Text {
         color: listing.color
         font.family: Theme.monoFamily
         font.pixelSize: Theme.fontCode
-        text: listing.isLong ? "" : listing.text
         textFormat: Text.PlainText
-        width: listing.width
         wrapMode: listing.wraps ? Text.WrapAtWordBoundaryOrAnywhere : Text.NoWrap
     }
+
+    Lines {
+        id: brief
+
+        text: listing.isLong ? "" : listing.text
+        width: listing.width
+    }
     Loader {
-        id: grown
+        id: parts
 
         active: listing.isLong && listing.shown
         width: listing.width
 
-        sourceComponent: TextEdit {
-            id: edit
+        sourceComponent: PartColumn {
+            id: column
 
-            activeFocusOnPress: false
-            color: listing.color
-            enabled: false
-            font.family: Theme.monoFamily
-            font.pixelSize: Theme.fontCode
-            readOnly: true
-            textFormat: TextEdit.PlainText
-            wrapMode: TextEdit.WrapAtWordBoundaryOrAnywhere
+            // qmllint disable unqualified
+            delegate: Lines {
+                required property string part
 
-            GrowingText {
-                document: edit.textDocument
+                text: part
+            }
+            // qmllint enable unqualified
+            estimate: CodeHeights {
+                lineHeight: metrics.height
+                wrapColumns: column.width / metrics.advanceWidth("0")
+            }
+            model: TextParts {
                 text: listing.text
+            }
+
+            FontMetrics {
+                id: metrics
+
+                font.family: Theme.monoFamily
+                font.pixelSize: Theme.fontCode
             }
         }
     }
