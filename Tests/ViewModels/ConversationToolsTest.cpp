@@ -313,6 +313,17 @@ TEST_F(ConversationToolsTest, AFileThatDoesNotGoUpIsLeftOutAndCanBeSentAgain) {
     EXPECT_EQ(chat->generationError(), u"Вложения не дошли до сервиса."_s);
 }
 
+TEST_F(ConversationToolsTest, AnImageBehindAnEditedOneWaitsAgainIfItDoesNotGoUp) {
+    chat->attachments()->addFiles({makeFile(u"1.svg"_s), makeFile(u"2.svg"_s)});
+    chat->setEditImage(u"https://i/edited.png"_s, u"поправь"_s);
+    chat->sendMessage();
+    uploadAnswers("{}", 500);
+    uploadAnswers(R"({"url":"https://s/2"})");
+    // The message shows the edited one.
+    ASSERT_EQ(chat->pendingFileAttachments()->count(), 1);
+    EXPECT_EQ(chat->pendingFileAttachments()->attachments().front().filename, u"1.svg"_s);
+}
+
 TEST_F(ConversationToolsTest, WhatDoesNotGoUpIsSentSeparatelyOrWaitsAgain) {
     chat->attachments()->addFiles({makeFile(u"a.txt"_s), makeFile(u"1.svg"_s), makeFile(u"2.svg"_s)});
     ask(u"вопрос"_s);
