@@ -42,6 +42,14 @@ stop_service() {
     service_pid=
 }
 
+# The web engine that draws formulas, diagrams and previews of documents refuses to start its own sandbox as root, and
+# then only sources are shown. Root is somebody in a container, most likely; nobody else loses the sandbox.
+allow_web_engine_for_root() {
+    [ "$(id -u)" = 0 ] || return 0
+    say "You are root: the web engine runs without its sandbox (QTWEBENGINE_DISABLE_SANDBOX=1)."
+    export QTWEBENGINE_DISABLE_SANDBOX=1
+}
+
 # write_info FILE URL: what the client reads about the installation.
 write_info() {
     local version

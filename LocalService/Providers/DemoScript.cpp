@@ -56,9 +56,9 @@ json searchResult(DemoFiles& files) {
     constexpr auto third = "https://bigenc.ru/c/baikal-ozero-74d9a0";
     return {{"query", "озеро Байкал глубина"},
         {"answer",
-            {{{"text", "Наибольшая глубина Байкала — 1642 метра [[1]](https://ru.wikipedia.org/wiki/Байкал)."},
+            {{{"text", "Наибольшая глубина Байкала — 1642 метра[[1]](https://ru.wikipedia.org/wiki/Байкал)."},
                  {"sources", {source(first, 1)}}},
-                {{"text", "С 1996 года озеро входит в список всемирного наследия [[2]](" + std::string(second) + ")."},
+                {{"text", "С 1996 года озеро входит в список всемирного наследия[[2]](" + std::string(second) + ")."},
                     {"sources", {source(second, 2), source(third, 3)}}}}},
         {"results",
             {{{"title", "Байкал — Википедия"}, {"url", first},
@@ -210,9 +210,10 @@ Steps artifactSteps(const std::string& lower) {
 
 Steps everything(std::string_view question) {
     Steps steps = searchSteps();
-    add(steps, imageSteps(question));
-    add(steps, artifactSteps(demoArtifacts[4]));
-    add(steps, pdfSteps());
+    for (Steps more : {imageSteps(question), artifactSteps(demoArtifacts[4]), pdfSteps()}) {
+        steps.push_back(say("\n\n"));
+        add(steps, std::move(more));
+    }
     return steps;
 }
 

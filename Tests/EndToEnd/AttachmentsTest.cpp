@@ -53,16 +53,6 @@ protected:
     bool waiting(int count) {
         return waitFor([&] { return m_person->chat().pendingFileAttachments()->count() == count; });
     }
-    bool seen(const QString& objectName) {
-        return waitFor([&] { return m_person->see(objectName) != nullptr; });
-    }
-    bool gone(const QString& objectName) {
-        return waitFor([&] { return m_person->see(objectName) == nullptr; });
-    }
-    QString text(const QString& objectName) {
-        const QQuickItem* item = m_person->see(objectName);
-        return item ? item->property("text").toString() : u"(not there)"_s;
-    }
     bool answerEnds() {
         return waitFor([this] { return !m_person->chat().isGenerating(); }, std::chrono::seconds(60));
     }
@@ -87,15 +77,15 @@ protected:
 TEST_F(Attachments, WhatIsDroppedGoesWithTheMessageAndIsSeenAfterARestart) {
     drop({makeFile(u"отчёт.txt"_s, "Итоги года"), makeImage(u"снимок.png"_s)});
     ASSERT_TRUE(waiting(2));
-    ASSERT_TRUE(seen(u"attachmentChip"_s));
+    ASSERT_TRUE(m_person->waitToSee(u"attachmentChip"_s));
     EXPECT_EQ(m_person->focus(), u"composer"_s);
     m_person->ask(u"Что здесь?"_s);
-    EXPECT_TRUE(gone(u"attachmentChip"_s));
+    EXPECT_TRUE(m_person->waitToLose(u"attachmentChip"_s));
     ASSERT_TRUE(answerEnds());
-    ASSERT_TRUE(seen(u"sentImage"_s));
-    ASSERT_TRUE(seen(u"sentFile"_s));
-    EXPECT_EQ(text(u"sentFile"_s), u"отчёт.txt"_s);
-    EXPECT_TRUE(text(u"sentState"_s).contains(u"19 байт"_s)) << text(u"sentState"_s).toStdString();
+    ASSERT_TRUE(m_person->waitToSee(u"sentImage"_s));
+    ASSERT_TRUE(m_person->waitToSee(u"sentFile"_s));
+    EXPECT_EQ(m_person->read(u"sentFile"_s), u"отчёт.txt"_s);
+    EXPECT_TRUE(m_person->read(u"sentState"_s).contains(u"19 байт"_s)) << m_person->read(u"sentState"_s).toStdString();
     const QString service = u"http://127.0.0.1:%1/"_s.arg(m_service.port());
     ASSERT_EQ(addresses(0).size(), 2);
     EXPECT_TRUE(addresses(0).at(0).startsWith(service));
@@ -106,12 +96,12 @@ TEST_F(Attachments, WhatIsDroppedGoesWithTheMessageAndIsSeenAfterARestart) {
     ASSERT_TRUE(waitFor([this] { return m_person->chat().chats()->count() == 1; }));
     m_person->chat().selectChat(m_person->chat().chats()->chats().front().id);
     ASSERT_TRUE(waitFor([this] { return m_person->chat().areMessagesLoaded(); }));
-    EXPECT_TRUE(seen(u"sentImage"_s));
-    EXPECT_TRUE(seen(u"sentFile"_s));
+    EXPECT_TRUE(m_person->waitToSee(u"sentImage"_s));
+    EXPECT_TRUE(m_person->waitToSee(u"sentFile"_s));
     ASSERT_TRUE(waitFor([this] { return m_person->see(u"sentImage"_s)->isEnabled(); })); // it is there
     ASSERT_TRUE(m_person->tabTo(u"sentImage"_s));
     m_person->press(Qt::Key_Return);
-    EXPECT_TRUE(seen(u"viewerPicture"_s));
+    EXPECT_TRUE(m_person->waitToSee(u"viewerPicture"_s));
 }
 
 TEST_F(Attachments, WhatIsTooLargeOrUnknownSaysSoInItsPlace) {
@@ -122,11 +112,11 @@ TEST_F(Attachments, WhatIsTooLargeOrUnknownSaysSoInItsPlace) {
     // What is fine beside it does not hide it.
     drop({large, makeFile(u"b.exe"_s, "x"), exact});
     ASSERT_TRUE(waiting(1));
-    ASSERT_TRUE(seen(u"validationError"_s));
-    EXPECT_EQ(text(u"validationError"_s), u"Файл слишком большой. Максимум: 10 МБ"_s);
+    ASSERT_TRUE(m_person->waitToSee(u"validationError"_s));
+    EXPECT_EQ(m_person->read(u"validationError"_s), u"Файл слишком большой. Максимум: 10 МБ"_s);
     m_person->type(u"а"_s);
-    EXPECT_TRUE(gone(u"validationError"_s));
-    ASSERT_TRUE(seen(u"attachmentChip"_s));
+    EXPECT_TRUE(m_person->waitToLose(u"validationError"_s));
+    ASSERT_TRUE(m_person->waitToSee(u"attachmentChip"_s));
 
     m_person->press(Qt::Key_Backtab, Qt::ShiftModifier);
     EXPECT_EQ(m_person->focus(), u"attachmentChip"_s);
@@ -144,7 +134,7 @@ TEST_F(Attachments, AFileThatDoesNotGoUpIsSentSeparately) {
     ASSERT_TRUE(QFile::rename(copy, copy + u"-away"_s));
     m_person->ask(u"Сравни"_s);
     ASSERT_TRUE(answerEnds());
-    ASSERT_TRUE(seen(u"sendSeparatelyButton"_s));
+    ASSERT_TRUE(m_person->waitToSee(u"sendSeparatelyButton"_s));
     EXPECT_EQ(m_person->chat().attachments()->failed()->count(), 1);
     ASSERT_TRUE(QFile::rename(copy + u"-away"_s, copy));
     m_person->type(u"черновик"_s);
@@ -154,9 +144,60 @@ TEST_F(Attachments, AFileThatDoesNotGoUpIsSentSeparately) {
     ASSERT_EQ(m_person->chat().messages()->count(), 4);
     ASSERT_EQ(addresses(2).size(), 1);
     EXPECT_TRUE(addresses(2).front().startsWith(u"http://127.0.0.1"_s));
-    EXPECT_TRUE(gone(u"sendSeparatelyButton"_s));
+    EXPECT_TRUE(m_person->waitToLose(u"sendSeparatelyButton"_s));
     EXPECT_EQ(m_person->chat().currentInput(), u"черновик"_s);
     EXPECT_EQ(m_person->chat().attachments()->failed()->count(), 0);
+}
+
+TEST_F(Attachments, TheLargestFileGoesUp) {
+    const QUrl exact = makeFile(u"ровно.txt"_s, "x");
+    QFile::resize(exact.toLocalFile(), 10'000'000);
+    drop({exact});
+    ASSERT_TRUE(waiting(1));
+    m_person->ask(u"Что здесь?"_s);
+    ASSERT_TRUE(answerEnds());
+    ASSERT_EQ(addresses(0).size(), 1);
+    EXPECT_TRUE(addresses(0).front().startsWith(u"http://127.0.0.1"_s));
+    EXPECT_EQ(m_person->chat().attachments()->failed()->count(), 0);
+    EXPECT_TRUE(m_person->read(u"sentState"_s).contains(u"10 МБ"_s)) << m_person->read(u"sentState"_s).toStdString();
+}
+
+TEST_F(Attachments, AServiceThatIsKilledDuringAnUploadLosesNeitherQuestionNorFile) {
+    drop({makeFile(u"отчёт.txt"_s, QByteArray(5'000'000, 'x'))});
+    ASSERT_TRUE(waiting(1));
+    m_service.freeze();
+    m_person->ask(u"Что здесь?"_s);
+    ASSERT_TRUE(m_person->waitToSee(u"uploadRing"_s));
+    m_service.kill();
+    ASSERT_TRUE(m_person->waitToSee(u"sendSeparatelyButton"_s));
+    EXPECT_NE(m_person->read(u"sentState"_s), QString());
+    m_service.start({u"--demo-delay-ms"_s, u"1"_s});
+    ASSERT_TRUE(answerEnds()); // to the words
+    EXPECT_EQ(m_person->readQuestions(), QStringList{u"Что здесь?"_s});
+    m_person->click(u"sendSeparatelyButton"_s);
+    ASSERT_TRUE(answerEnds());
+    ASSERT_EQ(m_person->chat().messages()->count(), 4);
+    ASSERT_EQ(addresses(2).size(), 1);
+    EXPECT_TRUE(addresses(2).front().startsWith(u"http://127.0.0.1"_s));
+    EXPECT_TRUE(m_person->waitToLose(u"sendSeparatelyButton"_s));
+}
+
+TEST_F(Attachments, AFileWithoutWordsWaitsInTheComposerAgain) {
+    drop({makeFile(u"отчёт.txt"_s, QByteArray(5'000'000, 'x'))});
+    ASSERT_TRUE(waiting(1));
+    m_service.freeze();
+    m_person->press(Qt::Key_Return);
+    ASSERT_TRUE(m_person->waitToSee(u"uploadRing"_s));
+    m_service.kill();
+    ASSERT_TRUE(m_person->waitToSee(u"attachmentChip"_s));
+    EXPECT_EQ(m_person->chat().messages()->count(), 0);
+    m_service.start({u"--demo-delay-ms"_s, u"1"_s});
+    ASSERT_TRUE(waitFor([this] { return m_person->chat().isConnected(); }, std::chrono::seconds(30)));
+    m_person->press(Qt::Key_Return);
+    ASSERT_TRUE(waitFor([this] { return m_person->chat().messages()->count() == 2; }));
+    ASSERT_TRUE(answerEnds());
+    ASSERT_EQ(addresses(0).size(), 1);
+    EXPECT_TRUE(addresses(0).front().startsWith(u"http://127.0.0.1"_s));
 }
 
 TEST_F(Attachments, WhatIsCopiedIsPasted) {
@@ -166,11 +207,11 @@ TEST_F(Attachments, WhatIsCopiedIsPasted) {
     clipboard->setImage(image);
     m_person->type(u"поправь"_s);
     m_person->press(Qt::Key_V, Qt::ControlModifier);
-    ASSERT_TRUE(seen(u"editImageChip"_s));
+    ASSERT_TRUE(m_person->waitToSee(u"editImageChip"_s));
     EXPECT_EQ(m_person->chat().currentInput(), u"поправь"_s);
     m_person->press(Qt::Key_Backtab, Qt::ShiftModifier);
     m_person->press(Qt::Key_Delete);
-    EXPECT_TRUE(gone(u"editImageChip"_s));
+    EXPECT_TRUE(m_person->waitToLose(u"editImageChip"_s));
 
     auto* files = new QMimeData; // a file manager gives the paths as text, too
     files->setUrls({makeFile(u"a.txt"_s, "1"), makeFile(u"b.txt"_s, "2")});

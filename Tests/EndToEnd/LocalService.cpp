@@ -10,6 +10,7 @@
 #include <QSqlError>
 #include <QSqlQuery>
 
+#include <csignal>
 #include <stdexcept>
 
 namespace Korvi::Test {
@@ -36,6 +37,10 @@ void LocalService::start(const QStringList& options) {
     if (!isUp || !match.hasMatch())
         throw std::runtime_error("the service did not start: " + m_console.toStdString());
     m_port = match.captured(1).toUShort();
+}
+
+void LocalService::freeze() {
+    ::kill(static_cast<pid_t>(m_process->processId()), SIGSTOP);
 }
 
 void LocalService::kill() {

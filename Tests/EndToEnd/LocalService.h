@@ -12,8 +12,9 @@ public:
 
     // Throws when it does not come up. Options as on its command line.
     void start(const QStringList& options = {});
-    void kill(); // SIGKILL
-    void stop(); // SIGTERM
+    void freeze(); // SIGSTOP: it hears and says nothing more
+    void kill();   // SIGKILL
+    void stop();   // SIGTERM
 
     quint16 port() const { return m_port; }
     // The newest sign-in code on its console.

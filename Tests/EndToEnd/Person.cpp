@@ -14,6 +14,12 @@ using namespace Qt::Literals;
 
 Person::Person(quint16 port, QJsonObject info, Acquaintance acquaintance) {
     qputenv("XDG_DATA_HOME", m_home.path().toUtf8());
+    qputenv("XDG_CACHE_HOME", m_home.filePath(u"cache"_s).toUtf8());
+    qputenv("XDG_CONFIG_HOME", m_home.path().toUtf8());
+    QFile folders(m_home.filePath(u"user-dirs.dirs"_s));
+    folders.open(QIODevice::WriteOnly);
+    folders.write("XDG_DOWNLOAD_DIR=\"" + downloads().toUtf8() + "\"\n");
+    folders.close();
     info.insert("KorviAPIBaseURL"_L1, u"http://127.0.0.1:%1/api/v1"_s.arg(port));
     QFile file(m_home.filePath(u"Info.json"_s));
     file.open(QIODevice::WriteOnly);
@@ -110,6 +116,19 @@ void Person::ask(const QString& question) {
     press(Qt::Key_Return);
 }
 
+bool Person::saveAs(const QString& name) {
+    const QString field = u"fileNameTextField"_s;
+    if (!waitToSee(field))
+        return false;
+    see(field)->forceActiveFocus();
+    press(Qt::Key_A, Qt::ControlModifier);
+    type(name);
+    press(Qt::Key_Tab); // over the filter to the button
+    press(Qt::Key_Tab);
+    press(Qt::Key_Space);
+    return waitToLose(field);
+}
+
 QQuickWindow* Person::window() const {
     QWindow* front = QGuiApplication::focusWindow();
     return qobject_cast<QQuickWindow*>(front ? front : m_app->scenes().mainWindow());
@@ -133,6 +152,19 @@ QQuickItem* Person::see(const QString& objectName) const {
     QList<QQuickItem*> found;
     collect(window()->contentItem(), objectName, found);
     return found.value(0);
+}
+
+bool Person::waitToSee(const QString& objectName, std::chrono::milliseconds bound) const {
+    return waitFor([&] { return see(objectName) != nullptr; }, bound);
+}
+
+bool Person::waitToLose(const QString& objectName) const {
+    return waitFor([&] { return see(objectName) == nullptr; });
+}
+
+QString Person::read(const QString& objectName) const {
+    const QQuickItem* item = see(objectName);
+    return item ? item->property("text").toString() : u"(not there)"_s;
 }
 
 QList<QQuickItem*> Person::seeAll(const QString& objectName) const {

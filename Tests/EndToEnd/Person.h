@@ -36,12 +36,21 @@ public:
     bool tabTo(const QString& objectName);
     void click(const QString& objectName); // in its middle
     void ask(const QString& question);     // types it and presses Return
+    // Gives the dialog that saves another name, in the folder that it proposes; false when there is no dialog.
+    bool saveAs(const QString& name);
 
     QQuickItem* see(const QString& objectName) const; // null when it is not on the screen
+    bool waitToSee(const QString& objectName, std::chrono::milliseconds bound = std::chrono::seconds(10)) const;
+    bool waitToLose(const QString& objectName) const;
+    // What the property `text` of an item on the screen says.
+    QString read(const QString& objectName) const;
     // What the item that has the keyboard is called; empty without one.
     QString focus() const;
     QStringList readQuestions() const; // the bubbles on the screen, from the top
     QStringList readAnswers() const;   // as they were written
+
+    // Where the desktop keeps what is downloaded.
+    QString downloads() const { return m_home.filePath(QStringLiteral("downloads")); }
 
     KorviApp& app() { return *m_app; }
     ChatViewModel& chat() { return m_app->chat(); }

@@ -5,7 +5,9 @@ home=$(mktemp -d)
 trap 'rm -rf "$home"' EXIT
 export HOME=$home XDG_CONFIG_HOME=$home/config XDG_RUNTIME_DIR=$home/run KORVI_WITH_NOTIFICATIONS=1
 mkdir -m 700 "$XDG_RUNTIME_DIR"
-xvfb-run -a -s "-screen 0 800x600x24" dbus-run-session -- bash -c '
+# The bus starts nothing of the machine by itself: a keyring that asks for a password would take the keyboard.
+bus=$(dirname "$0")/../EndToEnd/session-bus.conf
+xvfb-run -a -s "-screen 0 1280x860x24" dbus-run-session --config-file="$bus" -- bash -c '
     dunst -conf /dev/null >/dev/null 2>&1 &
     server=$!
     until dbus-send --print-reply --dest=org.freedesktop.DBus / org.freedesktop.DBus.NameHasOwner \

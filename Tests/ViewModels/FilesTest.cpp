@@ -148,6 +148,20 @@ TEST_F(FilesTest, SavingKeepsWhatIsThereAndTellsWhatWentWrong) {
     EXPECT_FALSE(file->isRunning());
 }
 
+TEST_F(FilesTest, WhatIsPlayedHereIsFetchedOnce) {
+    FileDownload* file = files.of(u"https://h/v.webm"_s, u"v.webm"_s);
+    file->fetch();
+    EXPECT_EQ(file->fetched(), QUrl());
+    transfer.finish("1");
+    ASSERT_TRUE(QFileInfo::exists(file->fetched().toLocalFile()));
+    EXPECT_THAT(desktop.opened, IsEmpty());
+    EXPECT_EQ(file->savedName(), QString());
+    file->fetch();
+    file->open();
+    EXPECT_EQ(transfer.urls.size(), 1);
+    EXPECT_THAT(desktop.opened, ElementsAre(u"v.webm"_s));
+}
+
 class FakePrinter : public PdfPrinter {
 public:
     Async<QByteArray> print(QString kind, QString, QString) override {

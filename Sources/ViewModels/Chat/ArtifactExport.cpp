@@ -8,6 +8,8 @@
 #include "PdfPrinter.h"
 #include "URLError.h"
 
+#include <QDir>
+#include <QFileInfo>
 #include <QLoggingCategory>
 #include <QSaveFile>
 #include <QStandardPaths>
@@ -123,6 +125,8 @@ void ArtifactExport::saveText(const QUrl& file, const QString& text) {
 }
 
 void ArtifactExport::save(const QUrl& file, const QByteArray& bytes) {
+    // The folder that was proposed may not be there yet.
+    QDir().mkpath(QFileInfo(file.toLocalFile()).absolutePath());
     QSaveFile output(file.toLocalFile());
     if (!output.open(QIODevice::WriteOnly) || output.write(bytes) != bytes.size() || !output.commit())
         m_error = u"Не удалось сохранить файл: %1"_s.arg(output.errorString());

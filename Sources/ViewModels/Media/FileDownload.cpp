@@ -23,15 +23,35 @@ void FileDownload::open() {
         showInFolder();
         return;
     }
-    for (const QString& here : {m_savedPath.value(), m_openedPath}) {
-        if (!here.isEmpty() && QFileInfo::exists(here)) {
-            done(here, Then::open);
-            return;
-        }
+    if (const QString path = here(); !path.isEmpty())
+        done(path, Then::open);
+    else
+        start(temporaryPlace(), Then::open);
+}
+
+void FileDownload::fetch() {
+    if (const QString path = here(); !path.isEmpty())
+        done(path, Then::play);
+    else
+        start(temporaryPlace(), Then::play);
+}
+
+QUrl FileDownload::fetched() const {
+    const QString path = m_fetchedPath;
+    return path.isEmpty() ? QUrl() : QUrl::fromLocalFile(path);
+}
+
+QString FileDownload::here() const {
+    for (const QString& path : {m_savedPath.value(), m_fetchedPath.value()}) {
+        if (!path.isEmpty() && QFileInfo::exists(path))
+            return path;
     }
+    return {};
+}
+
+QString FileDownload::temporaryPlace() const {
     // In a folder of its own, so that the program that opens it shows its own name.
-    const QString folder = freePath(m_places.temporary, u"file"_s);
-    start(folder + u'/' + m_name, Then::open);
+    return freePath(m_places.temporary, u"file"_s) + u'/' + m_name;
 }
 
 void FileDownload::save() {
@@ -65,10 +85,10 @@ void FileDownload::start(QString path, Then then) {
     m_error = QString();
     m_progress = -1;
     m_isRunning = true;
-    m_scope.start([this, path, then] { return fetch(path, then); });
+    m_scope.start([this, path, then] { return bring(path, then); });
 }
 
-Task<void> FileDownload::fetch(QString path, Then then) {
+Task<void> FileDownload::bring(QString path, Then then) {
     try {
         const QString folder = QFileInfo(path).absolutePath();
         if (!QDir().mkpath(folder))
@@ -89,8 +109,8 @@ Task<void> FileDownload::fetch(QString path, Then then) {
 
 void FileDownload::done(const QString& path, Then then) {
     m_size = fileSize(QFileInfo(path).size());
-    if (then == Then::open)
-        m_openedPath = path;
+    if (then == Then::open || then == Then::play)
+        m_fetchedPath = path;
     else
         m_savedPath = path;
     if (then == Then::show)

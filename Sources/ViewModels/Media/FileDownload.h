@@ -24,6 +24,8 @@ class FileDownload : public QObject {
     // Where the user had it saved; empty until then.
     Q_PROPERTY(QString savedPath READ savedPath NOTIFY savedPathChanged BINDABLE bindableSavedPath)
     Q_PROPERTY(QString savedName READ savedName NOTIFY savedPathChanged)
+    // The file on this machine, once it was fetched to be looked at; empty until then.
+    Q_PROPERTY(QUrl fetched READ fetched NOTIFY fetchedPathChanged)
 
 public:
     struct Places {
@@ -36,6 +38,8 @@ public:
     // Fetches the file, if it is not here yet, and shows it in the desktop's program for its kind. What may start a
     // program is put into the downloads and shown in its folder instead.
     Q_INVOKABLE void open();
+    // To be played or shown by the client itself, from `fetched`.
+    Q_INVOKABLE void fetch();
     // Into the downloads folder, under a free name.
     Q_INVOKABLE void save();
     Q_INVOKABLE void saveAs(const QUrl& file);
@@ -48,6 +52,7 @@ public:
     QString error() const { return m_error; }
     QString savedPath() const { return m_savedPath; }
     QString savedName() const; // the last component of the path
+    QUrl fetched() const;
 
     QBindable<bool> bindableIsRunning() { return &m_isRunning; }
     QBindable<double> bindableProgress() { return &m_progress; }
@@ -61,12 +66,15 @@ signals:
     void sizeChanged();
     void errorChanged();
     void savedPathChanged();
+    void fetchedPathChanged();
 
 private:
-    enum class Then { open, keep, show };
+    enum class Then { open, play, keep, show };
 
     void start(QString path, Then then);
-    Task<void> fetch(QString path, Then then);
+    QString here() const;           // where it lies already; empty where it does not
+    QString temporaryPlace() const; // for a file that is only looked at
+    Task<void> bring(QString path, Then then);
     void done(const QString& path, Then then);
 
     FileTransfer& m_transfer;
@@ -74,13 +82,13 @@ private:
     Places m_places;
     QUrl m_url;
     QString m_name; // safe as the name of a file
-    QString m_openedPath;
 
     Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(FileDownload, bool, m_isRunning, false, &FileDownload::isRunningChanged)
     Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(FileDownload, double, m_progress, -1, &FileDownload::progressChanged)
     Q_OBJECT_BINDABLE_PROPERTY(FileDownload, QString, m_size, &FileDownload::sizeChanged)
     Q_OBJECT_BINDABLE_PROPERTY(FileDownload, QString, m_error, &FileDownload::errorChanged)
     Q_OBJECT_BINDABLE_PROPERTY(FileDownload, QString, m_savedPath, &FileDownload::savedPathChanged)
+    Q_OBJECT_BINDABLE_PROPERTY(FileDownload, QString, m_fetchedPath, &FileDownload::fetchedPathChanged)
 
     TaskScope m_scope; // last: its tasks end before anything they use
 };

@@ -26,6 +26,7 @@ Flickable {
     clip: true
     contentWidth: width
     flickableDirection: Flickable.VerticalFlick
+    objectName: "artifactText"
 
     Keys.onPressed: event => {
         const page = height * 0.9

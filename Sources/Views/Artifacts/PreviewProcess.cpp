@@ -1,5 +1,7 @@
 #include "PreviewProcess.h"
 
+#include "Lines.h"
+
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QJsonDocument>
@@ -56,15 +58,7 @@ void PreviewProcess::send(const QJsonObject& message) {
 }
 
 void PreviewProcess::read() {
-    const QByteArray part = m_process.readAllStandardOutput();
-    QByteArrayList lines;
-    qsizetype begin = 0;
-    for (qsizetype end = part.indexOf('\n'); end >= 0; end = part.indexOf('\n', begin)) {
-        lines.append(m_line + part.mid(begin, end - begin));
-        m_line.clear();
-        begin = end + 1;
-    }
-    m_line += part.mid(begin);
+    const QByteArrayList lines = takeLines(m_line, m_process.readAllStandardOutput());
     for (const QByteArray& line : lines)
         emit received(QJsonDocument::fromJson(line).object());
 }

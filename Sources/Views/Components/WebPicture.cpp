@@ -5,6 +5,7 @@
 #include <QBuffer>
 #include <QCache>
 #include <QClipboard>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QFuture>
@@ -234,6 +235,7 @@ void WebPicture::copy() const {
 }
 
 bool WebPicture::savePng(const QUrl& file) const {
+    QDir().mkpath(QFileInfo(file.toLocalFile()).absolutePath()); // what was proposed may not be there yet
     QSaveFile output(file.toLocalFile());
     return !m_image.isNull() && output.open(QIODevice::WriteOnly) && m_image.save(&output, "PNG") && output.commit();
 }

@@ -182,8 +182,8 @@ Item {
             PartKind {
                 name: "video"
 
-                VideoCard {
-                    onLinkOpened: url => Links.open(url)
+                VideoPart {
+                    context: view.context
                 }
             },
             PartKind {

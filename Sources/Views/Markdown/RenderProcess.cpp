@@ -1,5 +1,7 @@
 #include "RenderProcess.h"
 
+#include "Lines.h"
+
 #include <QJsonDocument>
 #include <QLoggingCategory>
 
@@ -69,12 +71,8 @@ void RenderProcess::start() {
 
 void RenderProcess::read() {
     const QProcess* process = m_process.get();
-    const QByteArray part = m_process->readAllStandardOutput();
-    qsizetype begin = 0;
-    for (qsizetype end = part.indexOf('\n'); end >= 0; end = part.indexOf('\n', begin)) {
-        const QByteArray line = m_line + part.mid(begin, end - begin);
-        m_line.clear();
-        begin = end + 1;
+    const QByteArrayList lines = takeLines(m_line, m_process->readAllStandardOutput());
+    for (const QByteArray& line : lines) {
         const QJsonObject message = QJsonDocument::fromJson(line).object();
         const auto found = m_waiting.find(message.value("id"_L1).toInt());
         if (found == m_waiting.end())
@@ -88,7 +86,6 @@ void RenderProcess::read() {
         if (m_process.get() != process)
             return; // another one by now, or none
     }
-    m_line += part.mid(begin);
 }
 
 void RenderProcess::stop() {

@@ -181,6 +181,7 @@ CardPart {
                 onTriggered: card.saveWanted()
             }
             PopupMenuItem {
+                objectName: "saveAsItem"
                 symbol: "arrow.down.doc"
                 text: "Сохранить как…"
 

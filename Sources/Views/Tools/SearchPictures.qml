@@ -31,6 +31,7 @@ Column {
                 required property var modelData
 
                 height: Math.round(width * 0.75)
+                objectName: "searchImage"
                 text: modelData.description || "Картинка"
                 url: modelData.url
                 width: Math.floor((grid.width + Theme.gap2) / pictures.columns) - Theme.gap2

@@ -23,6 +23,7 @@ Column {
             domain: modelData.domain
             excerpt: modelData.content
             favicon: modelData.favicon
+            objectName: "sourceRow"
             text: modelData.title
             url: modelData.url
             width: sources.width + Theme.gap2 * 2

@@ -6,11 +6,15 @@ CardPart {
     id: card
 
     required property string url
+    property url file // where it lies on this machine; empty until it has come
+    property double progress: -1 // of its coming, 0 to 1; -1 while it is unknown
+    property string error // empty unless it does not come
     property bool playsInPlace: true // otherwise outside, and so it does where the player is missing
 
     readonly property string player: "qrc:/qt-project.org/imports/Korvi/Views/VideoPlayerView.qml"
 
     signal linkOpened(string url)
+    signal fileWanted
 
     function play(): void {
         if (!playsInPlace) {
@@ -23,6 +27,7 @@ CardPart {
             stage.source = ""
             linkOpened(url)
         } else {
+            fileWanted()
             stage.item.forceActiveFocus(Qt.TabFocusReason) // qmllint disable
         }
     }
@@ -94,7 +99,13 @@ CardPart {
 
             anchors.fill: parent
         }
+        Binding { property: "file"; target: stage.item; value: card.file; when: stage.item !== null }
+        Binding { property: "progress"; target: stage.item; value: card.progress; when: stage.item !== null }
+        Binding { property: "fetchError"; target: stage.item; value: card.error; when: stage.item !== null }
         Connections {
+            function onFileWanted() {
+                card.fileWanted()
+            }
             function onLinkOpened(url) {
                 card.linkOpened(url)
             }

@@ -4,21 +4,25 @@ import Korvi.Views // the types written in C++
 import "Links.js" as Links
 import "Russian.js" as Russian
 
-// Plays a video from its address while it comes. Loaded with the first video that is played.
+// Plays a video when its file has come. Loaded with the first video that is played.
 FocusScope {
     id: view
 
-    required property string url
+    required property string url // where it comes from
+    property url file // on this machine; empty until it has come
+    property double progress: -1 // of its coming, 0 to 1; -1 while it is unknown
+    property string fetchError // empty unless it does not come
 
-    readonly property bool isBuffering: player.mediaStatus === MediaPlayer.LoadingMedia
+    readonly property bool isBuffering: file.toString().length === 0 || player.mediaStatus === MediaPlayer.LoadingMedia
         || player.mediaStatus === MediaPlayer.StalledMedia
     readonly property bool isPlaying: player.playbackState === MediaPlayer.PlayingState
-    // Milliseconds; 0 until it is known.
+    // Milliseconds; 0 while it is unknown, and so it remains with files that do not tell it of each track, as WebM.
     readonly property real duration: player.duration // qmllint disable
     readonly property real position: player.position // qmllint disable
     property string errorMessage // empty without one
 
     signal linkOpened(string url)
+    signal fileWanted
 
     function startStreaming(): void {
         errorMessage = ""
@@ -26,8 +30,12 @@ FocusScope {
             errorMessage = "Неверный URL"
             return
         }
+        if (file.toString().length === 0) {
+            fileWanted()
+            return
+        }
         player.source = ""
-        player.source = url
+        player.source = file
         player.play()
     }
 
@@ -39,13 +47,17 @@ FocusScope {
     }
 
     function seek(milliseconds: real): void {
-        player.position = Math.max(0, Math.min(duration, position + milliseconds))
+        if (duration > 0)
+            player.position = Math.max(0, Math.min(duration, position + milliseconds))
     }
 
     Accessible.name: "Видео"
     Accessible.role: Accessible.Grouping
+    objectName: "videoPlayer"
 
     Component.onCompleted: startStreaming()
+    onFetchErrorChanged: errorMessage = fetchError
+    onFileChanged: startStreaming()
     Keys.onLeftPressed: seek(-5000)
     Keys.onRightPressed: seek(5000)
     Keys.onSpacePressed: toggle()
@@ -79,6 +91,14 @@ FocusScope {
         anchors.centerIn: parent
         color: Theme.stageText
         running: view.isBuffering && view.errorMessage.length === 0
+    }
+    Label {
+        anchors.centerIn: parent
+        anchors.verticalCenterOffset: Theme.gap8
+        color: Theme.stageText
+        font.pixelSize: Theme.fontSmall
+        text: "Загружаю… %1 %".arg(Math.round(view.progress * 100))
+        visible: view.isBuffering && view.errorMessage.length === 0 && view.progress >= 0
     }
     Rectangle {
         id: controls
@@ -122,6 +142,7 @@ FocusScope {
             anchors.right: mute.left
             anchors.rightMargin: Theme.gap3
             height: parent.height
+            visible: view.duration > 0
 
             Rectangle {
                 anchors.verticalCenter: parent.verticalCenter

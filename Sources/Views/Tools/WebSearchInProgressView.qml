@@ -12,6 +12,7 @@ CardPart {
     Accessible.name: query.length > 0 ? "%1: %2".arg(title).arg(query) : title
     Accessible.role: Accessible.StaticText
     implicitHeight: Theme.px(42)
+    objectName: "searching"
 
     Shimmer {
         anchors.fill: parent

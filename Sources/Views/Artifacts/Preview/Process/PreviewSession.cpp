@@ -4,46 +4,17 @@
 #include "Stage.h"
 #include "WebPage.h"
 
-#include <QCoreApplication>
 #include <QJsonDocument>
-
-#include <cerrno>
-#include <unistd.h>
 
 namespace Korvi {
 
 using namespace Qt::Literals;
 
-PreviewSession::PreviewSession(const QString& bundle, int input, int output, QObject* parent)
-    : QObject(parent)
-    , m_bundle(bundle)
-    , m_notifier(input, QSocketNotifier::Read)
-    , m_output(output) {
-    connect(&m_notifier, &QSocketNotifier::activated, this, &PreviewSession::read);
-}
+PreviewSession::PreviewSession(const QString& bundle, int input, int output)
+    : m_bundle(bundle)
+    , m_client(input, output, [this](const QByteArray& line) { take(QJsonDocument::fromJson(line).object()); }) {}
 
 PreviewSession::~PreviewSession() = default;
-
-void PreviewSession::read() {
-    char part[65536];
-    const ssize_t size = ::read(static_cast<int>(m_notifier.socket()), part, sizeof part);
-    if (size < 0 && (errno == EINTR || errno == EAGAIN))
-        return;
-    if (size <= 0) {
-        m_notifier.setEnabled(false);
-        QCoreApplication::quit();
-        return;
-    }
-    const QByteArrayView piece(part, size);
-    qsizetype begin = 0;
-    for (qsizetype end = piece.indexOf('\n'); end >= 0; end = piece.indexOf('\n', begin)) {
-        const QByteArray line = m_buffer + piece.sliced(begin, end - begin).toByteArray();
-        m_buffer.clear();
-        begin = end + 1;
-        take(QJsonDocument::fromJson(line).object());
-    }
-    m_buffer += piece.sliced(begin).toByteArray();
-}
 
 void PreviewSession::take(const QJsonObject& message) {
     if (message.contains("size"_L1))
@@ -77,17 +48,7 @@ Stage& PreviewSession::stage() {
 }
 
 void PreviewSession::write(const QJsonObject& message) {
-    const QByteArray line = QJsonDocument(message).toJson(QJsonDocument::Compact) + '\n';
-    for (qsizetype at = 0; at < line.size();) {
-        const ssize_t size = ::write(m_output, line.constData() + at, static_cast<size_t>(line.size() - at));
-        if (size < 0 && errno == EINTR)
-            continue;
-        if (size <= 0) { // nobody reads any more
-            QCoreApplication::quit();
-            return;
-        }
-        at += size;
-    }
+    m_client.send(QJsonDocument(message).toJson(QJsonDocument::Compact));
 }
 
 }

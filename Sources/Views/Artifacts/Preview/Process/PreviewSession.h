@@ -1,10 +1,10 @@
 #pragma once
 
 #include "BundleHandler.h"
+#include "ClientLine.h"
 #include "RequestGate.h"
 
 #include <QJsonObject>
-#include <QSocketNotifier>
 #include <QWebEngineProfile>
 
 #include <memory>
@@ -14,19 +14,16 @@ namespace Korvi {
 class PrintPage;
 class Stage;
 
-// The client's end of this process: messages come and go as lines of JSON. Ends the application when the client is gone.
+// This process at work: messages come from the client and go to it as lines of JSON.
 //   {"open": page}, {"size": {...}}, {"input": {...}}, {"taken": true}: see Stage
 //   {"print": page, "isReady": expression}: answered with {"pdf": base64}; empty when it did not work out
-class PreviewSession : public QObject {
-    Q_OBJECT
-
+class PreviewSession {
 public:
     // Both descriptors stay the caller's.
-    PreviewSession(const QString& bundle, int input, int output, QObject* parent = nullptr);
-    ~PreviewSession() override;
+    PreviewSession(const QString& bundle, int input, int output);
+    ~PreviewSession();
 
 private:
-    void read();
     void take(const QJsonObject& message);
     void print(const QString& page, const QString& isReady);
     void write(const QJsonObject& message);
@@ -34,9 +31,7 @@ private:
 
     BundleHandler m_bundle;
     RequestGate m_gate;
-    QSocketNotifier m_notifier;
-    int m_output;
-    QByteArray m_buffer;
+    ClientLine m_client;
     std::unique_ptr<Stage> m_stage;
     std::unique_ptr<QWebEngineProfile> m_profile; // of pages that are printed
     std::unique_ptr<PrintPage> m_print;
