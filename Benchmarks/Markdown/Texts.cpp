@@ -38,7 +38,8 @@ std::vector<HostileText> hostileTexts() {
         {"cells", "", "|a"}, {"table rows", "|a|b|\n|-|-|\n", "|1|2|\n"}, {"video tags", "", "<video"},
         {"videos, open", "", "<video><source src=\"a\">"}, {"fences", "", "```\n"},
         {"open fence", "```c\n", "int x;\n"}, {"formula in a fence", "```c\n", "a\n$$x$$\n"},
-        {"open formula", "$$\n", "x = 1\n"}, {"formulas", "", "$x"}, {"hashes", "", "#"}, {"headings", "", "# a\n"},
+        {"open formula", "$$\n", "x = 1\n"}, {"open diagram", "```mermaid\n", "A --> B\n"}, {"formulas", "", "$x"},
+        {"inline formulas", "", "$x$ и "}, {"hashes", "", "#"}, {"headings", "", "# a\n"},
         {"open citation", "[1](http://", "слово "}, {"citations", "", "[1](http://a)"}, {"spaces", "", " \n"},
         {"new lines", "a", "\n"}, {"status", "Генерирую видео", "...a"}, {"a paragraph", "", "слово и "},
         {"a paragraph, marked", "", "**слово** и "}, {"lines of a paragraph", "", "слово и\nещё "}};

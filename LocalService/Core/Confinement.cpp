@@ -25,7 +25,7 @@ constexpr std::uint64_t ofFiles =
     LANDLOCK_ACCESS_FS_EXECUTE | LANDLOCK_ACCESS_FS_READ_FILE | LANDLOCK_ACCESS_FS_WRITE_FILE | truncating;
 
 /// Programs, their libraries and data, and what these are set to. Nobody's own files.
-constexpr std::array systemPaths{"/usr", "/bin", "/sbin", "/lib", "/lib32", "/lib64", "/libx32", "/opt", "/nix/store",
+constexpr std::array systemPaths{"/usr", "/bin", "/sbin", "/lib", "/lib32", "/lib64", "/libx32", "/nix/store",
     "/gnu/store", "/etc/alternatives", "/etc/fonts", "/etc/ld.so.cache", "/etc/ld.so.conf", "/etc/ld.so.conf.d",
     "/etc/ld.so.preload", "/etc/libpaper.d", "/etc/localtime", "/etc/papersize", "/etc/paperspecs", "/etc/texmf",
     "/var/cache/fontconfig", "/var/cache/fonts", "/var/lib/texmf", "/dev/random", "/dev/urandom", "/dev/zero"};

@@ -23,7 +23,6 @@ public:
 
 private:
     bool takeContent(std::string_view bytes);
-    std::optional<Response> fault() const;
 
     FileStore& files_;
     std::string userId_;

@@ -178,7 +178,11 @@ private:
         while (nextCall_ < calls_.calls().size()) {
             const std::size_t at = nextCall_++;
             if (const auto writer = writers_.find(at); writer != writers_.end()) {
-                answerCall(at, "The user sees the document. Its id is \"" + writer->second.id() + "\".");
+                const std::string id = " Its id is \"" + writer->second.id() + "\".";
+                answerCall(at,
+                    writer->second.isComplete()
+                        ? "The user sees the document." + id
+                        : "The arguments broke off. The user sees the document as far as it came." + id);
                 continue;
             }
             const auto done = [this, at](const ToolResult& result) {

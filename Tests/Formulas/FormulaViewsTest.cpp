@@ -125,6 +125,23 @@ TEST_F(FormulaViewsTest, WhatIsStillBeingWrittenIsShownAsItIsWritten) {
     EXPECT_FALSE(part(view, "formulaSource")->isVisible());
 }
 
+// A formula that is never closed takes the rest of an answer with it.
+TEST_F(FormulaViewsTest, ALongSourceIsShownToItsEndAndGrows) {
+    const QString lines = u"x = 1\n"_s.repeated(1000);
+    for (const QByteArray& kind : {"LaTeXView { formula: ''"_ba, "MermaidView { code: ''"_ba}) {
+        QQuickItem* view = show(kind + "; isOpen: true; width: 500 }");
+        const char* content = kind.startsWith('L') ? "formula" : "code";
+        view->setProperty(content, lines);
+        EXPECT_TRUE(waitFor([&] { return view->implicitHeight() > 10'000; })) << view->implicitHeight();
+        const qreal height = view->implicitHeight();
+        view->setProperty(content, QString(lines + u"y\ny"_s));
+        EXPECT_GT(view->implicitHeight(), height);
+        view->setProperty("isOpen", false);
+        EXPECT_GT(view->implicitHeight(), 10'000); // there is no renderer
+        window.reset();
+    }
+}
+
 TEST_F(FormulaViewsTest, WhatCannotBeDrawnIsShownAsItsSource) {
     // No renderer at all.
     QQuickItem* view = show("LaTeXView { formula: 'x'; width: 500 }");

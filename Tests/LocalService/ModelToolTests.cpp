@@ -156,7 +156,7 @@ TEST(ModelTool, AnArtifactIsShownWhileItIsWritten) {
 
 TEST(ModelTool, SeveralCallsInOneRoundAreCarriedOutInTheirOrder) {
     const std::string page = R"({"id":"p","title":"П","kind":"html","text":"<p>"})";
-    const std::string list = R"({"id":"l","title":"Л","kind":"markdown","text":"- один"})";
+    const std::string list = R"({"id":"l","title":"Л","kind":"markdown","text":"- один)"; // cut off
     const std::string body = event(callDelta(0, "a", "artifact", page.substr(0, 15))) +
         event(callDelta(0, "", "", page.substr(15))) + event(callDelta(1, "b", "artifact", list)) +
         event(callDelta(2, "c", "create_document", R"({"filename":"../заметки.exe","text":"Текст"})")) +
@@ -173,6 +173,8 @@ TEST(ModelTool, SeveralCallsInOneRoundAreCarriedOutInTheirOrder) {
     EXPECT_EQ(fetch(blocks[2]["fileUrl"]).body, "Текст");
     const json& told = talk.model.script(1).request["messages"];
     ASSERT_EQ(told.size(), 7U);
+    EXPECT_EQ(told[2]["content"], "The user sees the document. Its id is \"p\".");
+    EXPECT_THAT(told[3]["content"].get<std::string>(), HasSubstr("broke off"));
     EXPECT_THAT(told[5]["content"].get<std::string>(), HasSubstr("no tool \"dance\""));
     EXPECT_THAT(told[6]["content"].get<std::string>(), HasSubstr("not a JSON object"));
     EXPECT_EQ(told[6]["tool_call_id"], "e");

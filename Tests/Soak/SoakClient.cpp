@@ -28,15 +28,27 @@ using namespace Qt::Literals;
 // Each picks an answer of the demonstration; "эхо" adds the question to it, so that no two answers are equal.
 const QStringList words{u"таблица"_s, u"код"_s, u"формула"_s, u"размышление"_s, u"длинный"_s, u"ошибка"_s,
     u"сортировка"_s, u"привет"_s, u"медленный"_s};
+const QStringList toolWords{u"инструменты"_s, u"поиск"_s, u"картинка"_s, u"неудачная картинка"_s, u"видео"_s,
+    u"документ"_s, u"файл"_s, u"артефакт html"_s, u"артефакт диаграмма"_s, u"источники"_s};
 constexpr qsizetype answersAtOnce = 2; // the service allows a user four, and each has two clients
 constexpr int settleMs = 300;
+
+// All that is no text: what tools have brought, or are said to be at.
+QJsonArray blocksOf(const ChatMessage& message) {
+    QJsonArray blocks;
+    for (const MessageContent& block : message.content.value_or(std::vector<MessageContent>())) {
+        if (!block.as<MessageContent::Text>() && !block.as<MessageContent::Thinking>())
+            blocks.append(block.toJson());
+    }
+    return blocks;
+}
 
 QJsonArray toJson(const std::vector<ChatMessage>& messages) {
     QJsonArray array;
     for (const ChatMessage& message : messages)
         array.append(QJsonObject{{"isUser"_L1, message.role == ChatMessage::Role::user},
             {"text"_L1, MessageComposition::joinedText(message)},
-            {"thinking"_L1, MessageComposition::joinedThinking(message)}});
+            {"thinking"_L1, MessageComposition::joinedThinking(message)}, {"blocks"_L1, blocksOf(message)}});
     return array;
 }
 
@@ -148,7 +160,9 @@ private:
         if (chat.isGenerating() || answersUnderWay() >= answersAtOnce)
             return;
         const int choice = chance(60);
-        const QString word = words.at(choice == 0 ? words.size() - 1 : choice % (words.size() - 1));
+        const bool wantsTool = chance(2) == 0;
+        const QString word = wantsTool ? toolWords.at(choice % toolWords.size())
+                                       : words.at(choice == 0 ? words.size() - 1 : choice % (words.size() - 1));
         const QString text = u"soak %1-%2 %3%4"_s.arg(m_name)
                                  .arg(++m_asked, 4, 10, QChar(u'0'))
                                  .arg(chance(8) == 0 ? QString() : u"эхо "_s, word);

@@ -17,6 +17,9 @@ from pathlib import Path
 
 RUNNING_KEY = 'runningGenerations'  # the client's journal of answers under way
 TOKEN = re.compile(r'soak [\w.]+-\d{4}')
+FILE = re.compile(r'http://127\.0\.0\.1:\d+/files/')  # as it is delivered; it is stored without the place
+CITATION = re.compile(r'\[\[\d+\]\]\(https?://[^)]*\)')
+PLACEHOLDERS = {'generating', 'search_in_progress', 'unknown'}
 
 
 class Failure(Exception):
@@ -278,8 +281,35 @@ class Trouble:
             client.tell('go')
 
 
+def plain(text):
+    return FILE.sub('korvi-file:', text)
+
+
+def without_sources(text):
+    """What was seen before its end still has its citations in the text."""
+    return ' '.join(CITATION.sub('', text).split())
+
+
+def block_of(json_block):
+    """What tells one block from another, as a line."""
+    kind = json_block['type']
+    if kind == 'search':
+        results = [each['url'] for each in json_block.get('results') or []]
+        images = [each['url'] for each in json_block.get('images') or []]
+        values = [json_block.get('query') or '', *results, *images]
+    else:
+        names = {'artifact': ['id', 'version', 'kind', 'title', 'text'], 'video_url': ['videoUrl', 'video_url'],
+                 'file_url': ['fileUrl', 'filename', 'mimetype']}.get(kind, ['query', 'text'])
+        values = [str(json_block[name]) for name in names if json_block.get(name)]
+    return plain('|'.join([kind, *values]))
+
+
+def blocks_of(content):
+    return [block_of(each) for each in content if each['type'] not in ('text', 'thinking')]
+
+
 def stored_chats(service):
-    """email -> chat -> [(question, answer, thinking, state)]"""
+    """email -> chat -> [(question, answer, thinking, blocks, state)]"""
     result = collections.defaultdict(lambda: collections.defaultdict(list))
     rows = service.query(
         'SELECT users.email, chats.id, role, content, state FROM messages JOIN chats ON chats.id = chat_id '
@@ -287,11 +317,12 @@ def stored_chats(service):
     questions = {}
     for email, chat, role, content, state in rows:
         parts = json.loads(content)
-        text, thinking = (''.join(p['text'] for p in parts if p['type'] == kind) for kind in ('text', 'thinking'))
+        text, thinking = (plain(''.join(p['text'] for p in parts if p['type'] == kind))
+                          for kind in ('text', 'thinking'))
         if role == 'user':
             questions[chat] = text
         else:
-            result[email][str(chat)].append((questions.pop(chat, None), text, thinking, state))
+            result[email][str(chat)].append((questions.pop(chat, None), text, thinking, blocks_of(parts), state))
     return result
 
 
@@ -329,15 +360,15 @@ def judge_stored(verdict, clients, stored):
                 counts['returned too'] += 1
         mine = f'soak {client.short}.'
         for chat, turns in stored[client.email].items():
-            for question, text, thinking, _ in turns:
-                if (question or '').startswith(mine) and foreign_tokens(question, text + thinking):
+            for question, text, thinking, blocks, _ in turns:
+                if (question or '').startswith(mine) and foreign_tokens(question, text + thinking + str(blocks)):
                     verdict.fault(client, 'mixed', f'the answer to «{question}» in chat {chat} quotes another')
 
 
 def judge_seen(verdict, client, stored, place, chat, messages, stopped, must_be_whole):
     """What a client shows or caches of a chat against what is stored."""
     turns = stored[client.email].get(chat, [])
-    answers = {question: (text, thinking) for question, text, thinking, _ in turns}
+    answers = {question: (text, thinking, blocks) for question, text, thinking, blocks, _ in turns}
     elsewhere = {q: c for c, each in stored[client.email].items() for q, *_ in each}
     seen = [m['text'] for m in messages if m['isUser']]
     for text, count in collections.Counter(seen).items():
@@ -354,18 +385,30 @@ def judge_seen(verdict, client, stored, place, chat, messages, stopped, must_be_
                 verdict.fault(client, 'mixed' if question in elsewhere else 'unequal',
                               f'{place}, chat {chat}: «{question}» is {where}')
             continue
-        if foreign_tokens(question, message['text'] + message['thinking']):
+        blocks = blocks_of(message['blocks'])
+        if foreign_tokens(question, message['text'] + message['thinking'] + str(blocks)):
             verdict.fault(client, 'mixed', f'{place}, chat {chat}: the answer to «{question}» quotes another')
+        if any(block.split('|')[0] in PLACEHOLDERS for block in blocks):
+            verdict.fault(client, 'unequal', f'{place}, chat {chat}: in the answer to «{question}» a tool is said to '
+                          f'be at work: {blocks}')
         if question not in answers:
             continue
         verdict.counts[client.short]['compared'] += 1
-        for shown, kept in zip((message['text'], message['thinking']), answers[question]):
-            # What another client of the user asked for is shown as far as it had come when it was looked at.
-            may_lag = not must_be_whole and not question.startswith(f'soak {client.short}.')
-            if shown == kept or ((question in stopped or may_lag) and kept.startswith(shown)):
+        verdict.counts[client.short]['of tools'] += len(blocks)
+        # What another client of the user asked for is shown as far as it had come when it was looked at.
+        may_lag = not must_be_whole and not question.startswith(f'soak {client.short}.')
+        may_be_short = question in stopped or may_lag
+        text, thinking, kept_blocks = answers[question]
+        for shown, kept in ((plain(message['text']), text), (message['thinking'], thinking)):
+            if shown == kept or (may_be_short and without_sources(kept).startswith(without_sources(shown))):
                 continue
             verdict.fault(client, 'unequal', f'{place}, chat {chat}: the answer to «{question}» has {len(shown)} '
                           f'characters, stored are {len(kept)}; a beginning: {kept.startswith(shown)}')
+        # The last one may be an artifact that was still growing.
+        are_beginning = len(blocks) <= len(kept_blocks) and blocks[:-1] == kept_blocks[:max(0, len(blocks) - 1)]
+        if blocks != kept_blocks and not (may_be_short and are_beginning):
+            verdict.fault(client, 'unequal', f'{place}, chat {chat}: the answer to «{question}» shows {blocks}, stored '
+                          f'are {kept_blocks}')
 
 
 def judge_report(verdict, client, stored, when, report):
@@ -394,8 +437,8 @@ async def rest(service, clients, seconds):
 
 
 def print_table(verdict, clients):
-    columns = ['sent', 'received', 'returned', 'returned too', 'stopped', 'compared', 'lost', 'doubled', 'mixed',
-               'unequal']
+    columns = ['sent', 'received', 'returned', 'returned too', 'stopped', 'compared', 'of tools', 'lost', 'doubled',
+               'mixed', 'unequal']
     rows = [('client', *columns)]
     rows += [(c.short, *(str(verdict.counts[c.short][k]) for k in columns)) for c in clients]
     rows.append(('all', *(str(sum(verdict.counts[c.short][k] for c in clients)) for k in columns)))

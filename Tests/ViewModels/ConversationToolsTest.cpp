@@ -208,12 +208,14 @@ TEST_F(ConversationToolsTest, ALongArtifactGrowsInStepsAndIsSeenGrowing) {
     EXPECT_TRUE(chat->artifacts()->text().endsWith(u"строка 999\n"_s));
     EXPECT_TRUE(chat->artifacts()->isGenerating());
     EXPECT_EQ(chat->artifacts()->kindLabel(), u"Markdown"_s);
+    EXPECT_EQ(chat->artifacts()->shownArtifactId(), u"a1"_s);
     toolEnd(u"artifact"_s, {{"id", "a1"}, {"version", 1}});
     end();
     EXPECT_FALSE(chat->artifacts()->isGenerating());
     EXPECT_EQ(chat->artifacts()->title(), u"Отчёт"_s);
     chat->createChat();
     EXPECT_FALSE(chat->artifacts()->isOpen());
+    EXPECT_EQ(chat->artifacts()->shownArtifactId(), QString());
 }
 
 TEST_F(ConversationToolsTest, AnEndClearsWhatIsLeftAndCollectsTheSources) {
@@ -309,6 +311,17 @@ TEST_F(ConversationToolsTest, AFileThatDoesNotGoUpIsLeftOutAndCanBeSentAgain) {
     EXPECT_EQ(chat->messages()->count(), 2);
     EXPECT_EQ(chat->pendingFileAttachments()->count(), 1);
     EXPECT_EQ(chat->generationError(), u"Вложения не дошли до сервиса."_s);
+}
+
+TEST_F(ConversationToolsTest, AnImageBehindAnEditedOneWaitsAgainIfItDoesNotGoUp) {
+    chat->attachments()->addFiles({makeFile(u"1.svg"_s), makeFile(u"2.svg"_s)});
+    chat->setEditImage(u"https://i/edited.png"_s, u"поправь"_s);
+    chat->sendMessage();
+    uploadAnswers("{}", 500);
+    uploadAnswers(R"({"url":"https://s/2"})");
+    // The message shows the edited one.
+    ASSERT_EQ(chat->pendingFileAttachments()->count(), 1);
+    EXPECT_EQ(chat->pendingFileAttachments()->attachments().front().filename, u"1.svg"_s);
 }
 
 TEST_F(ConversationToolsTest, WhatDoesNotGoUpIsSentSeparatelyOrWaitsAgain) {

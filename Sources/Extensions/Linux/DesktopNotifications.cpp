@@ -107,11 +107,10 @@ void DesktopNotifications::notify(const UserNotification& notification) {
         });
 }
 
-void DesktopNotifications::take(uint serverId, UserNotification notification) {
-    const QString id = notification.id;
-    m_shown.insert(serverId, std::move(notification));
-    if (m_withdrawn.remove(id))
-        withdraw(id);
+void DesktopNotifications::take(uint serverId, const UserNotification& notification) {
+    m_shown.insert(serverId, notification);
+    if (m_withdrawn.remove(notification.id))
+        withdraw(notification.id);
 }
 
 void DesktopNotifications::withdraw(const QString& id) {
@@ -130,11 +129,8 @@ void DesktopNotifications::tokenGiven(uint id, const QString& token) {
 
 // Everybody's notifications are announced to everybody: those of others are not known here.
 void DesktopNotifications::actionInvoked(uint id, const QString& action) {
-    const auto shown = m_shown.constFind(id);
-    if (shown == m_shown.cend() || action != defaultAction)
-        return;
-    const UserNotification notification = *shown;
-    emit activated(notification, m_tokens.take(id));
+    if (action == defaultAction && m_shown.contains(id))
+        emit activated(m_shown.value(id), m_tokens.take(id));
 }
 
 void DesktopNotifications::notificationClosed(uint id, uint) {

@@ -31,7 +31,7 @@ private slots:
 
 private:
     void notify(const UserNotification& notification);
-    void take(uint serverId, UserNotification notification);
+    void take(uint serverId, const UserNotification& notification);
 
     QString m_applicationName;
     QString m_desktopEntry;

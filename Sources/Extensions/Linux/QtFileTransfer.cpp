@@ -15,7 +15,7 @@ using namespace Qt::Literals;
 
 namespace {
 
-constexpr qint64 bufferSize = 256 * 1024; // what may wait in memory for the disk
+constexpr qint64 bufferSize = 256LL * 1024; // what may wait in memory for the disk
 
 QString refusal(int status) {
     switch (status) {

@@ -61,6 +61,7 @@ public:
         const QHash<QString, QString>& places);
     // Whether the held question says anything without its files.
     bool hasText(quint64 serial);
+    bool hasImage(quint64 serial); // of its own, that was at the service before
     void withdraw(quint64 serial); // a held question has nothing left to say
     // The open conversation's answer, if one is running: what comes of it from now on is dropped. Its text stays.
     bool stop();

@@ -160,6 +160,11 @@ bool AnswerStream::hasText(quint64 serial) {
     return generation && (!generation->question.text.isEmpty() || !generation->question.imageUrls.isEmpty());
 }
 
+bool AnswerStream::hasImage(quint64 serial) {
+    const Generation* generation = m_generations.find(serial);
+    return generation && !generation->question.imageUrls.isEmpty();
+}
+
 void AnswerStream::withdraw(quint64 serial) {
     Generation* generation = m_generations.find(serial);
     if (!generation || !generation->isHeld)

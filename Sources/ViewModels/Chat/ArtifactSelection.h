@@ -17,6 +17,8 @@ class ArtifactSelection : public QObject {
     QML_UNCREATABLE("owned by ChatViewModel")
     Q_PROPERTY(QString selectedArtifactId READ selectedArtifactId WRITE select NOTIFY selectedArtifactIdChanged)
     Q_PROPERTY(bool isOpen READ isOpen NOTIFY selectedArtifactIdChanged)
+    // Of the one that is shown: the service's, when what was selected had a temporary one. Empty when none is.
+    Q_PROPERTY(QString shownArtifactId READ shownArtifactId NOTIFY changed)
     Q_PROPERTY(QString title READ title NOTIFY changed)
     Q_PROPERTY(QString kind READ kind NOTIFY changed)
     Q_PROPERTY(QString kindLabel READ kindLabel NOTIFY changed)
@@ -30,6 +32,7 @@ public:
     bool isOpen() const { return !m_id.isEmpty(); }
     Q_INVOKABLE void select(const QString& id); // empty closes it
     const Artifact& artifact() const { return m_artifact; }
+    QString shownArtifactId() const { return m_artifact.id; }
     QString title() const { return m_artifact.title; }
     QString kind() const { return m_artifact.kind; }
     QString kindLabel() const;

@@ -250,9 +250,10 @@ bool ComposerAttachments::isOurs(const QUrl& localURL) const {
 
 bool ComposerAttachments::retry(const QUrl& localURL) {
     auto again = takeFailed(localURL);
-    if (again)
-        giveBack({*std::move(again)});
-    return again.has_value();
+    if (!again)
+        return false;
+    giveBack({*std::move(again)});
+    return true;
 }
 
 QString ComposerAttachments::failureOf(const QUrl& localURL) const {

@@ -44,7 +44,7 @@ void QuestionUploads::supply(quint64 serial, const Uploaded& uploaded) {
     if (isBare && !m_stream.hasText(serial))
         return m_stream.withdraw(serial);
     // The message shows its first image only: one would never learn that another one is missing.
-    bool isFirst = true;
+    bool isFirst = !m_stream.hasImage(serial);
     for (const ChatFileAttachment& attachment : uploaded.attachments) {
         if (attachment.category != FileTypeCategory::image)
             continue;

@@ -21,7 +21,7 @@ CardPart {
 
         focus: true
         isGenerating: part.isGenerating
-        isSelected: artifact.artifactId.length > 0 && part.context?.artifacts?.selectedArtifactId === artifact.artifactId
+        isSelected: artifact.artifactId.length > 0 && part.context?.artifacts?.shownArtifactId === artifact.artifactId
         kindName: artifact.kind
         title: artifact.title
         width: part.width

@@ -156,18 +156,15 @@ FocusScope {
             bar.position = Math.max(0, Math.min(1 - bar.size, moved))
         }
     }
-    Text {
+    SourceText {
         id: raw
 
         color: drawing.isWrong ? Theme.err : Theme.t2
-        font.family: Theme.monoFamily
-        font.pixelSize: Theme.fontCode
         objectName: "formulaSource"
-        text: view.source
-        textFormat: Text.PlainText
-        visible: !view.isReady && (view.showsSource || drawing.isWrong || drawing.isMissed)
-        width: view.isBlock ? view.width : undefined
-        wrapMode: view.isBlock ? Text.WrapAtWordBoundaryOrAnywhere : Text.NoWrap
+        shown: !view.isReady && (view.showsSource || drawing.isWrong || drawing.isMissed)
+        text: view.isOpen && view.isBlock ? "$$" + view.formula : view.source // so that it grows at its end
+        width: view.isBlock ? view.width : implicitWidth
+        wraps: view.isBlock
         y: view.isBlock ? Math.round((view.implicitHeight - height) / 2) : 0
     }
     TapHandler {

@@ -159,17 +159,14 @@ FocusScope {
         onNeededChanged: view.grow()
         onVisibleChanged: view.grow()
 
-        Text {
+        SourceText {
             id: listing
 
             color: Theme.fallbackText
-            font.family: Theme.monoFamily
-            font.pixelSize: Theme.fontCode
             objectName: "diagramSource"
+            shown: raw.visible
             text: view.code
-            textFormat: Text.PlainText
             width: parent.width - 2 * Theme.gap3
-            wrapMode: Text.WrapAtWordBoundaryOrAnywhere
             x: Theme.gap3
             y: Theme.gap3
         }

@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace Korvi {
 
@@ -183,13 +184,30 @@ void ParagraphDocument::setFormulaSize(int formula, qreal width, qreal ascent, q
     if (known.size == size)
         return;
     known.size = size;
-    QTextCursor cursor(m_document->textDocument());
-    cursor.setPosition(known.position);
-    cursor.setPosition(known.position + 1, QTextCursor::KeepAnchor);
-    cursor.setCharFormat(formulaFormat(size));
+    known.isNew = true;
+    if (m_rewriting) // those that come while formulas are given their places are looked at right after that
+        return;
     if (!m_placesOld)
         QMetaObject::invokeMethod(this, &ParagraphDocument::findPlaces, Qt::QueuedConnection);
     m_placesOld = true;
+}
+
+// All at once: each change lays the whole paragraph out.
+bool ParagraphDocument::applySizes() {
+    const auto isNew = [](const Formula& formula) { return formula.isNew; };
+    if (std::none_of(m_found.begin(), m_found.end(), isNew))
+        return false;
+    QTextCursor cursor(m_document->textDocument());
+    cursor.beginEditBlock();
+    for (Formula& formula : m_found) {
+        if (!std::exchange(formula.isNew, false))
+            continue;
+        cursor.setPosition(formula.position);
+        cursor.setPosition(formula.position + 1, QTextCursor::KeepAnchor);
+        cursor.setCharFormat(formulaFormat(formula.size));
+    }
+    cursor.endEditBlock();
+    return true;
 }
 
 void ParagraphDocument::findFormulas() {
@@ -213,7 +231,15 @@ void ParagraphDocument::findFormulas() {
 void ParagraphDocument::findPlaces() {
     if (m_rewriting) // the text item has another height, and says so in the midst of it
         return;
+    const QScopedValueRollback guard(m_rewriting, true);
     m_placesOld = false;
+    applySizes();
+    tellPlaces();
+    if (applySizes())
+        tellPlaces();
+}
+
+void ParagraphDocument::tellPlaces() {
     std::vector<PlaceListModel::Place> formulas;
     std::vector<PlaceListModel::Place> codes;
     if (m_document && m_style && (!m_found.empty() || m_hasCode)) {

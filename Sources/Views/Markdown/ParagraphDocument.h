@@ -47,8 +47,8 @@ public:
     void classBegin() override {}
     void componentComplete() override;
 
-    // How much room a formula needs, in pixels; `ascent` and `descent` from the baseline. Its place follows in the next
-    // turn of the main loop.
+    // How much room a formula needs, in pixels; `ascent` and `descent` from the baseline. Room and place follow in
+    // the next turn of the main loop.
     Q_INVOKABLE void setFormulaSize(int formula, qreal width, qreal ascent, qreal descent);
     // After the text was laid out anew.
     Q_INVOKABLE void findPlaces();
@@ -73,7 +73,8 @@ private:
     struct Formula {
         QString text;
         int position = 0; // in the document
-        Size size;        // that it has there
+        Size size;
+        bool isNew = false; // it does not have that size there yet
     };
 
     void update();
@@ -84,6 +85,8 @@ private:
     QTextCharFormat formulaFormat(const Size& size) const;
     Size sizeOf(const QString& formula) const;
     void findFormulas();
+    bool applySizes(); // whether there was any
+    void tellPlaces();
 
     QPointer<QQuickTextDocument> m_document;
     QPointer<AnswerParts> m_parts;

@@ -282,11 +282,27 @@ TEST(ParagraphDocument, KeepsRoomForAFormulaAboveAndBelowTheBaseline) {
     EXPECT_NEAR(line.ascent(), 30, 1);
     EXPECT_NEAR(place.rect.bottom(), line.ascent(), 1);
     paragraphs.setFormulaSize(0, 40, 20, 18);
+    paragraphs.findPlaces();
     EXPECT_NEAR(document->firstBlock().layout()->lineAt(0).descent(), 18, 2);
     // A piece that follows leaves it as large.
     parts.setContent(u"Слово и $x$ в строке дальше"_s);
     shown.update();
     EXPECT_EQ(paragraphs.formulas()->places().front().rect.width(), 40);
+}
+
+TEST(ParagraphDocument, TakesTheSizesOfManyFormulasAtOnce) {
+    AnswerParts parts;
+    parts.setContent(u"$x$ и "_s.repeated(200));
+    Shown shown(parts, 0);
+    ParagraphDocument& paragraphs = shown.paragraphs();
+    int changes = 0;
+    QObject::connect(paragraphs.document()->textDocument(), &QTextDocument::contentsChanged, [&] { ++changes; });
+    for (int i = 0; i < 200; ++i)
+        paragraphs.setFormulaSize(i, 40, 30, 4);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(changes, 1); // each lays the paragraph out anew
+    for (const PlaceListModel::Place& place : paragraphs.formulas()->places())
+        ASSERT_EQ(place.rect.width(), 40);
 }
 
 }
