@@ -19,6 +19,7 @@ Item {
     implicitWidth: brief.implicitWidth
     visible: shown
 
+    // qmllint disable unqualified
     component Lines: Text {
         color: listing.color
         font.family: Theme.monoFamily
@@ -26,6 +27,7 @@ Item {
         textFormat: Text.PlainText
         wrapMode: listing.wraps ? Text.WrapAtWordBoundaryOrAnywhere : Text.NoWrap
     }
+    // qmllint enable unqualified
 
     Lines {
         id: brief
@@ -48,7 +50,6 @@ Item {
 
                 text: part
             }
-            // qmllint enable unqualified
             estimate: CodeHeights {
                 lineHeight: metrics.height
                 wrapColumns: column.width / metrics.advanceWidth("0")
@@ -56,6 +57,7 @@ Item {
             model: TextParts {
                 text: listing.text
             }
+            // qmllint enable unqualified
 
             FontMetrics {
                 id: metrics

@@ -13,7 +13,7 @@ FocusScope {
     property double progress: -1 // of its coming, 0 to 1; -1 while it is unknown
     property string fetchError // empty unless it does not come
 
-    readonly property bool isBuffering: file.toString().length === 0 || player.mediaStatus === MediaPlayer.LoadingMedia
+    readonly property bool isBuffering: String(file).length === 0 || player.mediaStatus === MediaPlayer.LoadingMedia
         || player.mediaStatus === MediaPlayer.StalledMedia
     readonly property bool isPlaying: player.playbackState === MediaPlayer.PlayingState
     // Milliseconds; 0 while it is unknown, and so it remains with files that do not tell it of each track, as WebM.
@@ -30,7 +30,7 @@ FocusScope {
             errorMessage = "Неверный URL"
             return
         }
-        if (file.toString().length === 0) {
+        if (String(file).length === 0) {
             fileWanted()
             return
         }
