@@ -33,8 +33,10 @@ inline QList<ProcessFacts> processes() {
     return all;
 }
 
-// A process and all that it has started.
+// A process and all that it has started; nothing for 0, the id of one that is not running yet.
 inline QList<ProcessFacts> processTree(qint64 root) {
+    if (root == 0)
+        return {};
     const auto all = processes();
     QList<ProcessFacts> tree;
     QList<qint64> wanted{root};

@@ -34,6 +34,7 @@ FocusScope {
             fileWanted()
             return
         }
+        // What has ended is opened again: the player may take the end of the last time for that of the next.
         player.source = ""
         player.source = file
         player.play()
@@ -42,6 +43,8 @@ FocusScope {
     function toggle(): void {
         if (isPlaying)
             player.pause()
+        else if (player.mediaStatus === MediaPlayer.EndOfMedia)
+            startStreaming()
         else
             player.play()
     }
