@@ -203,6 +203,25 @@ TEST_F(FormulaViewsTest, ADiagramIsShownLargerOverTheWholeWindowAndSharp) {
     ASSERT_TRUE(waitFor([&] { return window->isActive(); }));
     QMetaObject::invokeMethod(diagram, "takeFocus");
     ASSERT_EQ(window->activeFocusItem(), diagram);
+    const auto pointer = [&](QEvent::Type type, double shift = 0) {
+        const QPointF at = diagram->mapToScene({diagram->width() / 2 + shift, diagram->height() / 2});
+        const auto button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
+        const auto held = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
+        QMouseEvent event(type, at, at, window->mapToGlobal(at), button, held, Qt::NoModifier);
+        QCoreApplication::sendEvent(window.get(), &event);
+    };
+    const auto isOpen = [&] { return window->findChild<QQuickItem*>(u"viewerDiagram"_s) != nullptr; };
+    pointer(QEvent::MouseButtonPress);
+    pointer(QEvent::MouseMove, 40);
+    pointer(QEvent::MouseButtonRelease, 40);
+    EXPECT_FALSE(waitFor(isOpen, 300ms));
+    EXPECT_EQ(diagram->property("selectedText"), u"```mermaid\nflowchart TD\n A --> B --> C\n```"_s);
+    pointer(QEvent::MouseButtonPress);
+    pointer(QEvent::MouseButtonRelease);
+    EXPECT_TRUE(waitFor(isOpen));
+    press(Qt::Key_Escape);
+    EXPECT_TRUE(waitFor([&] { return !isOpen(); }));
+    QMetaObject::invokeMethod(diagram, "takeFocus");
     press(Qt::Key_Return);
     QQuickItem* large = nullptr;
     ASSERT_TRUE(waitFor([&] {

@@ -197,6 +197,93 @@ Item {
             verify(!first.activeFocus)
         }
 
+        // Formulas, diagrams and images are selected whole, wherever on them it begins or passes.
+        function test_aDragThatBeginsOnAFormulaADiagramOrAnImage_data() {
+            return [{ tag: "formula", source: "$$x^2$$" }, { tag: "diagram", source: "```mermaid\nflowchart TD\n A --> B\n```" },
+                { tag: "image", source: "![Кот](file:///a.png)" }]
+        }
+
+        function test_aDragThatBeginsOnAFormulaADiagramOrAnImage(data) {
+            answer.text = "Один.\n\n" + data.source + "\n\nДва."
+            tryVerify(() => part(1).height > 10) // a diagram's source comes when the drawing does not
+            const at = (item, share) => item.mapToItem(root, 0, item.height * share).y
+            for (const share of [0.1, 0.9]) {
+                answer.deselect()
+                mousePress(root, 20, at(part(1), share))
+                mouseMove(root, 24, at(part(1), share), 0, Qt.LeftButton)
+                compare(answer.selectedText(), "") // a click may tremble
+                mouseMove(root, 60, at(part(1), 0.5), 0, Qt.LeftButton)
+                compare(answer.selectedText(), data.source)
+                mouseMove(root, 400, at(part(2), 0.5), 0, Qt.LeftButton)
+                wait(0)
+                compare(answer.selectedText(), data.source + "\n\nДва.")
+                mouseMove(root, 0, at(part(0), 0.5), 0, Qt.LeftButton)
+                wait(0)
+                compare(answer.selectedText(), "Один.\n\n" + data.source)
+                verify(part(1).isSelected)
+                mouseMove(root, 60, at(part(1), 0.5), 0, Qt.LeftButton)
+                wait(0)
+                compare(answer.selectedText(), data.source)
+                mouseRelease(root, 60, at(part(1), 0.5))
+                copied.clear()
+                keySequence("Ctrl+C")
+                compare(copied.count, 1)
+                compare(copied.signalArguments[0][0], data.source)
+            }
+            mouseClick(root, 20, at(part(1), 0.5))
+            compare(answer.selectedText(), "")
+            // And by the keyboard, from there on.
+            keyClick(Qt.Key_Down, Qt.ShiftModifier)
+            compare(answer.selectedText(), data.source)
+            keyClick(Qt.Key_Down, Qt.ShiftModifier)
+            for (let i = 0; i < 2; ++i)
+                keyClick(Qt.Key_Right, Qt.ShiftModifier)
+            compare(answer.selectedText(), data.source + "\n\nДв")
+        }
+
+        function test_theKeyboardSelectsWhatStandsAtTheEnds() {
+            answer.text = "$$x$$\n\nДва\n\n$$y$$"
+            wait(0)
+            part(1).takeCaretAt(3)
+            keyClick(Qt.Key_Left, Qt.ShiftModifier)
+            keyClick(Qt.Key_Right, Qt.ShiftModifier)
+            keyClick(Qt.Key_Right, Qt.ShiftModifier)
+            compare(answer.selectedText(), "$$y$$")
+            keyClick(Qt.Key_Left, Qt.ShiftModifier)
+            keyClick(Qt.Key_Left, Qt.ShiftModifier)
+            compare(answer.selectedText(), "а")
+            for (let i = 0; i < 3; ++i)
+                keyClick(Qt.Key_Left, Qt.ShiftModifier)
+            compare(answer.selectedText(), "$$x$$\n\nДва")
+            // Without Shift nothing is selected and the caret passes over a formula.
+            keyClick(Qt.Key_Right)
+            compare(answer.selectedText(), "")
+            verify(part(1).activeFocus)
+        }
+
+        function test_allOfAPartComesBeforeAllOfTheAnswer() {
+            for (const [index, own] of [[1, "a = 1\nb = 2"], [3, "А\tБ\n1\t2"]]) {
+                answer.deselect()
+                part(index).takeCaret()
+                keySequence("Ctrl+A")
+                compare(answer.selectedText().trim(), own)
+                copied.clear()
+                keySequence("Ctrl+C")
+                compare(copied.signalArguments[0][0].trim(), own)
+                keySequence("Ctrl+A")
+                compare(answer.selectedText(), answer.plainText())
+                keySequence("Ctrl+C")
+                compare(copied.signalArguments[1][0], answer.plainText())
+            }
+            // A text is divided where the reader sees nothing.
+            for (const takes of [() => part(2).takeCaret(), () => part(2).takeFocus()]) {
+                answer.deselect()
+                takes()
+                keySequence("Ctrl+A")
+                compare(answer.selectedText(), answer.plainText())
+            }
+        }
+
         function test_allIsSelectedAndFormulasAreTex() {
             answer.selectAll()
             compare(answer.selectedText(), answer.plainText())

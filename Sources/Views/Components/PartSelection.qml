@@ -4,7 +4,8 @@ import Korvi.Views // the types written in C++
 // Selects over all parts of a PartColumn, by the pointer and by the keyboard. Within one part, the part itself selects.
 //
 // A part takes part in it by what SelectableText has: length, selectedText, positionAt(), select(), deselect(),
-// persistentSelection, takeFocus() and, to be entered by the keyboard, takeCaretAt() and caretLeaving().
+// persistentSelection, takeFocus() and, to be entered by the keyboard, takeCaretAt() and caretLeaving(). One that isWhole
+// is one character; the keyboard goes there only while it selects.
 QtObject {
     id: selection
 
@@ -17,6 +18,7 @@ QtObject {
     property bool isDragging: false
     property int pressedPart: -1
     property int pressedAt: 0
+    property bool pressedWhole: false
 
     signal caretMoved(real y, real height)
 
@@ -91,6 +93,13 @@ QtObject {
             item.select(from, to)
     }
 
+    // Where a selection began that goes on from there.
+    function anchorOf(item: var, direction: int): int {
+        if (item.isWhole)
+            return direction > 0 ? 0 : item.length
+        return item.cursorPosition === item.selectionStart ? item.selectionEnd : item.selectionStart
+    }
+
     // The caret goes over the border of a part. Says whether there was somewhere to go.
     function step(part: int, direction: int, selecting: bool): bool {
         const leaving = column.itemAt(part)
@@ -98,16 +107,16 @@ QtObject {
         let entered = null
         for (; next >= 0 && next < model.count && !entered; next += direction) {
             const item = column.showPart(next)
-            if (item?.takeCaretAt)
+            if (item?.takeCaretAt && (selecting || !item.isWhole))
                 entered = item
         }
         if (!entered)
             return false
         next -= direction
         const anchorPart = span?.anchorPart ?? part
-        const anchor = span?.anchor
-            ?? (leaving.cursorPosition === leaving.selectionStart ? leaving.selectionEnd : leaving.selectionStart)
-        const head = direction > 0 ? 0 : entered.length
+        const anchor = span?.anchor ?? anchorOf(leaving, direction)
+        const border = direction > 0 ? 0 : entered.length
+        const head = entered.isWhole ? entered.length - border : border
         span = null
         if (selecting && next !== anchorPart)
             span = { anchorPart: anchorPart, anchor: anchor, headPart: next, head: head }
@@ -122,7 +131,7 @@ QtObject {
     // The caret moved within a part.
     function follow(part: int): void {
         const item = column.itemAt(part)
-        if (!span || isDragging || !item?.hasCaret || part !== span.headPart || item.cursorPosition === span.head)
+        if (!span || isDragging || !item?.hasCaret || item.isWhole || part !== span.headPart || item.cursorPosition === span.head)
             return
         const border = isBackward() ? item.length : 0
         if (item.selectionStart === item.selectionEnd && item.cursorPosition !== border)
@@ -138,6 +147,7 @@ QtObject {
         isDragging = item?.positionAt !== undefined
         if (isDragging)
             pressedAt = item.positionAt(x - item.x, y - item.y)
+        pressedWhole = item?.isWhole ?? false
     }
 
     // After the part that was pressed has itself selected what it takes for the end.
@@ -146,7 +156,9 @@ QtObject {
         const other = column.itemAt(part)
         if (!isDragging || !other?.positionAt || part === pressedPart && !span)
             return
-        span = { anchorPart: pressedPart, anchor: pressedAt, headPart: part, head: other.positionAt(x - other.x, y - other.y) }
+        const anchor = !pressedWhole ? pressedAt : part < pressedPart ? 1 : 0
+        const head = pressedWhole && part === pressedPart ? 1 : other.positionAt(x - other.x, y - other.y)
+        span = { anchorPart: pressedPart, anchor: anchor, headPart: part, head: head }
         caretMoved(y, 0)
     }
 

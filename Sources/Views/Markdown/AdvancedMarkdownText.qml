@@ -122,6 +122,7 @@ Item {
         // qmllint disable
         onPartMade: (part, item) => {
             item.caretMoved?.connect((y, height) => view.caretMoved(item.y + y, height))
+            item.allWanted?.connect(() => selection.selectAll())
             item.copyWanted?.connect(text => view.copyWanted(item instanceof TextPart ? view.selectedText() : text))
         }
         // qmllint enable
@@ -153,6 +154,8 @@ Item {
                 name: "mermaid"
 
                 MermaidView {
+                    required property int index
+
                     onEnlargeWanted: code => view.showDiagram(code)
                 }
             },
@@ -160,6 +163,8 @@ Item {
                 name: "latex"
 
                 LaTeXView {
+                    required property int index
+
                     color: view.textColor
                 }
             },
@@ -176,6 +181,8 @@ Item {
                 name: "image"
 
                 ImageAttachmentView {
+                    required property int index
+
                     onOpened: address => view.showImage(address)
                 }
             },
@@ -229,9 +236,13 @@ Item {
         }
 
         Keys.onPressed: event => {
-            event.accepted = event.matches(StandardKey.Copy) && selection.span !== null
-            if (event.accepted)
+            if (event.matches(StandardKey.Copy) && selection.span !== null)
                 view.copyWanted(view.selectedText())
+            else if (event.matches(StandardKey.SelectAll))
+                selection.selectAll()
+            else
+                return
+            event.accepted = true
         }
 
         AverageCharacter {

@@ -114,9 +114,9 @@ QString readingOf(const Markdown::Block& block, qsizetype from, qsizetype to) {
     return match(
         block.value, [&](const Block::CodeBlock& code) { return code.code.mid(from, to - from); },
         [&](const Block::Table& table) { return readRows(table, from, to); },
-        [](const Block::MermaidBlock& diagram) { return diagram.code; },
+        [](const Block::MermaidBlock& diagram) { return QStringLiteral("```mermaid\n%1\n```").arg(diagram.code); },
         [](const Block::LatexBlock& formula) { return QStringLiteral("$$%1$$").arg(formula.formula); },
-        [](const Block::Image& image) { return image.alt.value_or(image.url); }, [](const auto&) { return QString(); });
+        [](const auto&) { return QString(); });
 }
 
 }
@@ -306,7 +306,8 @@ void AnswerParts::setStreaming(bool streaming) {
 void AnswerParts::updateBeginning() {
     QString beginning;
     for (int row = 0; row < count() && beginning.isEmpty(); ++row)
-        beginning = read(row, 0, beginningLength);
+        beginning =
+            kind(row) == AnswerPartKind::image ? data(index(row), AltRole).toString() : read(row, 0, beginningLength);
     beginning.truncate(beginningLength);
     if (beginning == m_beginning)
         return;
@@ -397,9 +398,12 @@ double AnswerParts::gap(int row) const {
 QString AnswerParts::read(int row, qsizetype from, qsizetype to) const {
     if (kind(row) != AnswerPartKind::text) {
         const Markdown::Block* block = special(row);
-        if (!block || from >= to)
+        if (from >= to)
             return {};
-        return readingOf(*block, from, to);
+        if (kind(row) == AnswerPartKind::image) // in the text, or what a tool has made
+            return QStringLiteral("![%1](%2)")
+                .arg(data(index(row), AltRole).toString(), data(index(row), UrlRole).toString());
+        return block ? readingOf(*block, from, to) : QString();
     }
     QString text;
     const std::vector<Paragraph> all = paragraphs(row);
@@ -427,7 +431,7 @@ int AnswerParts::lengthOf(int row) const {
     if (kind(row) != AnswerPartKind::text) {
         const Markdown::Block* block = special(row);
         if (!block)
-            return 0;
+            return kind(row) == AnswerPartKind::image ? 1 : 0;
         if (const auto* code = block->as<Markdown::Block::CodeBlock>())
             return static_cast<int>(code->code.size());
         const auto* table = block->as<Markdown::Block::Table>();

@@ -61,7 +61,8 @@ public:
     const Markdown::Block* special(int row) const;
 
     // What is read from a character of one part up to a character of the same or a later one: code as code, a table as
-    // tab-separated lines, formulas as TeX. A character is a row in a table; other parts are one character, or none.
+    // tab-separated lines, formulas, diagrams and images as they are written. A character is a row in a table; other
+    // parts are one character, or none.
     Q_INVOKABLE QString between(int firstPart, int from, int lastPart, int to) const;
     Q_INVOKABLE int lengthOf(int part) const; // characters as drawn
     Q_INVOKABLE QString plainText() const;    // all that is read

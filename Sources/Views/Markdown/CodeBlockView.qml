@@ -31,6 +31,7 @@ Item {
 
     signal caretMoved(real y, real height)
     signal copyWanted(string text)
+    signal allWanted
     signal spanCopyWanted // by the keyboard: this is only a part of what is selected
     signal caretLeaving(int direction, bool selecting) // over the beginning (-1) or the end (1)
 
@@ -47,6 +48,14 @@ Item {
     function selectAll(): void {
         takeFocus()
         select(0, length)
+    }
+
+    // By the keyboard: the code, and all that is around it when it is selected already.
+    function selectAllFirst(): void {
+        if (persistentSelection || selectionStart === 0 && selectionEnd === length)
+            allWanted()
+        else
+            select(0, length)
     }
 
     function deselect(): void {
@@ -189,7 +198,7 @@ Item {
                     else if (event.matches(StandardKey.Copy) && view.selectionEnd > view.selectionStart)
                         view.copyWanted(view.selectedText)
                     else if (event.matches(StandardKey.SelectAll))
-                        view.select(0, view.length)
+                        view.selectAllFirst()
                     else
                         return
                     event.accepted = true

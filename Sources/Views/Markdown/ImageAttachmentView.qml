@@ -3,69 +3,33 @@ import Korvi.Views // the types written in C++
 
 // An image of an answer. Until its size is known it has one that suits most, and the words that stand for it can be
 // read all the while.
-Item {
+WholePart {
     id: view
 
     required property string url // anything that stood in the answer
     property string alt: ""
-    property bool persistentSelection: false
-
-    // The image counts as one character.
-    property int selectionStart: 0
-    property int selectionEnd: 0
-    readonly property string selectedText: selectionEnd > selectionStart ? "![" + alt + "](" + url + ")" : ""
-    readonly property int length: 1
 
     readonly property bool isRefused: picture.isRefused || url.length === 0
     readonly property bool hasFailed: picture.status === WebPicture.Failed && !isRefused
     readonly property bool isShown: picture.status === WebPicture.Ready
     readonly property real shrinking: isShown ? Math.min(1, width / picture.naturalSize.width, Theme.imageHeight / picture.naturalSize.height) : 1
 
-    signal caretMoved(real y, real height)
-    signal copyWanted(string text)
     signal opened(string address) // as it stood in the answer
-
-    function select(from: int, to: int): void {
-        selectionEnd = Math.max(0, Math.min(1, Math.max(from, to)))
-        selectionStart = Math.max(0, Math.min(1, Math.min(from, to)))
-    }
-
-    function selectAll(): void {
-        takeFocus()
-        select(0, 1)
-    }
-
-    function deselect(): void {
-        select(0, 0)
-    }
-
-    function positionAt(x: real, y: real): int {
-        return y > height / 2 ? 1 : 0
-    }
-
-    function positionToRectangle(position: int): rect {
-        return Qt.rect(0, position > 0 ? height : 0, 0, 0)
-    }
-
-    function takeFocus(): void {
-        forceActiveFocus(Qt.OtherFocusReason)
-    }
-
-    function takeCaret(): void {
-        if (isShown)
-            target.forceActiveFocus(Qt.TabFocusReason)
-        else
-            takeFocus()
-    }
 
     implicitHeight: isShown ? Math.round(picture.naturalSize.height * shrinking)
         : isRefused || hasFailed ? Math.max(Theme.px(56), words.implicitHeight + Theme.gap3 * 2) : Theme.imagePlaceholder
 
+    opens: isShown
+    pointerLayer: isShown ? 1 : 0 // over the button, which is for the keyboard
+    source: "![" + alt + "](" + url + ")"
+
     Keys.onPressed: event => {
-        event.accepted = event.matches(StandardKey.Copy) && !persistentSelection
-        if (event.accepted)
-            copyWanted(selectedText || url)
+        const copies = event.matches(StandardKey.Copy) && !isSelected
+        if (copies)
+            copyWanted(url)
+        event.accepted = event.accepted || copies
     }
+    onOpenWanted: opened(url)
 
     Rectangle {
         id: frame
@@ -97,7 +61,7 @@ Item {
         width: picture.width
 
         background: Rectangle {
-            color: view.selectionEnd > view.selectionStart ? Theme.selection : target.hovered ? Theme.hover : "transparent"
+            color: view.isSelected ? Theme.selection : target.hovered ? Theme.hover : "transparent"
             radius: target.radius
         }
 

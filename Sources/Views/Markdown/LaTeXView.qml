@@ -4,7 +4,7 @@ import Korvi.Views // the types written in C++
 // A formula: one of its own, in the middle of the column, or a small one that stands among words with its baseline on
 // theirs. Can be selected as one character, and copied as the TeX that it was written in, which is shown until it is
 // laid out, and for good when it cannot be.
-FocusScope {
+WholePart {
     id: view
 
     required property string formula
@@ -12,33 +12,12 @@ FocusScope {
     property bool isOpen: false // its end has not come yet: it is shown as it is written
     property color color: Theme.t1
     property real fontSize: isBlock ? Theme.fontFormula : Theme.fontInlineFormula
-    property bool persistentSelection: false
 
     readonly property bool isReady: drawing.isReady && !isOpen
-    readonly property int length: 1 // selectable characters
-    readonly property string source: isBlock ? `$$${formula}$$` : `$${formula}$`
-    readonly property string selectedText: isSelected ? source : ""
-
-    property bool isSelected: false
     property bool showsSource: isOpen // and does so until there is something better
     // A wide one is made smaller, but only as far as it can still be read; then it scrolls.
     readonly property real fit: isBlock && width > 0 && drawing.ems * fontSize > width
         ? Math.max(Theme.leastFormulaFit, width / (drawing.ems * fontSize)) : 1
-
-    signal caretMoved(real y, real height)
-    signal copyWanted(string text)
-
-    function select(from: int, to: int): void {
-        isSelected = from !== to
-    }
-
-    function selectAll(): void {
-        isSelected = true
-    }
-
-    function deselect(): void {
-        isSelected = false
-    }
 
     function positionAt(x: real, y: real): int {
         if (y < 0 || y > height)
@@ -54,16 +33,6 @@ FocusScope {
         return { kind: "formula", text: formula }
     }
 
-    function takeFocus(): void {
-        forceActiveFocus(Qt.OtherFocusReason)
-    }
-
-    function takeCaret(): void {
-        takeFocus()
-        isSelected = true
-        caretMoved(0, height)
-    }
-
     Accessible.name: source
     Accessible.role: Accessible.StaticText
     baselineOffset: isReady ? strip.y + drawing.baselineOffset : raw.visible ? raw.y + raw.baselineOffset : implicitHeight
@@ -75,16 +44,8 @@ FocusScope {
         return drawing.pageHeight > 10 ? drawing.pageHeight + 8 : Theme.pendingFormulaHeight
     }
     implicitWidth: raw.visible ? raw.implicitWidth : drawing.implicitWidth
+    source: isBlock ? `$$${formula}$$` : `$${formula}$`
 
-    Keys.onPressed: event => {
-        event.accepted = event.matches(StandardKey.Copy) && isSelected && !persistentSelection
-        if (event.accepted)
-            copyWanted(source)
-    }
-    onActiveFocusChanged: {
-        if (!activeFocus && !persistentSelection)
-            isSelected = false
-    }
     onIsOpenChanged: {
         if (isOpen)
             showsSource = true
@@ -166,14 +127,5 @@ FocusScope {
         width: view.isBlock ? view.width : implicitWidth
         wraps: view.isBlock
         y: view.isBlock ? Math.round((view.implicitHeight - height) / 2) : 0
-    }
-    TapHandler {
-        acceptedButtons: Qt.LeftButton
-
-        onDoubleTapped: {
-            view.takeFocus()
-            view.selectAll()
-        }
-        onSingleTapped: view.deselect()
     }
 }

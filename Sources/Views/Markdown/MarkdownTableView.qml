@@ -90,8 +90,8 @@ Item {
     Keys.onPressed: event => {
         if (event.matches(StandardKey.Copy) && !persistentSelection)
             copy()
-        else if (event.matches(StandardKey.SelectAll))
-            select(0, length)
+        else if (event.matches(StandardKey.SelectAll) && !(persistentSelection || selectionStart === 0 && selectionEnd === length))
+            select(0, length) // and all that is around it when it is selected already
         else
             return
         event.accepted = true

@@ -3,58 +3,20 @@ import Korvi.Views // the types written in C++
 
 // A diagram, on a ground of its own; its code when it is none or is still being written. Can be selected as one
 // character, copied as its code, and asked to show itself larger.
-FocusScope {
+WholePart {
     id: view
 
     required property string code
     property bool isOpen: false // its end has not come yet: it is shown as it is written
-    property bool persistentSelection: false
 
     readonly property bool isReady: drawing.isReady && !isOpen
-    readonly property int length: 1 // selectable characters
-    readonly property string source: `\`\`\`mermaid\n${code}\n\`\`\``
-    readonly property string selectedText: isSelected ? source : ""
-
-    property bool isSelected: false
     property bool showsSource: isOpen // and does so until there is something better
     property real grownHeight: 1 // grows and never shrinks, so that nothing below it jumps
 
-    signal caretMoved(real y, real height)
-    signal copyWanted(string text)
     signal enlargeWanted(string code)
-
-    function select(from: int, to: int): void {
-        isSelected = from !== to
-    }
-
-    function selectAll(): void {
-        isSelected = true
-    }
-
-    function deselect(): void {
-        isSelected = false
-    }
-
-    function positionAt(x: real, y: real): int {
-        return y < height / 2 ? 0 : 1
-    }
-
-    function positionToRectangle(position: int): rect {
-        return Qt.rect(position > 0 ? width : 0, 0, 0, height)
-    }
 
     function sourceAt(x: real, y: real): var {
         return { kind: "diagram", text: code }
-    }
-
-    function takeFocus(): void {
-        forceActiveFocus(Qt.OtherFocusReason)
-    }
-
-    function takeCaret(): void {
-        takeFocus()
-        isSelected = true
-        caretMoved(0, height)
     }
 
     function grow(): void {
@@ -68,18 +30,14 @@ FocusScope {
     Accessible.role: Accessible.Graphic
     implicitHeight: Math.max(1, grownHeight)
 
+    opens: isReady
+    source: `\`\`\`mermaid\n${code}\n\`\`\``
+
     Keys.onPressed: event => {
-        const copies = event.matches(StandardKey.Copy) && !persistentSelection
-        const opens = [Qt.Key_Return, Qt.Key_Enter, Qt.Key_Space].includes(event.key) && isReady
-        event.accepted = copies || opens
+        const copies = event.matches(StandardKey.Copy) && !isSelected
         if (copies)
             copyWanted(code)
-        else if (opens)
-            enlargeWanted(code)
-    }
-    onActiveFocusChanged: {
-        if (!activeFocus && !persistentSelection)
-            isSelected = false
+        event.accepted = event.accepted || copies
     }
     onCodeChanged: {
         if (!isOpen)
@@ -94,6 +52,7 @@ FocusScope {
             showsSource = false
         grow()
     }
+    onOpenWanted: enlargeWanted(code)
 
     Timer {
         interval: Theme.patience
@@ -109,14 +68,6 @@ FocusScope {
 
         HoverHandler {
             id: hover
-        }
-        TapHandler {
-            acceptedButtons: Qt.LeftButton
-
-            onTapped: {
-                view.takeFocus()
-                view.enlargeWanted(view.code)
-            }
         }
         DiagramItem {
             id: drawing

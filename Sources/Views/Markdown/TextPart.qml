@@ -19,6 +19,8 @@ ReadingText {
         return edit.positionToRectangle(edit.length)
     }
 
+    signal allWanted
+
     // The formula there.
     function sourceAt(x: real, y: real): var {
         for (let i = 0; i < formulas.count; ++i) {
@@ -33,6 +35,12 @@ ReadingText {
     copiesItself: false
     objectName: "textPart"
 
+    Keys.onPressed: event => {
+        if (!event.matches(StandardKey.SelectAll))
+            return
+        allWanted() // where one text ends and another begins is nothing to the reader
+        event.accepted = true
+    }
     Component.onCompleted: paragraphs.findPlaces()
     onContentHeightChanged: paragraphs.findPlaces()
     onWidthChanged: paragraphs.findPlaces()
