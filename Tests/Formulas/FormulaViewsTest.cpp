@@ -13,6 +13,8 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+
 namespace Korvi::Test {
 
 using namespace Qt::Literals;
@@ -40,6 +42,16 @@ protected:
     }
     static QQuickItem* part(QQuickItem* view, const char* name) {
         return view->findChild<QQuickItem*>(QString::fromLatin1(name));
+    }
+    // Also of what a model has made.
+    static QList<QQuickItem*> parts(const QQuickItem* view, const QString& name) {
+        QList<QQuickItem*> found;
+        for (QQuickItem* child : view->childItems()) {
+            if (child->objectName() == name)
+                found.append(child);
+            found += parts(child, name);
+        }
+        return found;
     }
     static bool isReady(QQuickItem* view) {
         return waitFor([&] { return view->property("isReady").toBool(); }, 60s);
@@ -94,6 +106,26 @@ TEST_F(FormulaViewsTest, ASmallFormulaHasItsBaselineAndGrowsWithItsSize) {
     const qreal width = view->implicitWidth();
     view->setProperty("fontSize", 40);
     EXPECT_NEAR(view->implicitWidth(), 2 * width, 2);
+}
+
+TEST_F(FormulaViewsTest, FormulasAmongWordsStandOnWholePixels) {
+    engine.serve(scenes);
+    QQuickItem* view =
+        show("AdvancedMarkdownText { text: 'Если $D > 0$, то так, если $x_1$ или $y^2$, то иначе.'; width: 500 }");
+    const auto drawings = [&] { return parts(view, u"formulaDrawing"_s); };
+    ASSERT_TRUE(waitFor(
+        [&] {
+            const auto all = drawings();
+            return all.size() == 3 && std::ranges::all_of(all, [](QQuickItem* item) {
+                return item->property("isReady").toBool() && item->mapToScene({}).x() > 0;
+            });
+        },
+        60s));
+    settle();
+    for (QQuickItem* drawing : drawings()) {
+        const QPointF at = drawing->mapToScene({});
+        EXPECT_EQ(at, QPointF(at.toPoint())) << qPrintable(drawing->property("formula").toString());
+    }
 }
 
 TEST_F(FormulaViewsTest, AWideFormulaIsMadeSmallerAndThenScrolls) {

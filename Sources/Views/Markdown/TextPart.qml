@@ -65,11 +65,11 @@ ReadingText {
             required property rect place
 
             color: Theme.icodebg
-            height: place.height + Theme.hairline * 2
+            height: Math.round(place.height) + Theme.hairline * 2
             radius: Theme.gap1
-            width: place.width + Theme.gap1
-            x: place.x - Theme.gap1 / 2
-            y: place.y - Theme.hairline
+            width: Math.round(place.width) + Theme.gap1
+            x: Math.round(place.x) - Theme.gap1 / 2
+            y: Math.round(place.y) - Theme.hairline
             z: -1 // under the text
         }
     }
@@ -85,8 +85,8 @@ ReadingText {
 
             color: edit.style.color
             formula: placeText
-            x: place.x
-            y: place.y + place.height - ascent
+            x: Math.round(place.x) // between pixels it would be blurred, and paler than the words
+            y: Math.round(place.y + place.height - ascent)
 
             onSizeChanged: paragraphs.setFormulaSize(index, width, ascent, height - ascent)
         }
