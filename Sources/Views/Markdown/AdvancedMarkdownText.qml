@@ -223,9 +223,7 @@ Item {
             PartKind {
                 name: "generating"
 
-                GeneratingPart {
-                    context: view.context
-                }
+                GeneratingPart {}
             }
         ]
         // qmllint enable unqualified

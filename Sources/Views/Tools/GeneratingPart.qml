@@ -5,7 +5,6 @@ CardPart {
     id: part
 
     required property string what
-    property AnswerContext context: null
 
     implicitHeight: skeleton.implicitHeight
 
@@ -14,7 +13,6 @@ CardPart {
 
         focus: true
         kind: part.what
-        status: part.isOpen ? part.context?.toolStatus ?? "" : ""
         width: part.width
     }
 }

@@ -6,7 +6,6 @@ CardPart {
     id: skeleton
 
     required property string kind // "image", "video" or "file"
-    property string status // what the tool says that it does; empty: what its kind says
     property real aspect: kind === "video" ? 16 / 9 : 3 / 2 // of the coming picture
 
     readonly property bool isFile: kind === "file"
@@ -23,10 +22,10 @@ CardPart {
     Shimmer {
         id: surface
 
-        height: skeleton.isFile ? Theme.px(60) : Math.round(width / skeleton.aspect)
+        height: skeleton.isFile ? Theme.cardHeight : Math.round(width / skeleton.aspect)
         objectName: "shimmer"
         radius: Theme.radiusCard
-        width: Math.min(skeleton.width, Theme.px(skeleton.isFile ? 420 : 360))
+        width: Math.min(skeleton.width, skeleton.isFile ? Theme.cardWidth : Theme.px(360))
     }
     Row {
         anchors.centerIn: skeleton.isFile ? undefined : surface
@@ -47,7 +46,7 @@ CardPart {
             Accessible.ignored: true
             color: Theme.t2
             elide: Text.ElideRight
-            text: skeleton.status || skeleton.row.text
+            text: skeleton.row.text
             width: Math.min(implicitWidth, surface.width - Theme.icon - Theme.gap2 - Theme.gap4 * 2)
         }
     }

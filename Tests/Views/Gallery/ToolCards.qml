@@ -21,12 +21,10 @@ Item {
         }
         GeneratingSkeleton {
             kind: "image"
-            status: "Generating image..."
             width: column.width
         }
         GeneratingSkeleton {
             kind: "file"
-            status: "Создаю файл..."
             width: column.width
         }
         FileCard {
