@@ -95,6 +95,14 @@ TEST_F(Tools, ASearchShowsAnswerSourcesAndPictures) {
     m_person->press(Qt::Key_Escape);
     EXPECT_TRUE(m_person->waitToLose(u"viewerPicture"_s));
     EXPECT_TRUE(focused(u"searchImage"_s));
+
+    // The same search in another chat is another one: it is folded.
+    m_person->press(Qt::Key_N, Qt::ControlModifier);
+    ASSERT_TRUE(m_person->waitToLose(u"searchHeader"_s));
+    m_person->ask(u"Найди, какой глубины Байкал"_s);
+    ASSERT_TRUE(m_person->waitToSee(u"searchHeader"_s));
+    ASSERT_TRUE(answerEnds());
+    EXPECT_FALSE(m_person->see(u"tabContent"_s));
 }
 
 TEST_F(Tools, CitationsStandBeneathTheTextAndThenAsSources) {

@@ -10,7 +10,7 @@ QtObject {
     property string toolStatus // of the answer under way; empty when no tool is at work
     property bool hasPlaceholder: false // which then tells the status
 
-    // What was unfolded, by what it is of: rows are made again when they come back into view.
+    // What the reader did to an answer: rows are made again when they come back into view.
     readonly property var kept: ({})
 
     function keptOf(key: string): var {

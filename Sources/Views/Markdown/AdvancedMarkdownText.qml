@@ -212,7 +212,10 @@ Item {
                 name: "search"
 
                 SearchPart {
+                    required property int index
+
                     context: view.context
+                    kept: view.keptOf(index)
                 }
             },
             PartKind {

@@ -8,20 +8,18 @@ CardPart {
 
     required property var block
     property AnswerContext context: null
-
-    readonly property string key: "search " + search.query + " " + (search.results[0]?.url ?? "")
-    readonly property var kept: context?.kept[key] ?? null
+    property var kept: ({}) // what the reader did to it, for when it is made again
 
     function keep(): void {
-        if (context)
-            context.kept[key] = { unfolded: view.unfolded, tab: view.tab }
+        kept.unfolded = view.unfolded
+        kept.tab = view.tab
     }
 
     implicitHeight: view.implicitHeight
 
     Component.onCompleted: {
-        view.unfolded = kept?.unfolded ?? false
-        view.tab = kept?.tab ?? ""
+        view.unfolded = kept.unfolded ?? false
+        view.tab = kept.tab ?? ""
     }
 
     SearchBlock {
