@@ -342,6 +342,16 @@ Item {
             verify(panel.covers)
             compare(panel.panelWidth, 500)
             verify(!panel.inside.visible)
+
+            listen(panel, "closeWanted")
+            panel.width = 800
+            findChild(panel, "panelBorder").forceActiveFocus()
+            keyClick(Qt.Key_Escape)
+            compare(spy.count, 1)
+
+            panel.open = false
+            panel.enabled = false // as under a drawer
+            verify(panel.inside.visible)
         }
     }
 }

@@ -16,6 +16,8 @@ FocusScope {
 
     property Item focusBefore: null
 
+    signal closeWanted
+
     onOpenChanged: {
         if (open) {
             focusBefore = Window.window ? Window.activeFocusItem : null
@@ -33,10 +35,12 @@ FocusScope {
     FocusScope {
         id: contentSlot
 
-        enabled: !(layout.open && layout.covers)
+        readonly property bool isCovered: layout.open && layout.covers
+
+        enabled: !isCovered
         focus: true
         height: parent.height
-        visible: enabled
+        visible: !isCovered
         width: layout.open && !layout.covers ? layout.width - layout.panelWidth : layout.width
     }
     Loader {
@@ -65,6 +69,7 @@ FocusScope {
         width: Theme.gap1 / 2
         x: layout.width - layout.panelWidth - width / 2
 
+        Keys.onEscapePressed: layout.closeWanted()
         Keys.onLeftPressed: layout.share = Math.min(0.8, layout.panelWidth / layout.width + 0.05)
         Keys.onRightPressed: layout.share = Math.max(0.2, layout.panelWidth / layout.width - 0.05)
 

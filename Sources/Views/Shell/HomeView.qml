@@ -99,6 +99,8 @@ FocusScope {
             focus: true
             open: home.chat.artifacts.isOpen
 
+            onCloseWanted: home.chat.artifacts.select("")
+
             panel: Component {
                 Loader {
                     // By address: a start pays for no document.
