@@ -28,9 +28,9 @@ CardPart {
 
         border.color: card.isSelected ? Theme.acc : Theme.line2
         color: "transparent"
-        height: Theme.px(64)
+        height: Theme.cardHeight
         radius: Theme.radiusCard
-        width: Math.min(card.width, Theme.px(420))
+        width: Math.min(card.width, Theme.cardWidth)
 
         BaseButton {
             id: button
@@ -57,7 +57,7 @@ CardPart {
                     radius: Theme.radiusRow
                     unlit: card.isSelected ? Theme.accbg : Theme.sunk
                     visible: card.isGenerating
-                    width: Theme.px(40)
+                    width: Theme.cardTile
                 }
                 Rectangle {
                     anchors.fill: tile

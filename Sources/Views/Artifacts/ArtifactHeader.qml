@@ -104,11 +104,9 @@ Item {
     TwoTabs {
         id: tabs
 
-        anchors.right: header.isNarrow ? undefined : parent.right
-        anchors.rightMargin: buttons.width + Theme.gap4
         current: header.tab
         visible: header.tabsShown
-        x: Theme.gap4
+        x: header.isNarrow ? Theme.gap4 : header.width - buttons.width - Theme.gap4 - width
         y: header.isNarrow ? bar.height : Math.round((bar.height - height) / 2)
 
         onChosen: tab => header.tabChosen(tab)

@@ -79,7 +79,7 @@ Item {
         isStreaming: answer.isStreaming
         kept: answer.context?.keptOf("parts " + answer.messageId) ?? ({})
         visible: !answer.isEmpty
-        width: parent.width - Theme.gap4
+        width: parent.width
         y: reasoning.visible ? reasoning.height + Theme.gap3 : 0
 
         onCaretMoved: (y, height) => answer.caretMoved(body.y + y, height)

@@ -160,7 +160,7 @@ Flickable {
         }
         // qmllint enable unqualified
         estimate: MessageHeights {
-            answerWidth: list.columnWidth - Theme.gap4
+            answerWidth: list.columnWidth
             aroundAnswer: Theme.gap1 + Theme.actionHeight
             aroundQuestion: Theme.gap2 * 2 + Theme.gap2
             characterWidth: character.width

@@ -55,6 +55,9 @@ ThemeColors {
     readonly property int buttonHeight: px(36)
     readonly property int roundButton: px(32)
     readonly property int actionHeight: px(26)
+    readonly property int cardHeight: px(64) // of a document or a file in an answer
+    readonly property int cardWidth: px(420) // at the most
+    readonly property int cardTile: px(40) // the symbol of what it is
     readonly property int codeHeader: px(34)
     readonly property int imageHeight: 420 // of an image in an answer, at the most
     readonly property int imagePlaceholder: 240 // of one that is not there yet

@@ -45,7 +45,7 @@ QtObject {
     // Behind films and pictures it is dark in both schemes.
     readonly property color stage:   dark ? "#0f0f0e" : "#262624"
     readonly property color stageText: "#f4f4f0"
-    readonly property color stageButton: "#8c3a3a38"
+    readonly property color stageButton: "#b33a3a38"
     readonly property color stageLit: "#d9565653"
     readonly property color stageScrim: "#a6000000"
     readonly property color viewer:  "#e6101010"

@@ -392,7 +392,9 @@ double AnswerParts::gap(int row) const {
     const bool isText = kind(row) == AnswerPartKind::text;
     if (isText && kind(row - 1) == AnswerPartKind::text)
         return spaceBetween(outline(row - 1, Edge::bottom), outline(row, Edge::top));
-    return gapAround + (isText ? lookOf(outline(row, Edge::top).kind).before : 0);
+    // A formula of its own has room around it already.
+    const bool isRoomy = kind(row) == AnswerPartKind::latex || kind(row - 1) == AnswerPartKind::latex;
+    return (isRoomy ? 0 : gapAround) + (isText ? lookOf(outline(row, Edge::top).kind).before : 0);
 }
 
 QString AnswerParts::read(int row, qsizetype from, qsizetype to) const {

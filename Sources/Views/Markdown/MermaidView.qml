@@ -64,6 +64,7 @@ WholePart {
     }
     Rectangle {
         anchors.fill: parent
+        border.color: Theme.line
         color: Theme.diagram
         radius: Theme.radiusCard
         visible: view.isReady

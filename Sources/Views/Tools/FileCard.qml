@@ -39,9 +39,9 @@ CardPart {
 
         border.color: Theme.line2
         color: "transparent"
-        height: Theme.px(60)
+        height: Theme.cardHeight
         radius: Theme.radiusCard
-        width: Math.min(card.width, Theme.px(420))
+        width: Math.min(card.width, Theme.cardWidth)
 
         BaseButton {
             id: button
@@ -66,7 +66,7 @@ CardPart {
                     color: Theme.accbg
                     height: width
                     radius: Theme.radiusRow
-                    width: Theme.px(36)
+                    width: Theme.cardTile
 
                     Symbol {
                         anchors.centerIn: parent

@@ -191,6 +191,16 @@ TEST(AnswerParts, APartIsNeverLongAndAHugeParagraphIsCutBetweenWords) {
     EXPECT_EQ(parts.plainText(), u"слово "_s.repeated(10000).trimmed());
 }
 
+TEST(AnswerParts, AFormulaBringsTheRoomAroundItAlong) {
+    AnswerParts parts;
+    parts.setContent(u"Сначала:\n\n$$y$$\n\nзатем\n\n```\na\n```"_s);
+    ASSERT_EQ(parts.count(), 4);
+    const auto gap = [&](int row) { return parts.data(parts.index(row), AnswerParts::GapRole).toDouble(); };
+    EXPECT_EQ(gap(1), 0);
+    EXPECT_EQ(gap(2), 0);
+    EXPECT_GT(gap(3), 0);
+}
+
 TEST(AnswerParts, ReadsAsItIsShown) {
     AnswerParts parts;
     parts.setContent(u"# Итог\nСлово **жирно** и `код`, где $x_1$ мало.\n\n- раз\n- два\n\n```py\na = 1\n\nb\n```\n| А "

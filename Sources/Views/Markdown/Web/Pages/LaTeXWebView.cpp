@@ -11,7 +11,7 @@ QString LaTeXWebView::generateLaTeXHTML(const QString& formula, bool isBlock) {
     const QString libraries =
         u"<link rel=\"stylesheet\" href=\"%1katex.min.css\">\n<script src=\"%1katex.min.js\"></script>\n"_s.arg(dist);
 
-    const QString style = uR"(* { margin: 0; padding: 0; box-sizing: border-box; }
+    const QString style = uR"(*, .katex-display { margin: 0; padding: 0; box-sizing: border-box; }
 body {
     background: transparent;
     display: flex;
