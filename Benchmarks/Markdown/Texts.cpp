@@ -42,7 +42,16 @@ std::vector<HostileText> hostileTexts() {
         {"inline formulas", "", "$x$ и "}, {"hashes", "", "#"}, {"headings", "", "# a\n"},
         {"open citation", "[1](http://", "слово "}, {"citations", "", "[1](http://a)"}, {"spaces", "", " \n"},
         {"new lines", "a", "\n"}, {"status", "Генерирую видео", "...a"}, {"a paragraph", "", "слово и "},
-        {"a paragraph, marked", "", "**слово** и "}, {"lines of a paragraph", "", "слово и\nещё "}};
+        {"a paragraph, marked", "", "**слово** и "}, {"lines of a paragraph", "", "слово и\nещё "},
+        {"underscores", "", "_"}, {"dollars", "", "$"}, {"dollar pairs", "", "$$"}, {"angles", "", "<"},
+        {"ampersands", "", "&"}, {"quotes, nested", "", "> "}, {"lists, nested", "", "- "}, {"a word", "", "слово"},
+        {"formulas in lines", "", "$$x$$\n"}, {"nested fractions", "$$\n", "\\frac{1}{"},
+        {"inline fractions", "", "$\\frac{1}{2}$"}, {"lines of images", "", "![вид](https://a.b/1.png)\n"},
+        {"bold, open", "**", "слово "}, {"code, open", "`", "слово "}, {"formula, open", "$", "слово "},
+        {"lists", "", "- пункт **один**\n"}, {"indented lists", "", "   - a\n"},
+        {"fences in a formula", "$$\n", "```\n"}, {"wide table", "|a|\n|-|\n|", "a|"},
+        {"a row", "|a|b|\n|-|-|\n", "|1"}, {"emojis", "", "😀"}, {"code of a line", "```c\n", "int x; "},
+        {"diagrams", "", "```mermaid\nA\n```\n"}};
 }
 
 }

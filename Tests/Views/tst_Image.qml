@@ -13,6 +13,13 @@ Item {
         url: ""
         width: 500
     }
+    WebPicture {
+        id: picture
+
+        height: 100
+        readsFiles: true
+        width: 100
+    }
     SignalSpy {
         id: copied
 
@@ -45,6 +52,14 @@ Item {
             if (data.refused)
                 verify(!view.hasFailed && !view.isShown)
             view.url = ""
+        }
+
+        // A drawing may name other files, which would be read.
+        function test_onlyPixelsAreDecoded() {
+            picture.source = Qt.resolvedUrl("../../docs/images/chat-light.png").toString()
+            tryCompare(picture, "status", WebPicture.Ready)
+            picture.source = Qt.resolvedUrl("../../Resources/Symbols/check.svg").toString()
+            tryCompare(picture, "status", WebPicture.Failed)
         }
 
         function test_whatFailedCanBeAskedForAgain() {

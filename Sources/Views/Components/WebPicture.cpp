@@ -22,6 +22,7 @@
 #include <QStandardPaths>
 #include <QThreadPool>
 
+#include <algorithm>
 #include <memory>
 
 namespace Korvi {
@@ -34,6 +35,7 @@ constexpr int idleTimeout = 30'000;         // milliseconds
 constexpr qsizetype remembered = 48 * 1024; // KB of pixels
 constexpr int largestAllocation = 256;      // MB, while a picture is decoded
 constexpr qint64 mostPixels = 64'000'000;
+const QByteArray formats[] = {"bmp", "gif", "ico", "jpeg", "png", "tiff", "webp"};
 
 struct Decoded {
     QImage image;
@@ -55,7 +57,12 @@ QByteArray bytesOf(const QString& path) {
 Decoded decoded(const QByteArray& bytes, const QSize& bounds) {
     QBuffer buffer;
     buffer.setData(bytes);
-    QImageReader reader(&buffer);
+    buffer.open(QIODevice::ReadOnly);
+    // Only pixels: an SVG may name files of this machine, and Qt would read them, or wait for ever at a pipe.
+    const QByteArray format = QImageReader::imageFormat(&buffer);
+    if (std::ranges::find(formats, format) == std::end(formats))
+        return {};
+    QImageReader reader(&buffer, format);
     reader.setAutoTransform(true);
     const QSize size = reader.size();
     if (size.isValid()) {

@@ -46,6 +46,8 @@ WholePart {
     onIsOpenChanged: {
         if (isOpen)
             showsSource = true
+        else if (raw.visible)
+            grownHeight = raw.needed // half of the line that closed it was shown as code
     }
     onIsReadyChanged: {
         if (isReady)
