@@ -9,6 +9,7 @@
 #include <QSet>
 
 #include <algorithm>
+#include <limits>
 
 namespace Korvi {
 
@@ -195,6 +196,7 @@ void AnswerParts::rebuild(const Begin& begin) {
     });
     auto kept = static_cast<std::size_t>(first - m_parts.begin());
     int paragraph = 0;
+    qsizetype from = 0;
     if (begin.change.continues) {
         // Where a part ends hangs on the paragraph after it, too.
         for (std::size_t i = kept; i < m_parts.size(); ++i) {
@@ -206,12 +208,23 @@ void AnswerParts::rebuild(const Begin& begin) {
                 paragraph = part.range.first;
             }
         }
+        const qsizetype same = charactersKept(begin);
+        for (std::size_t i = kept; i < m_parts.size(); ++i) {
+            const Part& part = m_parts[i];
+            if (part.source != begin.source || part.segment != segment || part.range.first > begin.change.kept)
+                break;
+            if (part.range.first == begin.change.kept && staysCut(part.range, same)) {
+                kept = i + 1;
+                paragraph = part.range.first;
+                from = part.range.to;
+            }
+        }
     }
     std::vector<Part> parts;
     if (begin.source < static_cast<int>(m_sources.size())) {
         const Source& source = m_sources[static_cast<std::size_t>(begin.source)];
         if (source.document && segment < static_cast<int>(source.document->segments().size())) {
-            appendSegment(parts, begin.source, segment, paragraph);
+            appendSegment(parts, begin.source, segment, paragraph, from);
             appendSource(parts, begin.source, segment + 1);
         } else if (!source.document) {
             appendSource(parts, begin.source, 0);
@@ -222,7 +235,18 @@ void AnswerParts::rebuild(const Begin& begin) {
     replaceParts(kept, std::move(parts), begin);
 }
 
-void AnswerParts::appendSegment(std::vector<Part>& parts, int source, int segment, int firstParagraph) const {
+// Of the first text block that is not quite as it was, as drawn.
+qsizetype AnswerParts::charactersKept(const Begin& begin) const {
+    const auto& segments = m_sources[static_cast<std::size_t>(begin.source)].document->segments();
+    const auto* text =
+        std::get_if<Markdown::TextSegment>(&segments[static_cast<std::size_t>(begin.change.firstChangedSegment)]);
+    if (!text || begin.change.kept >= static_cast<qsizetype>(text->blocks.size()) || begin.change.keptCharacters == 0)
+        return 0;
+    return text->blocks[static_cast<std::size_t>(begin.change.kept)].marker.size() + begin.change.keptCharacters;
+}
+
+void AnswerParts::appendSegment(
+    std::vector<Part>& parts, int source, int segment, int firstParagraph, qsizetype from) const {
     const Markdown::Segment& shown =
         m_sources[static_cast<std::size_t>(source)].document->segments()[static_cast<std::size_t>(segment)];
     if (!isText(shown)) {
@@ -230,8 +254,10 @@ void AnswerParts::appendSegment(std::vector<Part>& parts, int source, int segmen
         return;
     }
     const auto lengthOf = [&](int number) { return paragraphLength(shown, number); };
-    const auto textOf = [&](int number) { return paragraphOf(shown, number).shown(); };
-    for (const PartRange& range : cutText(firstParagraph, paragraphCount(shown), lengthOf, textOf))
+    const auto textOf = [&](int number, qsizetype begin) {
+        return paragraphOf(shown, number, begin, std::numeric_limits<qsizetype>::max()).shown();
+    };
+    for (const PartRange& range : cutText(firstParagraph, from, paragraphCount(shown), lengthOf, textOf))
         parts.push_back({AnswerPartKind::text, source, segment, range, 0});
 }
 
@@ -243,7 +269,7 @@ void AnswerParts::appendSource(std::vector<Part>& parts, int source, int firstSe
     }
     const auto count = static_cast<int>(from.document->segments().size());
     for (int segment = firstSegment; segment < count; ++segment)
-        appendSegment(parts, source, segment, 0);
+        appendSegment(parts, source, segment, 0, 0);
 }
 
 void AnswerParts::replaceParts(std::size_t kept, std::vector<Part> parts, const Begin& begin) {
@@ -358,12 +384,9 @@ std::vector<Paragraph> AnswerParts::paragraphs(int row) const {
     if (!from)
         return all;
     for (int number = range.first; number <= range.last; ++number) {
-        Paragraph paragraph = paragraphOf(*from, number);
         const qsizetype begin = number == range.first ? range.from : 0;
-        const qsizetype end = number == range.last ? range.to : paragraph.length();
-        if (begin > 0 || end < paragraph.length())
-            paragraph = paragraph.sliced(begin, end);
-        all.push_back(std::move(paragraph));
+        const qsizetype end = number == range.last ? range.to : std::numeric_limits<qsizetype>::max();
+        all.push_back(paragraphOf(*from, number, begin, end));
     }
     return all;
 }

@@ -105,7 +105,8 @@ private:
 
     void take(const std::vector<const MessageContent*>& blocks);
     void rebuild(const Begin& begin);
-    void appendSegment(std::vector<Part>& parts, int source, int segment, int firstParagraph) const;
+    qsizetype charactersKept(const Begin& begin) const;
+    void appendSegment(std::vector<Part>& parts, int source, int segment, int firstParagraph, qsizetype from) const;
     void appendSource(std::vector<Part>& parts, int source, int firstSegment) const;
     void replaceParts(std::size_t kept, std::vector<Part> parts, const Begin& begin);
     void updateBeginning();

@@ -1,6 +1,7 @@
 #include "ParagraphsOf.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace Korvi {
 
@@ -81,14 +82,27 @@ int paragraphCount(const Markdown::Segment& segment) {
 }
 
 Paragraph paragraphOf(const Markdown::Segment& segment, int number) {
-    if (const auto* special = std::get_if<SpecialSegment>(&segment))
-        return withFormulas(special->block.as<Markdown::Block::Paragraph>()->content);
+    return paragraphOf(segment, number, 0, std::numeric_limits<qsizetype>::max());
+}
+
+Paragraph paragraphOf(const Markdown::Segment& segment, int number, qsizetype from, qsizetype to) {
+    if (const auto* special = std::get_if<SpecialSegment>(&segment)) {
+        Paragraph whole = withFormulas(special->block.as<Markdown::Block::Paragraph>()->content);
+        return from > 0 || to < whole.length() ? whole.sliced(from, to) : whole;
+    }
     const TextBlock& block = blockOf(segment, number);
-    Paragraph paragraph{kindOf(block), false, {}};
-    if (!block.marker.isEmpty())
-        append(paragraph.pieces, block.marker, Paragraph::Style::marker);
-    for (const Markdown::Run& run : block.runs)
-        append(paragraph.pieces, run.text, styleOf(run.style));
+    Paragraph paragraph{kindOf(block), from > 0, {}};
+    qsizetype begin = 0;
+    const auto add = [&](const QString& text, Paragraph::Style style) {
+        const qsizetype first = std::max<qsizetype>(from - begin, 0);
+        const qsizetype last = std::min(to - begin, text.size());
+        if (first < last)
+            append(paragraph.pieces, text.sliced(first, last - first), style);
+        begin += text.size();
+    };
+    add(block.marker, Paragraph::Style::marker);
+    for (auto run = block.runs.begin(); run != block.runs.end() && begin < to; ++run)
+        add(run->text, styleOf(run->style));
     return paragraph;
 }
 

@@ -16,32 +16,38 @@ qsizetype pieceEnd(const QString& text, qsizetype from) {
 
 }
 
-std::vector<PartRange> cutText(
-    int first, int count, const std::function<qsizetype(int)>& lengthOf, const std::function<QString(int)>& shownText) {
+std::vector<PartRange> cutText(int first, qsizetype from, int count, const std::function<qsizetype(int)>& lengthOf,
+    const std::function<QString(int, qsizetype)>& shownText) {
     std::vector<PartRange> parts;
     qsizetype length = 0; // of the part that is open, which is the last one then
     for (int i = first; i < count; ++i) {
-        const qsizetype own = lengthOf(i);
+        const qsizetype begin = i == first ? from : 0;
+        const qsizetype end = lengthOf(i);
+        const qsizetype own = end - begin;
         if (length > 0 && length + own <= longestPart) {
             parts.back().last = i;
-            parts.back().to = own;
+            parts.back().to = end;
             length += own;
         } else if (own <= longestPart) {
-            parts.push_back({i, i, 0, own});
+            parts.push_back({i, i, begin, end});
             length = own;
         } else {
-            const QString text = shownText(i);
-            for (qsizetype from = 0; from < own;) {
-                const qsizetype to = pieceEnd(text, from);
-                parts.push_back({i, i, from, to});
-                length = to - from;
-                from = to;
+            const QString text = shownText(i, begin);
+            for (qsizetype at = 0; at < own;) {
+                const qsizetype to = pieceEnd(text, at);
+                parts.push_back({i, i, begin + at, begin + to});
+                length = to - at;
+                at = to;
             }
         }
         if (length >= partLength)
             length = 0;
     }
     return parts;
+}
+
+bool staysCut(const PartRange& part, qsizetype kept) {
+    return part.first == part.last && part.from + longestPart < kept;
 }
 
 }

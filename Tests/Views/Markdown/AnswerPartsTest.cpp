@@ -178,6 +178,33 @@ TEST(AnswerParts, GrowthTouchesTheEndOnly) {
     EXPECT_LE(mirror.changed, 200);
 }
 
+// Nothing in it is finished as long as no line ends, but most of it cannot become anything else.
+TEST(AnswerParts, AHugeOpenParagraphIsTouchedAtItsEndOnly) {
+    std::mt19937 dice(5);
+    const QStringList fragments{u"слово "_s, u"и ещё одно слово, "_s, u"**жирно** "_s, u"`код` "_s, u"*курсив* "_s,
+        u"**"_s, u"`"_s, u"два "_s, u"слов"_s, u"слитно"_s.repeated(100)};
+    QString text;
+    AnswerParts parts;
+    parts.setStreaming(true);
+    Mirror mirror(parts);
+    while (text.size() < 60'000) {
+        for (unsigned i = 0; i < 1 + dice() % 30; ++i)
+            text += fragments.at(static_cast<qsizetype>(dice() % static_cast<unsigned>(fragments.size())));
+        parts.setContent(text);
+        AnswerParts fresh;
+        fresh.setStreaming(true);
+        fresh.setContent(text);
+        ASSERT_EQ(described(parts), described(fresh)) << text.size();
+        ASSERT_EQ(mirror.rows, described(parts)) << text.size();
+    }
+    text = u"**жирно** и `код` "_s.repeated(4000);
+    parts.setContent(text);
+    mirror.changed = 0;
+    for (int i = 0; i < 100; ++i)
+        parts.setContent(text += u"**ещё** слово "_s);
+    EXPECT_LE(mirror.changed, 300);
+}
+
 TEST(AnswerParts, APartIsNeverLongAndAHugeParagraphIsCutBetweenWords) {
     AnswerParts parts;
     parts.setContent(u"слово "_s.repeated(10000));

@@ -38,6 +38,18 @@ std::vector<Run> runsByExpression(const QString& raw) {
     return runs;
 }
 
+std::vector<Run> runsInTwo(const std::vector<Run>& begun, const SettledInline& settled, const QString& rest) {
+    std::vector<Run> all(begun.begin(), begun.begin() + settled.runs);
+    all.push_back({begun[std::size_t(settled.runs)].text.first(settled.inRun), Style::base});
+    for (const Run& run : parseInlineMarkdown(rest)) {
+        if (run.style == Style::base && all.back().style == Style::base)
+            all.back().text += run.text;
+        else
+            all.push_back(run);
+    }
+    return all;
+}
+
 }
 
 TEST(InlineLatex, FormulasAndWhatOnlyLooksLikeThem) {
@@ -94,4 +106,23 @@ TEST(InlineMarkdown, TheScannerFindsWhatTheExpressionFinds) {
         const QString text = chance.text(u"*`* a\u2028`*", 12);
         ASSERT_EQ(written(parseInlineMarkdown(text)), written(runsByExpression(text))) << text.toStdString();
     }
+}
+
+// Whatever comes behind it, a settled beginning and the rest may be parsed one by one.
+TEST(InlineMarkdown, ASettledBeginningStaysAsItIs) {
+    Chance chance(8);
+    int settledOnes = 0;
+    for (int i = 0; i < 30'000; ++i) {
+        const QString text = chance.text(u"**` aбв!", 16);
+        const QString more = chance.text(u"*`* a\u2028`*", 8);
+        SettledInline settled;
+        const auto runs = parseInlineMarkdown(text, &settled);
+        if (settled.length == 0)
+            continue;
+        settledOnes += text.first(settled.length).contains(u'*');
+        const auto joined = runsInTwo(runs, settled, text.sliced(settled.length) + more);
+        ASSERT_EQ(written(joined), written(parseInlineMarkdown(text + more)))
+            << text.toStdString() << " | " << more.toStdString() << " settled " << settled.length;
+    }
+    EXPECT_GT(settledOnes, 1000);
 }

@@ -67,7 +67,7 @@ TEST(StreamingDocument, EqualsTheWholeTextWhateverItsPieces) {
 
 TEST(StreamingDocument, EqualsTheWholeTextOfHostileCharacters) {
     for (const QStringView alphabet :
-        {u"$\n` a-|", u"[]()1: \nhtp/", u"*`_ a\n", u"|-\n a:", u"![](a\n)$", u" \n\r\t.a"}) {
+        {u"$\n` a-|", u"[]()1: \nhtp/", u"*`_ a\n", u"**``абв \n![$", u"|-\n a:", u"![](a\n)$", u" \n\r\t.a"}) {
         for (unsigned seed = 0; seed < 150; ++seed) {
             Chance chance(seed);
             const QString text = chance.text(alphabet, 60);

@@ -59,6 +59,8 @@ Change GrowingSegments::update(const QString& text, qsizetype kept) {
     if (appendToParagraph(text, kept, change))
         return change;
 
+    if (settled.to > kept)
+        settled = {};
     const std::vector<BlockPlace> old = findBlocks(text, kept);
     const std::size_t base = bookmarkPlaces;
     std::size_t same = 0;
@@ -168,6 +170,10 @@ bool GrowingSegments::appendToParagraph(QStringView text, qsizetype kept, Change
 
 std::optional<Reused> GrowingSegments::lengthen(
     QStringView text, const BlockPlace& old, const BlockPlace& now, qsizetype kept, Piece& piece) {
+    if (auto* paragraph = std::get_if<TextBlock>(&piece)) {
+        const bool isSame = old.kind == Kind::paragraph && now.kind == old.kind && now.lines.from == old.lines.from;
+        return isSame ? lengthenParagraph(text, now, *paragraph) : std::nullopt;
+    }
     auto* block = std::get_if<Block>(&piece);
     const bool isSameStart = old.kind == now.kind && old.lines.from == now.lines.from &&
         old.inner.from == now.inner.from && old.firstPart == now.firstPart && old.lastPart == now.lastPart;
@@ -199,6 +205,56 @@ std::optional<Reused> GrowingSegments::lengthenText(
     content.append(text.sliced(common, end - common));
     openEnd = end;
     return {{keptLength, isSame}};
+}
+
+std::optional<Reused> GrowingSegments::lengthenParagraph(
+    QStringView text, const BlockPlace& now, TextBlock& paragraph) {
+    if (settled.from != now.lines.from || settled.to > now.lines.to)
+        settled = {.from = now.lines.from, .to = now.lines.from};
+    const ParagraphRest rest = restOfParagraph(text, {settled.to, now.lines.to}, settled.content == 0);
+    const bool hasImages = rest.content.contains(u"!["_s);
+    const auto parts = rest.content.contains(u'$') ? parseInlineLatex(rest.content) : std::vector<TextPart>();
+    if (hasImages || std::any_of(parts.begin(), parts.end(), [](const TextPart& part) { return part.isLatex; }) ||
+        settled.content + rest.content.size() == 0)
+        return {};
+    if (QStringView(paragraph.content).sliced(settled.content) == rest.content)
+        return {{0, true}};
+
+    SettledInline more;
+    const std::vector<Run> runs = parseInlineMarkdown(rest.content, &more);
+    // What was there instead. The last settled run is of the base style, and takes more of it in.
+    auto& all = paragraph.runs;
+    std::vector<Run> before;
+    if (settled.runs > 0) {
+        QString& last = all[std::size_t(settled.runs - 1)].text;
+        if (last.size() > settled.lastRun)
+            before.push_back({last.sliced(settled.lastRun), Style::base});
+        last.truncate(settled.lastRun);
+    }
+    std::move(all.begin() + settled.runs, all.end(), std::back_inserter(before));
+    all.resize(std::size_t(settled.runs));
+    const Reused reused{settled.characters + equalCharacters(before, runs), false};
+
+    const bool isJoined = settled.runs > 0 && !runs.empty() && runs.front().style == Style::base;
+    if (isJoined)
+        all.back().text.append(runs.front().text);
+    all.insert(all.end(), runs.begin() + isJoined, runs.end());
+    paragraph.content.truncate(settled.content);
+    paragraph.content.append(rest.content);
+    if (more.length > 0 && !QStringView(rest.content).first(more.length).contains(u'$')) {
+        settled.to = rest.placeOf(more.length);
+        settle(more, runs, isJoined);
+    }
+    return reused;
+}
+
+void GrowingSegments::settle(const SettledInline& more, const std::vector<Run>& runs, bool isJoined) {
+    settled.content += more.length;
+    settled.characters += more.inRun;
+    for (qsizetype i = 0; i < more.runs; ++i)
+        settled.characters += runs[std::size_t(i)].text.size();
+    settled.lastRun = more.inRun + (isJoined && more.runs == 0 ? settled.lastRun : 0);
+    settled.runs += more.runs + (isJoined ? 0 : 1);
 }
 
 std::optional<Reused> GrowingSegments::lengthenTable(

@@ -26,6 +26,16 @@ private:
         std::size_t places;
         LineParser parser;
     };
+    // The beginning of the last paragraph that nothing can change any more: there is no formula or image in it, and its
+    // inline markers are closed. It ends within a line, with a character that is shown.
+    struct Settled {
+        qsizetype from = -1;      // where the paragraph begins
+        qsizetype to = 0;         // in the text
+        qsizetype content = 0;    // how long it is in the block's content,
+        qsizetype characters = 0; // and as shown
+        qsizetype runs = 0;       // the last one is of the base style and goes on behind it
+        qsizetype lastRun = 0;    // how long that one is
+    };
     // The blocks of the text from the last usable bookmark on: what was there before is returned.
     std::vector<BlockPlace> findBlocks(QStringView text, qsizetype kept);
     std::vector<Piece> takePieces(std::size_t firstPlace);
@@ -34,6 +44,8 @@ private:
         QStringView text, const BlockPlace& old, const BlockPlace& now, qsizetype kept, Piece& piece);
     std::optional<Reused> lengthenText(QStringView text, const BlockPlace& now, qsizetype kept, QString& content);
     std::optional<Reused> lengthenTable(QStringView text, const BlockPlace& now, qsizetype kept, Block::Table& table);
+    std::optional<Reused> lengthenParagraph(QStringView text, const BlockPlace& now, TextBlock& paragraph);
+    void settle(const SettledInline& more, const std::vector<Run>& runs, bool isJoined);
     void rememberEnd(QStringView text);
     bool endsInPlainParagraph(QStringView text);
     void addBookmark(const Bookmark& bookmark);
@@ -46,6 +58,7 @@ private:
     std::size_t bookmarkPlaces = 0;     // of the bookmark from which the last search went
     // Of the last place. Code, formula: where its trimmed text ends; table: where its last row begins. -1 if unknown.
     qsizetype openEnd = -1;
+    Settled settled;
     qsizetype textSize = 0;
     bool isPlainParagraph = false; // plain characters that come next belong to the last paragraph as they are
 };

@@ -39,35 +39,84 @@ std::vector<TextPart> parseInlineLatex(QStringView text) {
     return parts;
 }
 
-QString stripUnclosedMarkers(const QString& text) {
+namespace {
+
+struct MarkerCounts {
     qsizetype pairs = 0;
     qsizetype stars = 0;
     qsizetype backticks = 0;
-    for (qsizetype i = 0; i < text.size(); ++i) {
-        if (text[i] == u'`') {
-            ++backticks;
-        } else if (text[i] == u'*') {
-            const bool isPair = i + 1 < text.size() && text[i + 1] == u'*';
-            (isPair ? pairs : stars) += 1;
-            i += isPair;
+
+    void add(QStringView text) {
+        for (qsizetype i = 0; i < text.size(); ++i) {
+            if (text[i] == u'`') {
+                ++backticks;
+            } else if (text[i] == u'*') {
+                const bool isPair = i + 1 < text.size() && text[i + 1] == u'*';
+                (isPair ? pairs : stars) += 1;
+                i += isPair;
+            }
         }
     }
-    if (pairs % 2 == 0 && stars % 2 == 0 && backticks % 2 == 0)
+    bool areEven() const { return pairs % 2 == 0 && stars % 2 == 0 && backticks % 2 == 0; }
+};
+
+// Finds the last place where a text is settled, while its markers are gone through.
+class SettledSearch {
+public:
+    // Up to `common` the text is as it was before markers were stripped from it.
+    SettledSearch(QStringView text, qsizetype common)
+        : m_text(text)
+        , m_common(common) {}
+
+    // Between `from`, where the last match ended, and `to` there are plain characters only.
+    void passPlain(qsizetype from, qsizetype to, qsizetype runs) {
+        if (from < to)
+            tryPlain(from, std::min(to, m_common), runs);
+    }
+
+    SettledInline found;
+
+private:
+    void tryPlain(qsizetype from, qsizetype to, qsizetype runs) {
+        // An exclamation mark may begin an image, and blanks at the end of a paragraph are not shown.
+        const auto mayEnd = [](QChar c) { return c != u'!' && !c.isSpace() && !c.isHighSurrogate(); };
+        while (to > from && !mayEnd(m_text[to - 1]))
+            --to;
+        if (to <= from)
+            return;
+        m_counts.add(m_text.sliced(m_counted, to - m_counted));
+        m_counted = to;
+        if (m_counts.areEven())
+            found = {to, runs, to - from};
+    }
+
+    QStringView m_text;
+    qsizetype m_common;
+    MarkerCounts m_counts;
+    qsizetype m_counted = 0;
+};
+
+}
+
+QString stripUnclosedMarkers(const QString& text) {
+    MarkerCounts counts;
+    counts.add(text);
+    if (counts.areEven())
         return text;
     QString stripped = text;
-    if (pairs % 2 != 0)
+    if (counts.pairs % 2 != 0)
         stripped.remove(stripped.lastIndexOf(u"**"), 2);
-    if (backticks % 2 != 0)
+    if (counts.backticks % 2 != 0)
         stripped.remove(stripped.lastIndexOf(u'`'), 1);
     // As they stand now: what was removed may have stood between stars.
-    pairs = stripped.count(u"**");
+    const qsizetype pairs = stripped.count(u"**");
     if ((stripped.count(u'*') - 2 * pairs) % 2 != 0)
         stripped.remove(stripped.lastIndexOf(u'*'), 1);
     return stripped;
 }
 
 // (\*\*(.+?)\*\*)|((?<!\*)\*([^\*]+?)\*(?!\*))|(`([^`]+?)`)
-std::vector<Run> parseInlineMarkdown(const QString& raw) {
+std::vector<Run> parseInlineMarkdown(const QString& raw, SettledInline* settled) {
     const QString stripped = stripUnclosedMarkers(raw);
     const QStringView text = stripped;
     std::vector<Run> runs;
@@ -96,12 +145,20 @@ std::vector<Run> parseInlineMarkdown(const QString& raw) {
             }) - text.begin();
         return to <= lineEnd;
     };
+    const bool isStripped = stripped.size() != raw.size();
+    SettledSearch search(text,
+        settled && isStripped ? std::mismatch(text.begin(), text.end(), raw.begin()).first - text.begin()
+                              : text.size());
+    bool isSearching = settled != nullptr; // until a marker has no partner
     for (qsizetype i = 0; i < text.size();) {
         i = std::find_if(text.begin() + i, text.end(), isMarker) - text.begin();
+        if (isSearching)
+            search.passPlain(written, i, qsizetype(runs.size()));
         if (i == text.size())
             break;
         if (text[i] == u'`') {
             const qsizetype close = backticks.find(i + 1);
+            isSearching = isSearching && close > i + 1;
             i = close > i + 1 ? addMatch(i, close + 1, 1, Style::code) : i + 1;
             continue;
         }
@@ -118,8 +175,11 @@ std::vector<Run> parseInlineMarkdown(const QString& raw) {
                 continue;
             }
         }
+        isSearching = false;
         ++i;
     }
+    if (settled)
+        *settled = search.found;
     add(written, text.size(), Style::base);
     return runs;
 }

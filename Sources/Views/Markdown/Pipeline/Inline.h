@@ -29,7 +29,15 @@ std::vector<TextPart> parseInlineLatex(QStringView text);
 // Without the last "**", "`" or "*" if nothing closes it: a marker that is still open is not shown while text streams.
 QString stripUnclosedMarkers(const QString& text);
 
+// The beginning of a text that gives the same runs whatever follows it, and leaves the rest to be parsed alone: every
+// marker in it has found its partner, and it ends in a plain character.
+struct SettledInline {
+    qsizetype length = 0;
+    qsizetype runs = 0;  // whole ones in it
+    qsizetype inRun = 0; // characters of the one behind them, which has the base style
+};
+
 // Bold, italic and code. No run is empty, neighbours of the base style are one. Links are not parsed.
-std::vector<Run> parseInlineMarkdown(const QString& text);
+std::vector<Run> parseInlineMarkdown(const QString& text, SettledInline* settled = nullptr);
 
 }

@@ -166,17 +166,6 @@ void LineParser::flushParagraph() {
 
 namespace {
 
-QString paragraphText(QStringView text) {
-    QString joined;
-    joined.reserve(text.size());
-    for (const QStringView line : text.tokenize(u'\n')) {
-        if (!joined.isEmpty())
-            joined.append(u' ');
-        joined.append(trimmedBlanks(line));
-    }
-    return std::move(joined).trimmed();
-}
-
 // The first line and the one that closes it are taken without blanks at their ends, those between as they are.
 QString formulaText(QStringView text, const BlockPlace& place) {
     const Place& inner = place.inner;
@@ -223,6 +212,42 @@ std::optional<QString> languageAt(QStringView text, const BlockPlace& code) {
     return language.isEmpty() ? std::nullopt : std::optional(language.toString());
 }
 
+qsizetype ParagraphRest::placeOf(qsizetype length) const {
+    const auto behind = std::find_if(lines.begin(), lines.end(), [&](const Line& line) { return line.from >= length; });
+    const Line& line = *std::prev(behind);
+    return line.place + length - line.from;
+}
+
+ParagraphRest restOfParagraph(QStringView text, Place place, bool isWhole) {
+    ParagraphRest rest;
+    QString& content = rest.content;
+    content.reserve(place.to - place.from);
+    bool isBegun = !isWhole; // something stands before this line
+    for (const QStringView line : place.in(text).tokenize(u'\n')) {
+        const bool goesOn = !isWhole && rest.lines.empty();
+        QStringView shown = trimmedBlanks(line);
+        if (goesOn && !shown.isEmpty())
+            shown = line.first(shown.end() - line.begin());
+        if (isBegun && !goesOn)
+            content.append(u' ');
+        rest.lines.push_back({content.size(), shown.begin() - text.begin()});
+        content.append(shown);
+        isBegun = isBegun || !content.isEmpty();
+    }
+    qsizetype end = content.size();
+    while (end > 0 && content[end - 1].isSpace())
+        --end;
+    content.truncate(end);
+    if (isWhole) {
+        const qsizetype lead =
+            std::find_if(content.begin(), content.end(), [](QChar c) { return !c.isSpace(); }) - content.begin();
+        content.remove(0, lead);
+        for (ParagraphRest::Line& line : rest.lines)
+            line.from -= lead;
+    }
+    return rest;
+}
+
 void appendBlocks(
     QStringView text, const BlockPlace& place, const std::vector<Place>& codeParts, std::vector<Block>& blocks) {
     const QStringView trimmed = trimmedBlanks(place.lines.in(text));
@@ -244,7 +269,7 @@ void appendBlocks(
     case Kind::formula: blocks.push_back({Block::LatexBlock{formulaText(text, place)}}); break;
     case Kind::image: blocks.push_back({imageForm(trimmed)->toImage()}); break;
     case Kind::table: blocks.push_back(tableBlock(text, place)); break;
-    case Kind::paragraph: appendParagraph(paragraphText(place.lines.in(text)), blocks); break;
+    case Kind::paragraph: appendParagraph(restOfParagraph(text, place.lines, true).content, blocks); break;
     }
 }
 

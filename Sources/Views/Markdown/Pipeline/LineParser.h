@@ -82,6 +82,21 @@ private:
 // What stands behind the three backticks of code's opening fence.
 std::optional<QString> languageAt(QStringView text, const BlockPlace& code);
 
+// The lines of a paragraph from some place in it on, joined. Of the first line its beginning is there, or not.
+struct ParagraphRest {
+    struct Line {
+        qsizetype from;  // in the content
+        qsizetype place; // in the text
+    };
+    QString content;
+    std::vector<Line> lines;
+
+    // Where in the text the first `length` characters end, of which the last is none of a new line's.
+    qsizetype placeOf(qsizetype length) const;
+};
+
+ParagraphRest restOfParagraph(QStringView text, Place rest, bool isWhole);
+
 // Appends the contents of what stands at a place. A paragraph may become none, or several blocks.
 void appendBlocks(
     QStringView text, const BlockPlace& place, const std::vector<Place>& codeParts, std::vector<Block>& blocks);

@@ -17,15 +17,9 @@ qsizetype equalText(QStringView a, QStringView b) {
 }
 
 qsizetype equalCharacters(const TextBlock& a, const TextBlock& b) {
-    if (a.kind != b.kind || a.level != b.level || a.marker != b.marker || a.hasLeadingEmoji != b.hasLeadingEmoji)
-        return 0;
-    const auto run = std::size_t(equalAtStart(a.runs, b.runs));
-    qsizetype characters = 0;
-    for (std::size_t i = 0; i < run; ++i)
-        characters += a.runs[i].text.size();
-    if (run < a.runs.size() && run < b.runs.size() && a.runs[run].style == b.runs[run].style)
-        characters += equalText(a.runs[run].text, b.runs[run].text);
-    return characters;
+    const bool isSame =
+        a.kind == b.kind && a.level == b.level && a.marker == b.marker && a.hasLeadingEmoji == b.hasLeadingEmoji;
+    return isSame ? equalCharacters(a.runs, b.runs) : 0;
 }
 
 // How much of a special block stays, as Change counts it; nothing if they are not the same one.
@@ -98,12 +92,22 @@ bool isEqual(PiecePointer a, PiecePointer b) {
 
 }
 
+qsizetype equalCharacters(const std::vector<Run>& a, const std::vector<Run>& b) {
+    const auto run = std::size_t(equalAtStart(a, b));
+    qsizetype characters = 0;
+    for (std::size_t i = 0; i < run; ++i)
+        characters += a[i].text.size();
+    if (run < a.size() && run < b.size() && a[run].style == b[run].style)
+        characters += equalText(a[run].text, b[run].text);
+    return characters;
+}
+
 Change changeOf(const Exchange& exchange, const std::vector<Segment>& now) {
     Cursor cursor{exchange.keptSegments - (exchange.keptBlocks > 0 ? 1 : 0), exchange.keptBlocks};
     std::size_t passed = 0;
     std::optional<Reused> reused = exchange.reused;
     if (reused && reused->isSame) {
-        cursor.pass(false);
+        cursor.pass(std::holds_alternative<TextBlock>(exchange.gone[passed]));
         ++passed;
         reused.reset();
     }
@@ -135,7 +139,7 @@ Change changeOf(const Exchange& exchange, const std::vector<Segment>& now) {
         change.kept = kept.value_or(0);
     }
     if (old.text && made.text)
-        change.keptCharacters = equalCharacters(*old.text, *made.text);
+        change.keptCharacters = reused ? reused->kept : equalCharacters(*old.text, *made.text);
     const qsizetype counted = change.firstChangedSegment + (change.continues ? 1 : 0);
     change.removed = exchange.oldSegments - counted;
     change.added = nowCount - counted;

@@ -5,9 +5,12 @@
 
 namespace Korvi::Markdown {
 
+// How many characters at the beginning are the same in the same style.
+qsizetype equalCharacters(const std::vector<Run>& a, const std::vector<Run>& b);
+
 // What the first new piece kept of the old one in its place, where that is known without comparing them.
 struct Reused {
-    qsizetype kept; // as Change counts it
+    qsizetype kept; // as Change counts it; of a text block, characters
     bool isSame;
 };
 
