@@ -207,6 +207,7 @@ void AnswerParts::rebuild(const Begin& begin) {
             }
         }
     }
+    const std::optional<LongParagraph> before = std::exchange(m_long, std::nullopt);
     std::vector<Part> parts;
     if (begin.source < static_cast<int>(m_sources.size())) {
         const Source& source = m_sources[static_cast<std::size_t>(begin.source)];
@@ -219,10 +220,10 @@ void AnswerParts::rebuild(const Begin& begin) {
         for (int next = begin.source + 1; next < static_cast<int>(m_sources.size()); ++next)
             appendSource(parts, next, 0);
     }
-    replaceParts(kept, std::move(parts), begin);
+    replaceParts(kept, std::move(parts), begin, before && m_long ? commonLength(*before, *m_long) : 0);
 }
 
-void AnswerParts::appendSegment(std::vector<Part>& parts, int source, int segment, int firstParagraph) const {
+void AnswerParts::appendSegment(std::vector<Part>& parts, int source, int segment, int firstParagraph) {
     const Markdown::Segment& shown =
         m_sources[static_cast<std::size_t>(source)].document->segments()[static_cast<std::size_t>(segment)];
     if (!isText(shown)) {
@@ -230,12 +231,17 @@ void AnswerParts::appendSegment(std::vector<Part>& parts, int source, int segmen
         return;
     }
     const auto lengthOf = [&](int number) { return paragraphLength(shown, number); };
-    const auto textOf = [&](int number) { return paragraphOf(shown, number).shown(); };
-    for (const PartRange& range : cutText(firstParagraph, paragraphCount(shown), lengthOf, textOf))
+    const auto textOf = [&](int number) {
+        m_long.emplace(LongParagraph::Place{source, segment, number}, paragraphOf(shown, number));
+        return m_long->whole().shown();
+    };
+    const bool hasFormulas = std::holds_alternative<Markdown::SpecialSegment>(shown);
+    for (const PartRange& range :
+        hasFormulas ? cutParagraph(0, textOf(0)) : cutText(firstParagraph, paragraphCount(shown), lengthOf, textOf))
         parts.push_back({AnswerPartKind::text, source, segment, range, 0});
 }
 
-void AnswerParts::appendSource(std::vector<Part>& parts, int source, int firstSegment) const {
+void AnswerParts::appendSource(std::vector<Part>& parts, int source, int firstSegment) {
     const Source& from = m_sources[static_cast<std::size_t>(source)];
     if (!from.document) {
         parts.push_back({*kindOf(from.block), source, 0, {}, 0});
@@ -246,7 +252,7 @@ void AnswerParts::appendSource(std::vector<Part>& parts, int source, int firstSe
         appendSegment(parts, source, segment, 0);
 }
 
-void AnswerParts::replaceParts(std::size_t kept, std::vector<Part> parts, const Begin& begin) {
+void AnswerParts::replaceParts(std::size_t kept, std::vector<Part> parts, const Begin& begin, qsizetype alike) {
     const std::size_t before = m_parts.size();
     const std::size_t after = kept + parts.size();
     const std::size_t common = std::min(before, after);
@@ -255,9 +261,11 @@ void AnswerParts::replaceParts(std::size_t kept, std::vector<Part> parts, const 
         beginRemoveRows({}, static_cast<int>(after), static_cast<int>(before) - 1);
     for (std::size_t i = kept; i < common; ++i) {
         const Part& part = parts[i - kept];
-        const bool same = begin.change.continues && part.isOfSame(m_parts[i]) && part.source == begin.source &&
+        const bool isKept = begin.change.continues && part.source == begin.source &&
             part.segment == begin.change.firstChangedSegment && part.range.last < begin.change.kept;
-        if (same && part.kind == AnswerPartKind::text)
+        const bool isAlike = alike > 0 && part.range.first == part.range.last && part.range.to <= alike &&
+            LongParagraph::Place{part.source, part.segment, part.range.first} == m_long->place();
+        if (part.kind == AnswerPartKind::text && (isKept || isAlike) && part.isOfSame(m_parts[i]))
             continue;
         m_parts[i] = part;
         m_parts[i].revision = ++m_revision;
@@ -358,12 +366,20 @@ std::vector<Paragraph> AnswerParts::paragraphs(int row) const {
     if (!from)
         return all;
     for (int number = range.first; number <= range.last; ++number) {
-        Paragraph paragraph = paragraphOf(*from, number);
+        const LongParagraph::Place place{part.source, part.segment, number};
+        if (!m_long || m_long->place() != place) {
+            Paragraph paragraph = paragraphOf(*from, number);
+            const bool isWhole =
+                (number > range.first || range.from == 0) && (number < range.last || range.to >= paragraph.length());
+            if (isWhole) {
+                all.push_back(std::move(paragraph));
+                continue;
+            }
+            m_long.emplace(place, std::move(paragraph));
+        }
         const qsizetype begin = number == range.first ? range.from : 0;
-        const qsizetype end = number == range.last ? range.to : paragraph.length();
-        if (begin > 0 || end < paragraph.length())
-            paragraph = paragraph.sliced(begin, end);
-        all.push_back(std::move(paragraph));
+        const qsizetype end = number == range.last ? range.to : m_long->length();
+        all.push_back(m_long->sliced(begin, end));
     }
     return all;
 }

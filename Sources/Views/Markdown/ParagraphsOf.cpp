@@ -97,8 +97,6 @@ Paragraph::Kind paragraphKindOf(const Markdown::Segment& segment, int number) {
 }
 
 qsizetype paragraphLength(const Markdown::Segment& segment, int number) {
-    if (std::holds_alternative<SpecialSegment>(segment))
-        return paragraphOf(segment, number).length();
     const TextBlock& block = blockOf(segment, number);
     qsizetype length = block.marker.size();
     for (const Markdown::Run& run : block.runs)

@@ -1,12 +1,20 @@
 #include "PartRange.h"
 
+#include <algorithm>
+
 namespace Korvi {
 
 namespace {
 
-// Where a piece of a long paragraph that begins there ends: after its last word.
+// Where a piece of a long paragraph that begins there ends: after its last word, and before it has too many formulas.
 qsizetype pieceEnd(const QString& text, qsizetype from) {
-    if (text.size() - from <= longestPart)
+    int formulas = 0;
+    const qsizetype furthest = std::min(text.size(), from + longestPart);
+    for (qsizetype at = from; at < furthest; ++at) {
+        if (text.at(at) == QChar::ObjectReplacementCharacter && ++formulas > mostFormulas)
+            return at;
+    }
+    if (furthest == text.size())
         return text.size();
     const qsizetype space = text.lastIndexOf(u' ', from + longestPart - 1);
     if (space > from)
@@ -14,6 +22,16 @@ qsizetype pieceEnd(const QString& text, qsizetype from) {
     return from + longestPart - (text.at(from + longestPart).isLowSurrogate() ? 1 : 0);
 }
 
+}
+
+std::vector<PartRange> cutParagraph(int number, const QString& text) {
+    std::vector<PartRange> parts;
+    for (qsizetype from = 0; from < text.size();) {
+        const qsizetype to = pieceEnd(text, from);
+        parts.push_back({number, number, from, to});
+        from = to;
+    }
+    return parts;
 }
 
 std::vector<PartRange> cutText(
@@ -30,13 +48,9 @@ std::vector<PartRange> cutText(
             parts.push_back({i, i, 0, own});
             length = own;
         } else {
-            const QString text = shownText(i);
-            for (qsizetype from = 0; from < own;) {
-                const qsizetype to = pieceEnd(text, from);
-                parts.push_back({i, i, from, to});
-                length = to - from;
-                from = to;
-            }
+            const std::vector<PartRange> pieces = cutParagraph(i, shownText(i));
+            parts.insert(parts.end(), pieces.begin(), pieces.end());
+            length = parts.back().to - parts.back().from;
         }
         if (length >= partLength)
             length = 0;

@@ -22,6 +22,10 @@ struct PartRange {
 // follows it.
 constexpr qsizetype partLength = 4000;
 constexpr qsizetype longestPart = 2 * partLength;
+constexpr int mostFormulas = 200; // of one part: each is an item of its own
+
+// One paragraph by itself, of which `text` is what is shown.
+std::vector<PartRange> cutParagraph(int number, const QString& text);
 
 std::vector<PartRange> cutText(
     int first, int count, const std::function<qsizetype(int)>& lengthOf, const std::function<QString(int)>& shownText);
