@@ -185,6 +185,9 @@ TEST_F(RendererTest, HostileInputDrawsAsTextOrNotAtAll) {
         u"x'); document.title='ran'; //"_s,
         u"\\def\\x{\\x\\x}\\x"_s,
         u"\\rule{9999999em}{9999999em}"_s,
+        u"\\frac{1}{"_s.repeated(2000),
+        u"\\frac{1}{"_s.repeated(900) + u"x"_s + u"}"_s.repeated(900),
+        u"x^{"_s.repeated(5000),
         u"\u2028\u2029\\unknown{"_s,
     };
     for (const QString& tex : formulas)

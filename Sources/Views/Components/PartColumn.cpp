@@ -190,6 +190,13 @@ QQuickItem* PartColumn::showPart(int part) {
     return item;
 }
 
+QVariantList PartColumn::partsAtHand() const {
+    QVariantList parts;
+    for (const auto& [part, item] : m_items.live())
+        parts.append(part);
+    return parts;
+}
+
 int PartColumn::focusedPart() const {
     return window() ? m_items.rowOf(window()->activeFocusItem()) : -1;
 }

@@ -46,8 +46,9 @@ public:
     Q_INVOKABLE QQuickItem* itemAt(int part) const { return m_items.find(part); } // null for one far from the view
     Q_INVOKABLE int partAt(qreal y) const { return m_heights.rowAt(y); }          // the nearest one; -1 without parts
     Q_INVOKABLE qreal positionOf(int part) const { return m_heights.before(part) + gap(part); } // of its top
-    Q_INVOKABLE QQuickItem* showPart(int part); // makes it; it stays if it is near the view or takes the keyboard
-    Q_INVOKABLE int focusedPart() const;        // that holds the keyboard focus; -1 for none
+    Q_INVOKABLE QQuickItem* showPart(int part);   // makes it; it stays if it is near the view or takes the keyboard
+    Q_INVOKABLE int focusedPart() const;          // that holds the keyboard focus; -1 for none
+    Q_INVOKABLE QVariantList partsAtHand() const; // the numbers of those that are items, in their order
     Q_INVOKABLE int liveParts() const { return static_cast<int>(m_items.live().size()); }
 
 signals:

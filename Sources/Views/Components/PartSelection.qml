@@ -32,7 +32,7 @@ QtObject {
         if (span)
             return isBackward() ? model.between(span.headPart, span.head, span.anchorPart, span.anchor)
                 : model.between(span.anchorPart, span.anchor, span.headPart, span.head)
-        for (let part = 0; part < model.count; ++part) {
+        for (const part of column.partsAtHand()) {
             const item = column.itemAt(part)
             if (!item?.selectedText)
                 continue
@@ -44,7 +44,7 @@ QtObject {
 
     function deselect(): void {
         span = null
-        for (let part = 0; part < model.count; ++part)
+        for (const part of column.partsAtHand())
             column.itemAt(part)?.deselect?.()
     }
 
@@ -66,7 +66,7 @@ QtObject {
 
     // The first part that is at hand.
     function nearest(): int {
-        for (let part = 0; part < model.count; ++part) {
+        for (const part of column.partsAtHand()) {
             if (column.itemAt(part)?.takeCaret)
                 return part
         }
@@ -163,11 +163,8 @@ QtObject {
     }
 
     onSpanChanged: {
-        for (let part = 0; part < model.count; ++part) {
-            const item = column.itemAt(part)
-            if (item)
-                apply(part, item)
-        }
+        for (const part of column.partsAtHand())
+            apply(part, column.itemAt(part))
     }
 
     readonly property Connections watching: Connections {

@@ -10,7 +10,7 @@ FocusScope {
     property bool isSelected: false
     property bool opens: false // a larger view, when it is clicked
     property bool hasCaret: false // arrow keys go on from here
-    property alias pointerLayer: pointer.z
+    property real pointerLayer: 0
 
     readonly property bool isWhole: true
     readonly property int length: 1 // selectable characters
@@ -84,37 +84,43 @@ FocusScope {
             isSelected = false
     }
 
-    MouseArea {
-        id: pointer
-
-        property point pressedAt
-        property bool drags: false
-
-        // It takes the pointer for the part: what is around looks on and may select further.
-        function positionToRectangle(position: int): rect {
-            return whole.positionToRectangle(position)
-        }
-
+    // A small formula among words has none: the text beneath takes the pointer.
+    Loader {
+        active: whole.enabled
         anchors.fill: parent
-        objectName: "wholePointer"
-        preventStealing: true
+        z: whole.pointerLayer
 
-        onClicked: {
-            if (!drags && whole.opens)
-                whole.openWanted()
+        // qmllint disable unqualified
+        sourceComponent: MouseArea {
+            property point pressedAt
+            property bool drags: false
+
+            // It takes the pointer for the part: what is around looks on and may select further.
+            function positionToRectangle(position: int): rect {
+                return whole.positionToRectangle(position)
+            }
+
+            objectName: "wholePointer"
+            preventStealing: true
+
+            onClicked: {
+                if (!drags && whole.opens)
+                    whole.openWanted()
+            }
+            onDoubleClicked: whole.selectAll()
+            onPositionChanged: mouse => {
+                drags = drags || Math.hypot(mouse.x - pressedAt.x, mouse.y - pressedAt.y) >= Application.styleHints.startDragDistance
+                if (drags && !whole.persistentSelection)
+                    whole.isSelected = true
+            }
+            onPressed: mouse => {
+                drags = false
+                pressedAt = Qt.point(mouse.x, mouse.y)
+                whole.takeFocus()
+                whole.hasCaret = false
+                whole.deselect()
+            }
         }
-        onDoubleClicked: whole.selectAll()
-        onPositionChanged: mouse => {
-            drags = drags || Math.hypot(mouse.x - pressedAt.x, mouse.y - pressedAt.y) >= Application.styleHints.startDragDistance
-            if (drags && !whole.persistentSelection)
-                whole.isSelected = true
-        }
-        onPressed: mouse => {
-            drags = false
-            pressedAt = Qt.point(mouse.x, mouse.y)
-            whole.takeFocus()
-            whole.hasCaret = false
-            whole.deselect()
-        }
+        // qmllint enable unqualified
     }
 }

@@ -220,6 +220,7 @@ void AnswerParts::rebuild(const Begin& begin) {
             }
         }
     }
+    const std::optional<LongParagraph> before = std::exchange(m_long, std::nullopt);
     std::vector<Part> parts;
     if (begin.source < static_cast<int>(m_sources.size())) {
         const Source& source = m_sources[static_cast<std::size_t>(begin.source)];
@@ -232,7 +233,7 @@ void AnswerParts::rebuild(const Begin& begin) {
         for (int next = begin.source + 1; next < static_cast<int>(m_sources.size()); ++next)
             appendSource(parts, next, 0);
     }
-    replaceParts(kept, std::move(parts), begin);
+    replaceParts(kept, std::move(parts), begin, before && m_long ? commonLength(*before, *m_long) : 0);
 }
 
 // Of the first text block that is not quite as it was, as drawn.
@@ -245,23 +246,30 @@ qsizetype AnswerParts::charactersKept(const Begin& begin) const {
     return text->blocks[static_cast<std::size_t>(begin.change.kept)].marker.size() + begin.change.keptCharacters;
 }
 
-void AnswerParts::appendSegment(
-    std::vector<Part>& parts, int source, int segment, int firstParagraph, qsizetype from) const {
+void AnswerParts::appendSegment(std::vector<Part>& parts, int source, int segment, int firstParagraph, qsizetype from) {
     const Markdown::Segment& shown =
         m_sources[static_cast<std::size_t>(source)].document->segments()[static_cast<std::size_t>(segment)];
     if (!isText(shown)) {
         parts.push_back({kindOf(shown), source, segment, {}, 0});
         return;
     }
+    const auto append = [&](const std::vector<PartRange>& ranges) {
+        for (const PartRange& range : ranges)
+            parts.push_back({AnswerPartKind::text, source, segment, range, 0});
+    };
+    if (std::holds_alternative<Markdown::SpecialSegment>(shown)) {
+        m_long.emplace(LongParagraph::Place{source, segment}, paragraphOf(shown, 0));
+        append(cutParagraph(0, m_long->whole().shown()));
+        return;
+    }
     const auto lengthOf = [&](int number) { return paragraphLength(shown, number); };
     const auto textOf = [&](int number, qsizetype begin) {
         return paragraphOf(shown, number, begin, std::numeric_limits<qsizetype>::max()).shown();
     };
-    for (const PartRange& range : cutText(firstParagraph, from, paragraphCount(shown), lengthOf, textOf))
-        parts.push_back({AnswerPartKind::text, source, segment, range, 0});
+    append(cutText(firstParagraph, from, paragraphCount(shown), lengthOf, textOf));
 }
 
-void AnswerParts::appendSource(std::vector<Part>& parts, int source, int firstSegment) const {
+void AnswerParts::appendSource(std::vector<Part>& parts, int source, int firstSegment) {
     const Source& from = m_sources[static_cast<std::size_t>(source)];
     if (!from.document) {
         parts.push_back({*kindOf(from.block), source, 0, {}, 0});
@@ -272,7 +280,7 @@ void AnswerParts::appendSource(std::vector<Part>& parts, int source, int firstSe
         appendSegment(parts, source, segment, 0, 0);
 }
 
-void AnswerParts::replaceParts(std::size_t kept, std::vector<Part> parts, const Begin& begin) {
+void AnswerParts::replaceParts(std::size_t kept, std::vector<Part> parts, const Begin& begin, qsizetype alike) {
     const std::size_t before = m_parts.size();
     const std::size_t after = kept + parts.size();
     const std::size_t common = std::min(before, after);
@@ -281,9 +289,11 @@ void AnswerParts::replaceParts(std::size_t kept, std::vector<Part> parts, const 
         beginRemoveRows({}, static_cast<int>(after), static_cast<int>(before) - 1);
     for (std::size_t i = kept; i < common; ++i) {
         const Part& part = parts[i - kept];
-        const bool same = begin.change.continues && part.isOfSame(m_parts[i]) && part.source == begin.source &&
+        const bool isKept = begin.change.continues && part.source == begin.source &&
             part.segment == begin.change.firstChangedSegment && part.range.last < begin.change.kept;
-        if (same && part.kind == AnswerPartKind::text)
+        const bool isAlike = alike > 0 && part.range.first == part.range.last && part.range.to <= alike &&
+            LongParagraph::Place{part.source, part.segment} == m_long->place();
+        if (part.kind == AnswerPartKind::text && (isKept || isAlike) && part.isOfSame(m_parts[i]))
             continue;
         m_parts[i] = part;
         m_parts[i].revision = ++m_revision;
@@ -383,6 +393,13 @@ std::vector<Paragraph> AnswerParts::paragraphs(int row) const {
     const Markdown::Segment* from = segment(part);
     if (!from)
         return all;
+    if (std::holds_alternative<Markdown::SpecialSegment>(*from)) {
+        const LongParagraph::Place place{part.source, part.segment};
+        if (!m_long || m_long->place() != place)
+            m_long.emplace(place, paragraphOf(*from, 0));
+        all.push_back(m_long->sliced(range.from, range.to));
+        return all;
+    }
     for (int number = range.first; number <= range.last; ++number) {
         const qsizetype begin = number == range.first ? range.from : 0;
         const qsizetype end = number == range.last ? range.to : std::numeric_limits<qsizetype>::max();

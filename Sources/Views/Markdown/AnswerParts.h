@@ -1,5 +1,6 @@
 #pragma once
 
+#include "LongParagraph.h"
 #include "PartKinds.h"
 #include "PartRange.h"
 #include "Pipeline/StreamingDocument.h"
@@ -106,9 +107,10 @@ private:
     void take(const std::vector<const MessageContent*>& blocks);
     void rebuild(const Begin& begin);
     qsizetype charactersKept(const Begin& begin) const;
-    void appendSegment(std::vector<Part>& parts, int source, int segment, int firstParagraph, qsizetype from) const;
-    void appendSource(std::vector<Part>& parts, int source, int firstSegment) const;
-    void replaceParts(std::size_t kept, std::vector<Part> parts, const Begin& begin);
+    void appendSegment(std::vector<Part>& parts, int source, int segment, int firstParagraph, qsizetype from);
+    void appendSource(std::vector<Part>& parts, int source, int firstSegment);
+    // The first `alike` characters of the paragraph m_long are drawn as before.
+    void replaceParts(std::size_t kept, std::vector<Part> parts, const Begin& begin, qsizetype alike);
     void updateBeginning();
 
     // Null while the texts have changed and the parts are about to.
@@ -121,6 +123,7 @@ private:
     QVariant m_content;
     std::vector<Source> m_sources;
     std::vector<Part> m_parts;
+    mutable std::optional<LongParagraph> m_long; // the last one that was looked at
     QString m_beginning;
     int m_revision = 0;
     bool m_isStreaming = false;

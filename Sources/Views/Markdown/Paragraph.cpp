@@ -44,23 +44,6 @@ QString Paragraph::read(qsizetype from, qsizetype to) const {
     return text;
 }
 
-Paragraph Paragraph::sliced(qsizetype from, qsizetype to) const {
-    Paragraph slice{kind, continues || from > 0, {}};
-    qsizetype begin = 0;
-    for (const Piece& piece : pieces) {
-        const qsizetype end = begin + piece.length();
-        const qsizetype first = std::max(from, begin);
-        const qsizetype last = std::min(to, end);
-        if (first < last) {
-            slice.pieces.push_back(piece);
-            if (piece.style != Style::formula)
-                slice.pieces.back().text = piece.text.sliced(first - begin, last - first);
-        }
-        begin = end;
-    }
-    return slice;
-}
-
 qsizetype commonLength(const Paragraph& a, const Paragraph& b) {
     qsizetype common = 0;
     for (std::size_t i = 0; i < std::min(a.pieces.size(), b.pieces.size()); ++i) {

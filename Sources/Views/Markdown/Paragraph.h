@@ -29,8 +29,6 @@ struct Paragraph {
     QString shown() const;
     // What is read of it between two places: formulas as TeX between dollar signs, a short marker.
     QString read(qsizetype from, qsizetype to) const;
-    // The pieces between two places as a paragraph that continues, unless it begins at 0.
-    Paragraph sliced(qsizetype from, qsizetype to) const;
 
     bool operator==(const Paragraph&) const = default;
 };

@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 #include <utility>
 
 namespace Korvi {
@@ -20,6 +21,7 @@ namespace Korvi {
 namespace {
 
 const QString formulaImage = QStringLiteral("korvi:formula");
+constexpr std::size_t mostCodePlaces = 500; // of one text; where there are more, font and colour tell them
 
 }
 
@@ -249,6 +251,7 @@ void ParagraphDocument::tellPlaces() {
         QTextBlock block = document->firstBlock();
         for (const Paragraph& paragraph : m_paragraphs) {
             const QPointF origin = layout->blockBoundingRect(block).topLeft();
+            std::optional<QFontMetricsF> metrics; // of code
             int begin = 0;
             for (const Paragraph::Piece& piece : paragraph.pieces) {
                 const int end = begin + static_cast<int>(piece.length());
@@ -262,7 +265,8 @@ void ParagraphDocument::tellPlaces() {
                             QRectF(origin.x() + x, baseline - known.size.ascent, known.size.width, known.size.ascent)});
                     }
                 } else if (piece.style == Paragraph::Style::code) {
-                    const QFontMetricsF metrics(m_style->charFormat(paragraph.kind, piece.style).font());
+                    if (!metrics)
+                        metrics.emplace(m_style->charFormat(paragraph.kind, piece.style).font());
                     for (int at = begin; at < end;) {
                         const QTextLine line = block.layout()->lineForTextPosition(at);
                         if (!line.isValid())
@@ -272,8 +276,8 @@ void ParagraphDocument::tellPlaces() {
                         const double x2 = line.cursorToX(to);
                         codes.push_back({{},
                             QRectF(origin.x() + std::min(x1, x2),
-                                origin.y() + line.y() + line.ascent() - metrics.ascent(), std::abs(x2 - x1),
-                                metrics.height())});
+                                origin.y() + line.y() + line.ascent() - metrics->ascent(), std::abs(x2 - x1),
+                                metrics->height())});
                         if (to <= at)
                             break;
                         at = to;
@@ -285,7 +289,7 @@ void ParagraphDocument::tellPlaces() {
         }
     }
     m_formulas.assign(std::move(formulas));
-    m_codePlaces.assign(std::move(codes));
+    m_codePlaces.assign(codes.size() <= mostCodePlaces ? std::move(codes) : std::vector<PlaceListModel::Place>());
 }
 
 }

@@ -82,14 +82,12 @@ int paragraphCount(const Markdown::Segment& segment) {
 }
 
 Paragraph paragraphOf(const Markdown::Segment& segment, int number) {
+    if (const auto* special = std::get_if<SpecialSegment>(&segment))
+        return withFormulas(special->block.as<Markdown::Block::Paragraph>()->content);
     return paragraphOf(segment, number, 0, std::numeric_limits<qsizetype>::max());
 }
 
 Paragraph paragraphOf(const Markdown::Segment& segment, int number, qsizetype from, qsizetype to) {
-    if (const auto* special = std::get_if<SpecialSegment>(&segment)) {
-        Paragraph whole = withFormulas(special->block.as<Markdown::Block::Paragraph>()->content);
-        return from > 0 || to < whole.length() ? whole.sliced(from, to) : whole;
-    }
     const TextBlock& block = blockOf(segment, number);
     Paragraph paragraph{kindOf(block), from > 0, {}};
     qsizetype begin = 0;
@@ -111,8 +109,6 @@ Paragraph::Kind paragraphKindOf(const Markdown::Segment& segment, int number) {
 }
 
 qsizetype paragraphLength(const Markdown::Segment& segment, int number) {
-    if (std::holds_alternative<SpecialSegment>(segment))
-        return paragraphOf(segment, number).length();
     const TextBlock& block = blockOf(segment, number);
     qsizetype length = block.marker.size();
     for (const Markdown::Run& run : block.runs)

@@ -9,8 +9,8 @@ namespace Korvi {
 bool isText(const Markdown::Segment& segment);
 int paragraphCount(const Markdown::Segment& segment);
 Paragraph paragraphOf(const Markdown::Segment& segment, int number);
-Paragraph paragraphOf(
-    const Markdown::Segment& segment, int number, qsizetype from, qsizetype to); // some characters of it
+// Some characters of one of a text segment.
+Paragraph paragraphOf(const Markdown::Segment& segment, int number, qsizetype from, qsizetype to);
 Paragraph::Kind paragraphKindOf(const Markdown::Segment& segment, int number);
 qsizetype paragraphLength(const Markdown::Segment& segment, int number); // as drawn
 

@@ -1,12 +1,20 @@
 #include "PartRange.h"
 
+#include <algorithm>
+
 namespace Korvi {
 
 namespace {
 
-// Where a piece of a long paragraph that begins there ends: after its last word.
+// Where a piece of a long paragraph that begins there ends: after its last word, and before it has too many formulas.
 qsizetype pieceEnd(const QString& text, qsizetype from) {
-    if (text.size() - from <= longestPart)
+    int formulas = 0;
+    const qsizetype furthest = std::min(text.size(), from + longestPart);
+    for (qsizetype at = from; at < furthest; ++at) {
+        if (text.at(at) == QChar::ObjectReplacementCharacter && ++formulas > mostFormulas)
+            return at;
+    }
+    if (furthest == text.size())
         return text.size();
     const qsizetype space = text.lastIndexOf(u' ', from + longestPart - 1);
     if (space > from)
@@ -14,6 +22,16 @@ qsizetype pieceEnd(const QString& text, qsizetype from) {
     return from + longestPart - (text.at(from + longestPart).isLowSurrogate() ? 1 : 0);
 }
 
+}
+
+std::vector<PartRange> cutParagraph(int number, const QString& text, qsizetype from) {
+    std::vector<PartRange> parts;
+    for (qsizetype at = 0; at < text.size();) {
+        const qsizetype to = pieceEnd(text, at);
+        parts.push_back({number, number, from + at, from + to});
+        at = to;
+    }
+    return parts;
 }
 
 std::vector<PartRange> cutText(int first, qsizetype from, int count, const std::function<qsizetype(int)>& lengthOf,
@@ -32,13 +50,9 @@ std::vector<PartRange> cutText(int first, qsizetype from, int count, const std::
             parts.push_back({i, i, begin, end});
             length = own;
         } else {
-            const QString text = shownText(i, begin);
-            for (qsizetype at = 0; at < own;) {
-                const qsizetype to = pieceEnd(text, at);
-                parts.push_back({i, i, begin + at, begin + to});
-                length = to - at;
-                at = to;
-            }
+            const std::vector<PartRange> pieces = cutParagraph(i, shownText(i, begin), begin);
+            parts.insert(parts.end(), pieces.begin(), pieces.end());
+            length = parts.back().to - parts.back().from;
         }
         if (length >= partLength)
             length = 0;

@@ -16,14 +16,17 @@ struct PartRange {
     bool operator==(const PartRange&) const = default;
 };
 
-// Cuts the paragraphs from `first` on, of that one what stands from `from` on, before which a part has ended, into parts that are laid out one by one: whole
-// paragraphs, together about `partLength` characters. Drawing and changing a text item costs time in proportion to all of
-// its text. A longer paragraph is cut between two words. Where a part ends depends on nothing behind the paragraph that
-// follows it.
 constexpr qsizetype partLength = 4000;
 constexpr qsizetype longestPart = 2 * partLength;
+constexpr int mostFormulas = 200; // of one part: each is an item of its own
 
-// `shownText` is that of a paragraph from some character on.
+// One paragraph by itself from some character on; `text` is what is shown of it from there. It is cut between two words.
+std::vector<PartRange> cutParagraph(int number, const QString& text, qsizetype from = 0);
+
+// Cuts the paragraphs from the character `from` of the paragraph `first` on, before which a part has ended, into parts
+// that are laid out one by one: whole paragraphs, together about `partLength` characters, or pieces of a longer one.
+// Drawing and changing a text item costs time in proportion to all of its text. Where a part ends depends on nothing
+// behind the paragraph that follows it. `shownText` is that of a paragraph from some character on.
 std::vector<PartRange> cutText(int first, qsizetype from, int count, const std::function<qsizetype(int)>& lengthOf,
     const std::function<QString(int, qsizetype)>& shownText);
 

@@ -15,6 +15,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <random>
 
 namespace Korvi::Test {
@@ -203,6 +204,47 @@ TEST(AnswerParts, AHugeOpenParagraphIsTouchedAtItsEndOnly) {
     for (int i = 0; i < 100; ++i)
         parts.setContent(text += u"**ещё** слово "_s);
     EXPECT_LE(mirror.changed, 300);
+}
+
+// Each part of it is found without making all the others again.
+TEST(AnswerParts, AHugeParagraphThatGrowsIsAsAFreshOneAndTouchesItsEndOnly) {
+    const QStringList fragments{u"слово и ещё "_s.repeated(40), u"**жирно** "_s, u"*курсив* "_s,
+        u"`код` "_s.repeated(90), u"$a_1$ "_s.repeated(30), u"😀 "_s};
+    for (unsigned seed = 1; seed <= 6; ++seed) {
+        std::mt19937 dice(seed);
+        AnswerParts parts;
+        parts.setStreaming(true);
+        QString text = u"слово и "_s.repeated(6000);
+        parts.setContent(text);
+        Mirror mirror(parts);
+        const auto grow = [&](const QString& piece) {
+            parts.setContent(text += piece);
+            AnswerParts fresh;
+            fresh.setStreaming(true);
+            fresh.setContent(text);
+            ASSERT_EQ(mirror.rows, described(fresh)) << "seed " << seed << " at " << text.size();
+        };
+        grow(fragments.at(4)); // it becomes one of another kind
+        mirror.changed = 0;
+        for (int i = 0; i < 40; ++i)
+            grow(fragments.at(static_cast<qsizetype>(dice() % static_cast<unsigned>(fragments.size()))));
+        EXPECT_LE(mirror.changed, 80);
+        for (const QString& marker : {u"`"_s, u"**"_s, u"$"_s, u"x"_s, u"$"_s, u"**"_s, u"`"_s, u"\n\nконец"_s})
+            grow(marker);
+    }
+}
+
+TEST(AnswerParts, APartHasNoMoreFormulasThanCanBeMadeAtOnce) {
+    AnswerParts parts;
+    parts.setContent(u"$x$ "_s.repeated(1500));
+    qsizetype formulas = 0;
+    for (int row = 0; row < parts.count(); ++row) {
+        const std::vector<Paragraph::Piece> pieces = parts.paragraphs(row).front().pieces;
+        const auto own = std::ranges::count(pieces, Paragraph::Style::formula, &Paragraph::Piece::style);
+        EXPECT_LE(own, mostFormulas);
+        formulas += own;
+    }
+    EXPECT_EQ(formulas, 1500);
 }
 
 TEST(AnswerParts, APartIsNeverLongAndAHugeParagraphIsCutBetweenWords) {
