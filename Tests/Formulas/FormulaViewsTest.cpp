@@ -233,8 +233,9 @@ TEST_F(FormulaViewsTest, ADiagramIsShownLargerOverTheWholeWindowAndSharp) {
     };
     window->requestActivate();
     ASSERT_TRUE(waitFor([&] { return window->isActive(); }));
-    QMetaObject::invokeMethod(diagram, "takeFocus");
+    press(Qt::Key_Tab);
     ASSERT_EQ(window->activeFocusItem(), diagram);
+    EXPECT_TRUE(part(page, "diagramRing")->isVisible());
     const auto pointer = [&](QEvent::Type type, double shift = 0) {
         const QPointF at = diagram->mapToScene({diagram->width() / 2 + shift, diagram->height() / 2});
         const auto button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
@@ -250,6 +251,7 @@ TEST_F(FormulaViewsTest, ADiagramIsShownLargerOverTheWholeWindowAndSharp) {
     EXPECT_EQ(diagram->property("selectedText"), u"```mermaid\nflowchart TD\n A --> B --> C\n```"_s);
     pointer(QEvent::MouseButtonPress);
     pointer(QEvent::MouseButtonRelease);
+    EXPECT_FALSE(part(page, "diagramRing")->isVisible());
     EXPECT_TRUE(waitFor(isOpen));
     press(Qt::Key_Escape);
     EXPECT_TRUE(waitFor([&] { return !isOpen(); }));

@@ -10,6 +10,7 @@ FocusScope {
     property bool isSelected: false
     property bool opens: false // a larger view, when it is clicked
     property bool hasCaret: false // arrow keys go on from here
+    property bool focusByPointer: false // which needs no ring
     property real pointerLayer: 0
 
     readonly property bool isWhole: true
@@ -80,6 +81,7 @@ FocusScope {
         if (activeFocus)
             return
         hasCaret = false
+        focusByPointer = false
         if (!persistentSelection)
             isSelected = false
     }
@@ -117,6 +119,7 @@ FocusScope {
                 drags = false
                 pressedAt = Qt.point(mouse.x, mouse.y)
                 whole.takeFocus()
+                whole.focusByPointer = true
                 whole.hasCaret = false
                 whole.deselect()
             }

@@ -28,6 +28,7 @@ WholePart {
     Accessible.name: "Диаграмма"
     Accessible.onPressAction: enlargeWanted(code)
     Accessible.role: Accessible.Graphic
+    activeFocusOnTab: isReady
     implicitHeight: Math.max(1, grownHeight)
 
     opens: isReady
@@ -133,6 +134,7 @@ WholePart {
     }
     FocusRing {
         around: Theme.radiusCard
-        shown: view.activeFocus && view.isSelected
+        objectName: "diagramRing"
+        shown: view.activeFocus && (view.isSelected || !view.focusByPointer)
     }
 }
