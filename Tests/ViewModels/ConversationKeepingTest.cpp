@@ -134,6 +134,31 @@ TEST_F(ConversationKeeping, ANewChatThatNobodyHeardOfIsBegunAgainOrItsQuestionCo
     EXPECT_FALSE(chat->generationError().isEmpty());
 }
 
+TEST_F(ConversationKeeping, ALineThatNeverLastsHoldsNoQuestionBack) {
+    ask(u"новый чат"_s);
+    const auto another = [this] {
+        service.breakOff();
+        virtualTime.advance(2s); // to the next attempt
+        service.accept();
+        const QStringList atOnce = service.frames();
+        virtualTime.advance(11s);
+        return std::pair(atOnce, service.frames());
+    };
+    EXPECT_THAT(another().second, IsEmpty());
+    EXPECT_THAT(another().second, IsEmpty());
+    // 30 s without a word of it, and this line has had its time to speak.
+    const auto [atOnce, later] = another();
+    EXPECT_THAT(atOnce, IsEmpty());
+    ASSERT_EQ(later.size(), 1);
+    EXPECT_EQ(lastText(), u"новый чат"_s);
+    // Sent again, it has its time again.
+    EXPECT_THAT(another().second, IsEmpty());
+    created(2);
+    chunk(u"Ответ."_s);
+    end();
+    EXPECT_THAT(shown(), ElementsAre(u"user: новый чат"_s, u"ai: Ответ."_s));
+}
+
 TEST_F(ConversationKeeping, ARepeatedAnswerIsNotTakenForTheNextOne) {
     ask(u"a"_s);
     created(1);
