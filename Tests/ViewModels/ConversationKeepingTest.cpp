@@ -38,6 +38,19 @@ TEST_F(ConversationKeeping, ListsShowBeforeAnyRequestToTheirOwnUserOnly) {
     EXPECT_EQ(cache.diskCacheSize(), 0);
 }
 
+TEST_F(ConversationKeeping, AListThatCouldNotBeLoadedComesWithTheLine) {
+    http.answer(u"/chats"_s, "{}", 500);
+    const Running<void> loading([&] { return chat->loadChats(); });
+    EXPECT_TRUE(chat->areChatsOutdated());
+    http.answer(u"/chats"_s, listJson({chatJson(1, u"Раз"_s)}));
+    reconnect();
+    EXPECT_EQ(chat->chats()->count(), 1);
+    EXPECT_FALSE(chat->areChatsOutdated());
+    const std::size_t before = http.count();
+    reconnect();
+    EXPECT_EQ(http.count(), before + 1); // the ticket: what is known is not asked for again
+}
+
 TEST_F(ConversationKeeping, ARestartInMidAnswerGoesOn) {
     chat->restore(u"u"_s);
     ask(u"a"_s);
