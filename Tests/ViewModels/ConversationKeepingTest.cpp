@@ -38,6 +38,19 @@ TEST_F(ConversationKeeping, ListsShowBeforeAnyRequestToTheirOwnUserOnly) {
     EXPECT_EQ(cache.diskCacheSize(), 0);
 }
 
+TEST_F(ConversationKeeping, AListThatCouldNotBeLoadedComesWithTheLine) {
+    http.answer(u"/chats"_s, "{}", 500);
+    const Running<void> loading([&] { return chat->loadChats(); });
+    EXPECT_TRUE(chat->areChatsOutdated());
+    http.answer(u"/chats"_s, listJson({chatJson(1, u"Раз"_s)}));
+    reconnect();
+    EXPECT_EQ(chat->chats()->count(), 1);
+    EXPECT_FALSE(chat->areChatsOutdated());
+    const std::size_t before = http.count();
+    reconnect();
+    EXPECT_EQ(http.count(), before + 1); // the ticket: what is known is not asked for again
+}
+
 TEST_F(ConversationKeeping, ARestartInMidAnswerGoesOn) {
     chat->restore(u"u"_s);
     ask(u"a"_s);
@@ -132,6 +145,31 @@ TEST_F(ConversationKeeping, ANewChatThatNobodyHeardOfIsBegunAgainOrItsQuestionCo
     EXPECT_THAT(service.frames(), IsEmpty());
     EXPECT_EQ(chat->currentInput(), u"a"_s);
     EXPECT_FALSE(chat->generationError().isEmpty());
+}
+
+TEST_F(ConversationKeeping, ALineThatNeverLastsHoldsNoQuestionBack) {
+    ask(u"новый чат"_s);
+    const auto another = [this] {
+        service.breakOff();
+        virtualTime.advance(2s); // to the next attempt
+        service.accept();
+        const QStringList atOnce = service.frames();
+        virtualTime.advance(11s);
+        return std::pair(atOnce, service.frames());
+    };
+    EXPECT_THAT(another().second, IsEmpty());
+    EXPECT_THAT(another().second, IsEmpty());
+    // 30 s without a word of it, and this line has had its time to speak.
+    const auto [atOnce, later] = another();
+    EXPECT_THAT(atOnce, IsEmpty());
+    ASSERT_EQ(later.size(), 1);
+    EXPECT_EQ(lastText(), u"новый чат"_s);
+    // Sent again, it has its time again.
+    EXPECT_THAT(another().second, IsEmpty());
+    created(2);
+    chunk(u"Ответ."_s);
+    end();
+    EXPECT_THAT(shown(), ElementsAre(u"user: новый чат"_s, u"ai: Ответ."_s));
 }
 
 TEST_F(ConversationKeeping, ARepeatedAnswerIsNotTakenForTheNextOne) {

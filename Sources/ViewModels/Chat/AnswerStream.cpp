@@ -19,7 +19,7 @@ AnswerStream::AnswerStream(Dependencies dependencies, MessageListModel& shown, Q
     , m_outbox(dependencies.chatService, m_generations, [this] { saveJournal(); })
     , m_journal(dependencies.defaults, dependencies.cache)
     , m_expected(dependencies.defaults, dependencies.cache)
-    , m_silence({dependencies.chatService, dependencies.scheduler}, m_generations, *this) {}
+    , m_silence({dependencies.chatService, dependencies.scheduler, dependencies.clock}, m_generations, *this) {}
 
 quint64 AnswerStream::begin(Question question, Files files) {
     Generation generation;

@@ -33,6 +33,7 @@ Task<void> ChatDirectory::load() {
         std::vector<Chat> chats = co_await m_dependencies.chatService.getChats();
         if (organization != m_dependencies.cache.currentOrgSuffix())
             co_return; // of the former one
+        m_isOutdated = false;
         m_chats.setChats(std::move(chats));
         m_dependencies.cache.cacheChats(m_chats.chats());
         for (const Chat& chat : m_chats.chats())
@@ -41,6 +42,7 @@ Task<void> ChatDirectory::load() {
         throw;
     } catch (const std::exception& error) {
         qCWarning(lcChats).noquote() << "❌ [ChatViewModel] Error loading chats:" << error.what();
+        m_isOutdated = organization == m_dependencies.cache.currentOrgSuffix();
     }
 }
 
@@ -111,6 +113,7 @@ std::vector<qint64> ChatDirectory::staleChats(const QDateTime& now) const {
 }
 
 void ChatDirectory::clear() {
+    m_isOutdated = false;
     m_chats.setChats({});
 }
 

@@ -3,6 +3,8 @@
 #include "Chat/ChatListModel.h"
 #include "TaskScope.h"
 
+#include <QProperty>
+
 namespace Korvi {
 
 class ChatService;
@@ -25,6 +27,8 @@ public:
 
     void loadCached();
     Task<void> load();
+    bool isOutdated() const { return m_isOutdated; } // the last load has failed
+    QBindable<bool> bindableIsOutdated() { return &m_isOutdated; }
     void add(const Chat& chat);                   // created just now
     void touch(qint64 chatId, QString updatedAt); // used just now
     Task<void> toggleFavorite(qint64 chatId);
@@ -40,6 +44,7 @@ public:
 signals:
     void chatChanged(const Korvi::Chat& chat);
     void chatRemoved(qint64 chatId);
+    void isOutdatedChanged();
 
 private:
     void replace(const Chat& chat);
@@ -47,6 +52,7 @@ private:
 
     Dependencies m_dependencies;
     ChatListModel m_chats;
+    Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(ChatDirectory, bool, m_isOutdated, false, &ChatDirectory::isOutdatedChanged)
 };
 
 }

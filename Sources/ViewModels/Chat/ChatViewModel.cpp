@@ -54,7 +54,7 @@ ChatViewModel::ChatViewModel(Dependencies dependencies, QObject* parent)
         m_loader.created(chat.id);
     });
     connect(&m_router, &SocketEventRouter::failed, this, &ChatViewModel::showError);
-    connect(&m_router, &SocketEventRouter::titlesOutdated, this,
+    connect(&m_router, &SocketEventRouter::chatsOutdated, this,
         [this] { m_scope.start([this] { return m_directory.load(); }); });
     connect(&m_stream, &AnswerStream::changed, this, &ChatViewModel::answerStateChanged);
     connect(&m_stream, &AnswerStream::generatingChatsChanged, m_directory.model(), &ChatListModel::setGenerating);
@@ -91,6 +91,7 @@ ChatViewModel::ChatViewModel(Dependencies dependencies, QObject* parent)
         emit hasAttachmentsChanged();
         emit canSendChanged();
     });
+    connect(&m_directory, &ChatDirectory::isOutdatedChanged, this, &ChatViewModel::areChatsOutdatedChanged);
     connect(&m_directory, &ChatDirectory::chatChanged, this, [this](const Chat& chat) {
         if (m_activeChat && m_activeChat->id == chat.id && *m_activeChat != chat)
             setActiveChat(chat);

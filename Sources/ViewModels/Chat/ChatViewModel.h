@@ -35,6 +35,9 @@ class ChatViewModel : public QObject {
     QML_ELEMENT
     QML_UNCREATABLE("owned by the application")
     Q_PROPERTY(Korvi::ChatListModel* chats READ chats CONSTANT)
+    // The list could not be loaded; it will be with the next connection.
+    Q_PROPERTY(
+        bool areChatsOutdated READ areChatsOutdated NOTIFY areChatsOutdatedChanged BINDABLE bindableAreChatsOutdated)
     Q_PROPERTY(Korvi::MessageListModel* messages READ messages CONSTANT)
     Q_PROPERTY(Korvi::ModelListModel* models READ models CONSTANT)
     Q_PROPERTY(qint64 activeChatId READ activeChatId NOTIFY activeChatChanged) // -1 for a new, unsaved chat
@@ -138,6 +141,7 @@ public:
     void reset();
 
     ChatListModel* chats() { return m_directory.model(); }
+    bool areChatsOutdated() const { return m_directory.isOutdated(); }
     MessageListModel* messages() { return &m_messages; }
     ModelListModel* models() { return &m_models; }
     ModelSelection& modelSelection() { return m_modelSelection; }
@@ -175,6 +179,7 @@ public:
     QString completedInOtherChatName() const { return completedInOtherChat().chatName; }
     int contentUpdateTrigger() const { return m_contentUpdateTrigger; }
 
+    QBindable<bool> bindableAreChatsOutdated() { return m_directory.bindableIsOutdated(); }
     QBindable<bool> bindableAreMessagesLoaded() { return m_loader.bindableAreMessagesLoaded(); }
     QBindable<bool> bindableIsRecovering() { return m_recovery.bindableIsRecovering(); }
     QBindable<bool> bindableIsGenerating() { return &m_isGenerating; }
@@ -185,6 +190,7 @@ public:
 
 signals:
     void activeChatChanged();
+    void areChatsOutdatedChanged();
     void areMessagesLoadedChanged();
     void currentInputChanged();
     void canSendChanged();

@@ -6,10 +6,20 @@ namespace Korvi {
 
 namespace {
 
-template <class Range, class Predicate>
-Generation* findIn(Range&& range, Predicate predicate) {
-    const auto it = std::find_if(range.begin(), range.end(), predicate);
-    return it == range.end() ? nullptr : &*it;
+template <class Iterator, class Predicate>
+Generation* findIn(Iterator begin, Iterator end, Predicate predicate) {
+    const auto it = std::find_if(begin, end, predicate);
+    return it == end ? nullptr : &*it;
+}
+
+template <class Predicate>
+Generation* findFirst(std::list<Generation>& generations, Predicate predicate) {
+    return findIn(generations.begin(), generations.end(), predicate);
+}
+
+template <class Predicate>
+Generation* findNewest(std::list<Generation>& generations, Predicate predicate) {
+    return findIn(generations.rbegin(), generations.rend(), predicate);
 }
 
 void forgo(Generation& generation, Generation::State state) {
@@ -21,13 +31,6 @@ void forgo(Generation& generation, Generation::State state) {
     generation.parked.clear();
 }
 
-template <class Queue>
-struct Newest {
-    Queue& queue;
-    auto begin() { return queue.rbegin(); }
-    auto end() { return queue.rend(); }
-};
-
 }
 
 Generation& GenerationQueue::begin(Generation generation) {
@@ -36,29 +39,29 @@ Generation& GenerationQueue::begin(Generation generation) {
 }
 
 Generation* GenerationQueue::find(quint64 serial) {
-    return findIn(m_generations, [serial](const Generation& generation) { return generation.serial == serial; });
+    return findFirst(m_generations, [serial](const Generation& generation) { return generation.serial == serial; });
 }
 
 Generation* GenerationQueue::current() {
-    return findIn(m_generations, [](const Generation& generation) { return generation.hasLeft(); });
+    return findFirst(m_generations, [](const Generation& generation) { return generation.hasLeft(); });
 }
 
 Generation* GenerationQueue::open() {
-    return findIn(Newest{m_generations}, [](const Generation& generation) { return generation.isOpen; });
+    return findNewest(m_generations, [](const Generation& generation) { return generation.isOpen; });
 }
 
 Generation* GenerationQueue::runningOf(qint64 chatId) {
-    return findIn(Newest{m_generations}, [chatId](const Generation& generation) {
+    return findNewest(m_generations, [chatId](const Generation& generation) {
         return generation.chatId == chatId && generation.state != Generation::State::stopped;
     });
 }
 
 Generation* GenerationQueue::firstOf(qint64 chatId) {
-    return findIn(m_generations, [chatId](const Generation& generation) { return generation.chatId == chatId; });
+    return findFirst(m_generations, [chatId](const Generation& generation) { return generation.chatId == chatId; });
 }
 
 Generation* GenerationQueue::withoutChat() {
-    return findIn(
+    return findFirst(
         m_generations, [](const Generation& generation) { return generation.hasLeft() && generation.chatId < 0; });
 }
 

@@ -3,6 +3,7 @@
 #include "Chat/ChatService.h"
 #include "Chat/GenerationQueue.h"
 #include "Chat/MessageComposition.h"
+#include "Clock.h"
 
 #include <QLoggingCategory>
 
@@ -103,8 +104,10 @@ Task<void> SilenceWatch::askAboutSilence(bool mayResend) {
             co_return askLater(resendTimeout, false);
         }
         // Of a new chat only its creation can tell.
-        if (!mayResend)
-            co_return askLater(chatId > 0 ? resendTimeout : creationTimeout, true);
+        const std::chrono::seconds left = (chatId > 0 ? resendTimeout : creationTimeout) - unheardFor(serial);
+        if (!mayResend && left > std::chrono::seconds(0))
+            co_return askLater(left, true);
+        m_unheard.reset();
         generation->stage = Generation::Stage::doubtful;
         // A new chat may have been made that we were never told of: not to be asked twice unseen. And what was
         // stopped is not to be asked again.
@@ -117,6 +120,14 @@ Task<void> SilenceWatch::askAboutSilence(bool mayResend) {
         m_listener.lost(*generation);
         co_return askLater(resendTimeout, false);
     }
+}
+
+// Counted over lines that do not last: on each of them it would have been heard of at once.
+std::chrono::seconds SilenceWatch::unheardFor(quint64 serial) {
+    const QDateTime now = m_dependencies.clock.now();
+    if (!m_unheard || m_unheard->serial != serial || m_unheard->since > now)
+        m_unheard = {.serial = serial, .since = now};
+    return std::chrono::seconds(m_unheard->since.secsTo(now));
 }
 
 // As long as an answer is waited for, its chat is asked now and then whether it is there: should its end have been taken

@@ -4,9 +4,12 @@
 #include "Scheduler.h"
 #include "TaskScope.h"
 
+#include <QDateTime>
+
 namespace Korvi {
 
 class ChatService;
+class Clock;
 class GenerationQueue;
 struct Generation;
 
@@ -39,6 +42,7 @@ public:
     struct Dependencies {
         ChatService& chatService;
         Scheduler& scheduler;
+        Clock& clock;
     };
 
     SilenceWatch(Dependencies dependencies, GenerationQueue& generations, Listener& listener);
@@ -59,7 +63,8 @@ public:
     void cancel(); // whatever was to be asked
 
 private:
-    Generation* awaited() const; // of which nothing is heard
+    Generation* awaited() const;                     // of which nothing is heard
+    std::chrono::seconds unheardFor(quint64 serial); // since it was asked about first
     void giveUp();
     void askLater(std::chrono::seconds delay, bool mayResend);
     Task<void> askAboutSilence(bool mayResend);
@@ -76,6 +81,11 @@ private:
     bool m_isSilent = false; // nothing came of the current answer since the line is up
     bool m_heardLately = false;
     bool m_wasAwayTooLong = false;
+    struct Unheard {
+        quint64 serial;
+        QDateTime since;
+    };
+    std::optional<Unheard> m_unheard;
     Timer m_reconnectTimer;
     Timer m_silenceTimer;
     Timer m_patienceTimer; // active while an answer is waited for

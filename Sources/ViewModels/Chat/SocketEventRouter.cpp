@@ -49,6 +49,8 @@ void SocketEventRouter::handle(const SocketEvent& event) {
 void SocketEventRouter::connected() {
     m_dependencies.stream.connected();
     m_dependencies.loader.connected();
+    if (m_dependencies.directory.isOutdated())
+        emit chatsOutdated();
 }
 
 void SocketEventRouter::created(const Chat& chat) {
@@ -89,7 +91,7 @@ void SocketEventRouter::answerEnded() {
     }
     emit m_dependencies.notifications.didCompleteAIResponse();
     if (ending->createdChat) // it has got its title by now
-        emit titlesOutdated();
+        emit chatsOutdated();
 }
 
 }

@@ -30,7 +30,7 @@ public:
 
 signals:
     void openChatCreated(const Korvi::Chat& chat); // the new chat that is shown has got its number
-    void titlesOutdated();                         // of the list of chats
+    void chatsOutdated();                          // a title is to come, or the list has not been loaded
     // An answer has ended with an error; `canRetry`: that of the open conversation.
     void failed(const QString& message, bool canRetry);
 

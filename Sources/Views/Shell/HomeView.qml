@@ -72,6 +72,8 @@ FocusScope {
         sidebar: Sidebar {
             id: sidebar
 
+            readonly property bool isConnecting: home.chat.connectionStatus === "Connecting..."
+
             activeChatId: home.chat.activeChatId // qmllint disable
             anchors.fill: parent
             chats: home.chat.chats
@@ -79,9 +81,9 @@ FocusScope {
             focus: true
             initials: home.auth.initials
             menuChatId: chatActions.menuChatId
-            // The chats come before the line is up.
-            loading: home.chat.connectionStatus === "Connecting..."
-            online: loading || home.chat.isConnected
+            // The chats come before the line is up, or else with it.
+            loading: isConnecting || home.chat.areChatsOutdated
+            online: isConnecting || home.chat.isConnected
 
             onChatChosen: chatId => home.openChat(chatId)
             onDeleteRequested: (chatId, name) => chatActions.askDeletion(chatId, name)
