@@ -6,12 +6,12 @@ namespace {
 
 // Where a piece of a long paragraph that begins there ends: after its last word.
 qsizetype pieceEnd(const QString& text, qsizetype from) {
-    if (text.size() - from <= longestPart)
+    if (text.size() - from <= pieceLength)
         return text.size();
-    const qsizetype space = text.lastIndexOf(u' ', from + longestPart - 1);
+    const qsizetype space = text.lastIndexOf(u' ', from + pieceLength - 1);
     if (space > from)
         return space + 1;
-    return from + longestPart - (text.at(from + longestPart).isLowSurrogate() ? 1 : 0);
+    return from + pieceLength - (text.at(from + pieceLength).isLowSurrogate() ? 1 : 0);
 }
 
 }
@@ -24,11 +24,11 @@ std::vector<PartRange> cutText(int first, qsizetype from, int count, const std::
         const qsizetype begin = i == first ? from : 0;
         const qsizetype end = lengthOf(i);
         const qsizetype own = end - begin;
-        if (length > 0 && length + own <= longestPart) {
+        if (length > 0 && begin == 0 && length + own <= longestPart) {
             parts.back().last = i;
             parts.back().to = end;
             length += own;
-        } else if (own <= longestPart) {
+        } else if (end <= longestPart) {
             parts.push_back({i, i, begin, end});
             length = own;
         } else {
@@ -47,7 +47,7 @@ std::vector<PartRange> cutText(int first, qsizetype from, int count, const std::
 }
 
 bool staysCut(const PartRange& part, qsizetype kept) {
-    return part.first == part.last && part.from + longestPart < kept;
+    return part.first == part.last && kept > longestPart && part.from + pieceLength < kept;
 }
 
 }

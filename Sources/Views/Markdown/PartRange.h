@@ -22,6 +22,7 @@ struct PartRange {
 // follows it.
 constexpr qsizetype partLength = 4000;
 constexpr qsizetype longestPart = 2 * partLength;
+constexpr qsizetype pieceLength = partLength / 2; // of such a paragraph, which is likely to grow
 
 // `shownText` is that of a paragraph from some character on.
 std::vector<PartRange> cutText(int first, qsizetype from, int count, const std::function<qsizetype(int)>& lengthOf,
