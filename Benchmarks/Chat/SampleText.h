@@ -35,18 +35,30 @@ public:
         return made;
     }
 
+    // One paragraph that no line ends, with a marker at every few words.
+    QString paragraph(qsizetype characters) {
+        QString made;
+        while (made.size() < characters)
+            made += styledWord(6) + u' ';
+        return made;
+    }
+
     unsigned dice(unsigned below) { return static_cast<unsigned>(m_dice()) % below; }
 
 private:
     QString words(unsigned count) {
-        static const QStringList looks{"**%1**", "`%1`", "*%1*"};
         QStringList line;
-        for (unsigned i = 0; i < count; ++i) {
-            const QString next = word().section(u'\n', 0, 0).trimmed();
-            const unsigned style = dice(40);
-            line.append(style < 3 ? looks.at(style).arg(next) : next);
-        }
+        for (unsigned i = 0; i < count; ++i)
+            line.append(styledWord(40));
         return line.join(u' ');
+    }
+
+    // Three of so many are bold, code or italic.
+    QString styledWord(unsigned outOf) {
+        static const QStringList looks{"**%1**", "`%1`", "*%1*"};
+        const QString next = word().section(u'\n', 0, 0).trimmed();
+        const unsigned style = dice(outOf);
+        return style < 3 ? looks.at(style).arg(next) : next;
     }
 
     QString block() {

@@ -12,10 +12,18 @@
 #include <algorithm>
 #include <cstdio>
 #include <ctime>
+#include <functional>
 #include <memory>
 #include <vector>
 
 namespace Korvi {
+
+// Milliseconds of this thread.
+inline double processorTime() {
+    timespec time;
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
+}
 
 // A window of 1200 x 800 that is drawn by the software scene graph into an image when told, so that each part of a
 // frame can be timed: in processor time of the one thread, which what else runs on the machine does not lengthen.
@@ -27,9 +35,11 @@ public:
     };
 
     // `qml` is an Item with a property `messages`.
-    Stage(const char* qml, QObject* messages)
+    Stage(
+        const char* qml, QObject* messages, const std::function<void(QQmlEngine&)>& prepare = [](QQmlEngine&) {})
         : m_window(&m_control)
         , m_image(1200, 800, QImage::Format_ARGB32_Premultiplied) {
+        prepare(m_engine);
         QQmlComponent component(&m_engine);
         component.setData(qml, QUrl(QStringLiteral("qrc:/bench.qml")));
         m_root.reset(qobject_cast<QQuickItem*>(
@@ -45,6 +55,8 @@ public:
     QQuickItem* find(const char* objectName) const {
         return *objectName ? m_root->findChild<QQuickItem*>(QString::fromLatin1(objectName)) : m_root.get();
     }
+
+    QQuickWindow& window() { return m_window; }
 
     template <class Change>
     Frame frame(Change change) {
@@ -66,12 +78,6 @@ public:
     }
 
 private:
-    static double processorTime() {
-        timespec time;
-        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-        return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
-    }
-
     QQmlEngine m_engine;
     QQuickRenderControl m_control;
     QQuickWindow m_window;

@@ -423,14 +423,20 @@ Item {
             settled()
             list.column.scrollBy(300)
             settled()
+            // The first whole line below the padding: its baseline, some four fifths down.
             const shown = findChild(list.column.itemAt(9), "textPart")
-            const top = () => shown.mapFromItem(list, 0, list.column.topPadding).y
-            const read = shown.positionAt(0, top())
-            const below = top() - shown.positionToRectangle(read).y
+            const top = shown.mapFromItem(list, 0, list.column.topPadding).y
+            const cut = shown.positionToRectangle(shown.positionAt(0, top))
+            const read = shown.positionAt(0, cut.y + cut.height * 1.5)
+            const baseline = () => {
+                const line = shown.positionToRectangle(read)
+                return shown.mapToItem(list, 0, line.y + line.height * 0.8).y
+            }
+            const before = baseline()
             for (const size of [20, 11, 13]) {
                 Theme.textSize = size
                 settled()
-                fuzzyCompare(top() - shown.positionToRectangle(read).y, below, 1, "size " + size)
+                fuzzyCompare(baseline(), before, 2, "size " + size)
             }
         }
 

@@ -6,13 +6,16 @@
 namespace Korvi {
 
 // What is read at the upper edge of the view, to be found there again after anything above or around it took another
-// size: the row, the innermost item in it that reaches the edge, and in a text the character.
+// size: the row, and in it a line of text, or, where no text is in view, the innermost item that reaches the edge.
 class ReadingAnchor {
 public:
     int row() const { return m_row; } // -1 without one
 
-    // `offset` is how far the edge lies below the top of the row, and `reading` how far what is read there does; `item`
-    // is the row's, or null.
+    // The first whole line of text between these heights below the top of the row; false without one. A formula or an
+    // image before it that has yet to get its size then grows out of the view instead of pushing the text down.
+    // `offset` is how far the edge lies below the top of the row.
+    bool recordText(int row, qreal offset, qreal from, qreal to, QQuickItem& item);
+    // Whatever is `reading` below the top of the row; `item` is the row's, or null.
     void record(int row, qreal offset, qreal reading, QQuickItem* item);
     void clear() { *this = {}; }
     // How far the edge lies below the top of the row now.
@@ -34,7 +37,7 @@ private:
     QPointer<QQuickItem> m_leaf; // the innermost item there
     bool m_aboveRow = false;     // what is read there is the row's beginning
     qreal m_leafY = 0;           // of what is anchored to, below the top of the row
-    int m_textPosition = -1;     // in a leaf that is a text
+    int m_textPosition = -1;     // of the line, in a leaf that is a text
 };
 
 }

@@ -1,7 +1,5 @@
 #include "VirtualColumn.h"
 
-#include <QQuickWindow>
-
 #include <algorithm>
 #include <cmath>
 
@@ -284,6 +282,7 @@ void VirtualColumn::scrollTo(qreal position) {
     m_top = std::clamp(position, 0.0, std::max(0.0, contentEnd() - viewHeight()));
     setFollowing(distanceToEnd() < atEndDistance);
     recordAnchor();
+    m_wasScrolled = true;
     polish();
     emit scrolled();
 }
@@ -301,7 +300,8 @@ void VirtualColumn::letGo() {
     if (!m_following)
         return;
     setFollowing(false);
-    recordAnchor();
+    if (!m_isHeld)
+        recordAnchor();
     m_mayResume = true;
 }
 
@@ -327,6 +327,7 @@ void VirtualColumn::readerScrolled() {
     if (!atEnd || !m_area->moving()) // a flick that ends there decides at its end
         setFollowing(atEnd);
     recordAnchor();
+    m_wasScrolled = true;
     polish();
     emit scrolled();
 }
@@ -357,13 +358,32 @@ void VirtualColumn::updateFocusedRow() {
 void VirtualColumn::itemChange(ItemChange change, const ItemChangeData& data) {
     if (change == ItemSceneChange) {
         disconnect(m_windowFocus);
+        if (m_window)
+            m_window->removeEventFilter(this);
+        m_window = data.window;
         if (data.window) {
+            data.window->installEventFilter(this);
             m_windowFocus =
                 connect(data.window, &QQuickWindow::activeFocusItemChanged, this, &VirtualColumn::updateFocusedRow);
             polish();
         }
     }
     QQuickItem::itemChange(change, data);
+}
+
+bool VirtualColumn::eventFilter(QObject* window, QEvent* event) {
+    if (event->type() == QEvent::MouseButtonPress) {
+        const QPointF at =
+            m_area ? flickable()->mapFromScene(static_cast<QMouseEvent*>(event)->scenePosition()) : QPointF(-1, -1);
+        if (m_area && flickable()->contains(at))
+            hold(at.y());
+    } else if (event->type() == QEvent::KeyPress && m_area && m_focusedRow >= 0) {
+        const QQuickItem* item = m_window->activeFocusItem();
+        const double y = flickable()->mapFromItem(item, QPointF()).y();
+        if (y >= 0 && y < viewHeight())
+            hold(y);
+    }
+    return QQuickItem::eventFilter(window, event);
 }
 
 void VirtualColumn::geometryChange(const QRectF& now, const QRectF& before) {

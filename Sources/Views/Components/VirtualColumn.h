@@ -7,6 +7,7 @@
 #include "ScrollArea.h"
 #include "ScrollMetrics.h"
 
+#include <QQuickWindow>
 #include <QSet>
 #include <QVariantAnimation>
 
@@ -18,9 +19,9 @@ class PartColumn;
 // content at 0, 0 and takes care of its contentY, contentHeight and topMargin.
 //
 // Every row has a known height: that of its item, or that which it had when it was last laid out, or an estimate. Rows
-// may change their height at any time. What the reader sees stays where it is: the view hangs on what stands at its
-// upper edge, or, while `following`, on the end of the content. Reading back lets go of the end, coming back to it takes
-// it up again.
+// may change their height at any time. What the reader sees stays where it is: the view hangs on what is read at its
+// upper edge, or on what was pressed since it was last scrolled, or, while `following`, on the end of the content.
+// Reading back lets go of the end, coming back to it takes it up again.
 //
 // A held *turn* gives the rows from `turnRow` on at least a whole view: the turn's first row stands at the top, and
 // what comes after it grows into the space below.
@@ -128,6 +129,7 @@ protected:
     void itemChange(ItemChange change, const ItemChangeData& data) override;
     void geometryChange(const QRectF& now, const QRectF& before) override;
     void updatePolish() override;
+    bool eventFilter(QObject* window, QEvent* event) override;
 
 private:
     static constexpr double unknown = 0;
@@ -150,6 +152,8 @@ private:
     bool prefetch();
     void keepAnchor();
     void recordAnchor();
+    bool recordText(double from, double to);
+    void hold(double y);
     void publish();
 
     void readerScrolled();
@@ -167,6 +171,7 @@ private:
     QPointer<QQmlComponent> m_delegate;
     QPointer<RowEstimate> m_estimate;
     std::unique_ptr<ScrollArea> m_area;
+    QPointer<QQuickWindow> m_window;
     QMetaObject::Connection m_windowFocus;
     RowHeights m_heights;            // each with the spacing below it
     std::vector<double> m_estimates; // what each row's height was first taken for, or `unknown`
@@ -176,6 +181,7 @@ private:
     QVariantAnimation m_jump;
     double m_jumpLength = 0; // from the view to the aim
     double m_top = 0;        // of the view, below the top of the content
+    double m_shownTop = 0;   // the same when it was last laid out
     double m_origin = 0;     // of the content in the Flickable's coordinates
     qreal m_spacing = 0;
     qreal m_topPadding = 0;
@@ -183,6 +189,8 @@ private:
     qreal m_farDistance = 80;
     int m_jumpDuration = 0;
     bool m_following = true;
+    bool m_wasScrolled = false;
+    bool m_isHeld = false;    // the anchor is what the reader's hand is on
     bool m_mayResume = false; // following goes on if the end is still in view after the change
     int m_turnRow = -1;
     int m_focusedRow = -1;

@@ -5,6 +5,7 @@
 #include <QScopedValueRollback>
 
 #include <cmath>
+#include <utility>
 
 namespace Korvi {
 
@@ -36,6 +37,7 @@ void VirtualColumn::layout() {
         if (prefetch())
             m_top = topWanted();
         place();
+        m_shownTop = m_top;
         releaseFarRows();
         if (!m_following && m_jump.state() != QVariantAnimation::Running)
             keepAnchor();
@@ -146,29 +148,59 @@ bool VirtualColumn::prefetch() {
     return false;
 }
 
+// Once after the view was scrolled it hangs on what is read now, most of which may not have been there before.
 void VirtualColumn::keepAnchor() {
     const int row = m_anchor.row();
-    if (row < 0 || row >= count() || !m_anchor.settle(m_top - rowPosition(row), m_items.find(row)))
+    const bool isKept = row >= 0 && row < count() && m_anchor.settle(m_top - rowPosition(row), m_items.find(row));
+    if (!isKept || std::exchange(m_wasScrolled, false))
         recordAnchor();
+}
+
+// Of the lines that begin between these heights below the top of the content.
+bool VirtualColumn::recordText(double from, double to) {
+    for (int row = std::max(0, m_heights.rowAt(from - m_topPadding)); row < count() && rowPosition(row) < to; ++row) {
+        const double top = rowPosition(row);
+        QQuickItem* item = m_items.find(row);
+        if (item && m_anchor.recordText(row, m_top - top, from - top, to - top, *item))
+            return true;
+    }
+    return false;
 }
 
 // The padding of the first row is what a row that was jumped to keeps above itself, so reading begins below it.
 void VirtualColumn::recordAnchor() {
+    m_isHeld = false;
     int row = m_heights.rowAt(m_top);
     if (row < 0) {
         m_anchor.clear();
         return;
     }
     const double reading = m_top + m_topPadding;
+    const double end = m_top + viewHeight();
+    // What was on the screen before, if it still is: the height of what comes into view may be a mere estimate.
+    if (recordText(std::max(reading, m_shownTop + m_topPadding), std::min(end, m_shownTop + viewHeight())) ||
+        recordText(reading, end))
+        return;
     if (reading >= rowPosition(row) + heightAt(row) && row + 1 < count())
         ++row; // the edge lies between the two
     // A row that was never seen may be anything but as high as it is taken for; what is on the screen already holds.
     int seen = row;
-    while (seen < count() && !m_items.find(seen) && rowPosition(seen) < m_top + viewHeight())
+    while (seen < count() && !m_items.find(seen) && rowPosition(seen) < end)
         ++seen;
-    if (seen < count() && m_items.find(seen) && rowPosition(seen) < m_top + viewHeight())
+    if (seen < count() && m_items.find(seen) && rowPosition(seen) < end)
         row = seen;
     m_anchor.record(row, m_top - rowPosition(row), reading - rowPosition(row), m_items.find(row));
+}
+
+// Whatever changes next may be the reader's own doing: what the hand is on stays where it is until the view is scrolled.
+void VirtualColumn::hold(double y) {
+    const int row = m_heights.rowAt(m_top + y - m_topPadding);
+    QQuickItem* item = m_items.find(row);
+    if (!item)
+        return;
+    m_isHeld = true;
+    m_wasScrolled = false;
+    m_anchor.record(row, m_top - rowPosition(row), m_top + y - rowPosition(row), item);
 }
 
 void VirtualColumn::publish() {

@@ -18,7 +18,8 @@ struct PartRange {
 
 constexpr qsizetype partLength = 4000;
 constexpr qsizetype longestPart = 2 * partLength;
-constexpr int mostFormulas = 200; // of one part: each is an item of its own
+constexpr qsizetype pieceLength = partLength / 2; // of a longer paragraph, which is likely to grow
+constexpr int mostFormulas = 200;                 // of one part: each is an item of its own
 
 // One paragraph by itself from some character on; `text` is what is shown of it from there. It is cut between two words.
 std::vector<PartRange> cutParagraph(int number, const QString& text, qsizetype from = 0);
