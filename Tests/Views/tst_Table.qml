@@ -56,6 +56,20 @@ Item {
             copied.clear()
         }
 
+        // A text item of a megabyte stands the window for a second.
+        function test_aHugeCellShowsItsBeginningAndIsCopiedWhole() {
+            const words = "слово ".repeat(5000).trim()
+            view.table = markdown.table("|a|b|\n|-|-|\n|1|" + words + "|\n|2" + "|x".repeat(9000) + "|\n")
+            wait(0)
+            const texts = rowItems(view).map(row => row.cells.map(cell => cell.text))
+            compare(texts[1][1].length, 5001)
+            verify(words.startsWith(texts[1][1].slice(0, -1)))
+            verify(texts[2][63].length <= 5001)
+            view.select(1, 3)
+            verify(view.selectedText.trim() === "1\t" + words + "\n2" + "\tx".repeat(9000))
+            view.table = markdown.table("")
+        }
+
         // Items with cells, in the order of the rows.
         function rowItems(item) {
             const found = []

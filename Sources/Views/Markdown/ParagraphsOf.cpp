@@ -63,6 +63,10 @@ Paragraph withFormulas(const QString& content) {
             append(paragraph.pieces, part.content, Paragraph::Style::formula);
             continue;
         }
+        if (!part.content.contains(u'*') && !part.content.contains(u'`')) {
+            append(paragraph.pieces, part.content, Paragraph::Style::base);
+            continue;
+        }
         for (const Markdown::Run& run : Markdown::parseInlineMarkdown(part.content))
             append(paragraph.pieces, run.text, styleOf(run.style));
     }

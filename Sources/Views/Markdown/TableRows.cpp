@@ -163,7 +163,11 @@ QVariant TableRows::data(const QModelIndex& index, int role) const {
     if (cells.size() > mostColumns)
         cells = cells.first(mostColumns - 1) << cells.sliced(mostColumns - 1).join(QStringLiteral(" | "));
     QVariantList shown;
-    for (const QString& cell : cells) {
+    for (QString& cell : cells) {
+        if (cell.size() > longestCell) {
+            cell.truncate(longestCell - (cell.at(longestCell - 1).isHighSurrogate() ? 1 : 0));
+            cell += u'…';
+        }
         const TableCell::Markup markup = TableCell::markup(cell, m_codeFamily, m_codeColor, m_codeBackground);
         shown.append(QVariantMap{{QStringLiteral("text"), markup.text}, {QStringLiteral("isRich"), markup.isRich}});
     }

@@ -32,6 +32,7 @@ class TableRows : public QAbstractListModel, public QQmlParserStatus {
     Q_PROPERTY(qreal totalWidth READ totalWidth NOTIFY columnWidthsChanged)
 
 public:
+    static constexpr qsizetype longestCell = 5'000; // characters that are shown; all of them are copied
     // The cells of a row that has more than these share the last column.
     static constexpr qsizetype mostColumns = 64;
 

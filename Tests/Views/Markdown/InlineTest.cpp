@@ -12,8 +12,12 @@ namespace {
 
 std::string parts(const char* text) {
     std::string all;
-    for (const TextPart& part : parseInlineLatex(QString(text)))
+    bool hasFormula = false;
+    for (const TextPart& part : parseInlineLatex(QString(text))) {
         all += (part.isLatex ? "F{" : "{") + part.content.toStdString() + "}";
+        hasFormula = hasFormula || part.isLatex;
+    }
+    EXPECT_EQ(hasInlineLatex(QString(text)), hasFormula) << text;
     return all;
 }
 

@@ -213,9 +213,7 @@ std::optional<Reused> GrowingSegments::lengthenParagraph(
         settled = {.from = now.lines.from, .to = now.lines.from};
     const ParagraphRest rest = restOfParagraph(text, {settled.to, now.lines.to}, settled.content == 0);
     const bool hasImages = rest.content.contains(u"!["_s);
-    const auto parts = rest.content.contains(u'$') ? parseInlineLatex(rest.content) : std::vector<TextPart>();
-    if (hasImages || std::any_of(parts.begin(), parts.end(), [](const TextPart& part) { return part.isLatex; }) ||
-        settled.content + rest.content.size() == 0)
+    if (hasImages || hasInlineLatex(rest.content) || settled.content + rest.content.size() == 0)
         return {};
     if (QStringView(paragraph.content).sliced(settled.content) == rest.content)
         return {{0, true}};

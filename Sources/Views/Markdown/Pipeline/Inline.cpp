@@ -39,6 +39,25 @@ std::vector<TextPart> parseInlineLatex(QStringView text) {
     return parts;
 }
 
+bool hasInlineLatex(QStringView text) {
+    bool inLatex = false;
+    bool isEmpty = true;
+    qsizetype from = 0;
+    for (qsizetype at = text.indexOf(u'$'); at >= 0; at = text.indexOf(u'$', from)) {
+        isEmpty = isEmpty && at == from;
+        from = at + 1;
+        if (from < text.size() && text[from] == u'$') {
+            ++from;
+        } else if (inLatex && !isEmpty) {
+            return true;
+        } else {
+            inLatex = !inLatex;
+            isEmpty = true;
+        }
+    }
+    return false;
+}
+
 namespace {
 
 struct MarkerCounts {

@@ -25,6 +25,7 @@ struct Run {
 
 // Splits a paragraph at its "$...$" formulas. A dollar sign that nothing closes stays text.
 std::vector<TextPart> parseInlineLatex(QStringView text);
+bool hasInlineLatex(QStringView text); // whether one of these is a formula
 
 // Without the last "**", "`" or "*" if nothing closes it: a marker that is still open is not shown while text streams.
 QString stripUnclosedMarkers(const QString& text);

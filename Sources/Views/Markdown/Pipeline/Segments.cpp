@@ -39,8 +39,7 @@ std::optional<TextBlock> textBlockOf(const Block& block) {
             {.kind = Kind::numberedListItem, .number = item->number, .marker = QString::number(item->number) + u". "_s},
             item->content);
     if (const auto* paragraph = block.as<Block::Paragraph>()) {
-        const std::vector<TextPart> parts = parseInlineLatex(paragraph->content);
-        if (std::none_of(parts.begin(), parts.end(), [](const TextPart& part) { return part.isLatex; }))
+        if (!hasInlineLatex(paragraph->content))
             return made({.kind = Kind::paragraph}, paragraph->content);
     }
     return {};
