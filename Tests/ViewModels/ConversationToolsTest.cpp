@@ -437,6 +437,33 @@ TEST_F(ConversationToolsTest, APastedImageIsUploadedBeforeItIsSent) {
     EXPECT_EQ(told(chat->messages()->messages().front()), u"image-https://s/a \"начало\""_s);
 }
 
+TEST_F(ConversationToolsTest, APastedImageThatIsNotSentIsNotKept) {
+    const auto paste = [&] {
+        files->clipboard.picture = QImage(2, 2, QImage::Format_RGB32);
+        EXPECT_TRUE(chat->attachments()->pasteImage());
+        EXPECT_EQ(files->copies().size(), 1);
+    };
+    paste();
+    paste(); // in the first one's place
+    chat->clearPendingEditImage();
+    EXPECT_THAT(files->copies(), IsEmpty());
+    paste();
+    chat->createChat();
+    EXPECT_THAT(files->copies(), IsEmpty());
+    paste();
+    chat->setEditImage(u"https://s/other.png"_s, {});
+    EXPECT_THAT(files->copies(), IsEmpty());
+    // One that did not go up can be sent again, whatever else is edited meanwhile.
+    paste();
+    const QString pasted = chat->pendingEditImageUrl();
+    ask(u"поправь"_s);
+    uploadAnswers("{}", 500);
+    end();
+    chat->setEditImage(pasted, {});
+    chat->clearPendingEditImage();
+    EXPECT_EQ(files->copies().size(), 1);
+}
+
 TEST_F(ConversationToolsTest, WhatIsNotAcceptedSaysSo) {
     auto* attachments = chat->attachments();
     attachments->addFiles({makeFile(u"a.mp3"_s)});
