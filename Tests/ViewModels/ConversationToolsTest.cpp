@@ -33,7 +33,7 @@ protected:
             else if (const auto* file = block.as<MessageContent::File>())
                 parts.append(u"file-"_s + file->url);
             else if (const auto* artifact = block.as<Artifact>())
-                parts.append(u"artifact-"_s + artifact->text);
+                parts.append(u"artifact-"_s + artifact->text.toString());
         }
         return parts.join(u' ');
     }
@@ -205,7 +205,7 @@ TEST_F(ConversationToolsTest, ALongArtifactGrowsInStepsAndIsSeenGrowing) {
         toolArgs(u"artifact"_s, {{"text", u"строка %1\n"_s.arg(i)}});
     virtualTime.advance(80ms);
     EXPECT_LT(changes, 5);
-    EXPECT_TRUE(chat->artifacts()->text().endsWith(u"строка 999\n"_s));
+    EXPECT_TRUE(chat->artifacts()->artifact().text.view().endsWith(u"строка 999\n"_s));
     EXPECT_TRUE(chat->artifacts()->isGenerating());
     EXPECT_EQ(chat->artifacts()->kindLabel(), u"Markdown"_s);
     EXPECT_EQ(chat->artifacts()->shownArtifactId(), u"a1"_s);

@@ -5,6 +5,7 @@
 #include "Pipeline/StreamingDocument.h"
 
 #include "Chat/MessageHandle.h"
+#include "SharedText.h"
 
 #include <QAbstractListModel>
 #include <QVariant>
@@ -17,7 +18,7 @@ namespace Korvi {
 class AnswerParts : public QAbstractListModel {
     Q_OBJECT
     QML_ELEMENT
-    // A MessageHandle, or a string: one text.
+    // A MessageHandle, or one text: a SharedText, or a string.
     Q_PROPERTY(QVariant content READ content WRITE setContent NOTIFY contentChanged)
     Q_PROPERTY(bool isStreaming READ isStreaming WRITE setStreaming NOTIFY isStreamingChanged)
     Q_PROPERTY(int count READ count NOTIFY countChanged)
@@ -37,8 +38,8 @@ public:
         TableRole,                   // "table", MarkdownTable
         UrlRole,                     // "url", string, of images, videos, music and files
         AltRole,                     // "alt", string, of an image
-        FilenameRole,                // "filename", string, of a file
-        MimetypeRole,                // "mimetype", string, of a file
+        FilenameRole,                // "filename", string, of files and music
+        MimetypeRole,                // "mimetype", string, of files and music
         QueryRole,                   // "query", string, of a search that is under way
         WhatRole,                    // "what", string: what is generated
         BlockRole,                   // "block", MessageContent, of what is no text
@@ -104,6 +105,7 @@ private:
     enum class Edge { top, bottom };
 
     void take(const std::vector<const MessageContent*>& blocks);
+    void take(const SharedText& text);
     void rebuild(const Begin& begin);
     qsizetype charactersKept(const Begin& begin) const;
     void appendSegment(std::vector<Part>& parts, int source, int segment, int firstParagraph, qsizetype from) const;
@@ -119,6 +121,7 @@ private:
     QString separatorAbove(int row) const;
 
     QVariant m_content;
+    SharedText m_text; // where that is one
     std::vector<Source> m_sources;
     std::vector<Part> m_parts;
     QString m_beginning;
