@@ -87,7 +87,7 @@ struct Typesetter::Run : std::enable_shared_from_this<Run> {
     Engine engine;
     std::function<void(Typeset)> onEnd;
     std::shared_ptr<std::size_t> running;
-    std::chrono::seconds time;
+    std::chrono::steady_clock::time_point deadline;
     ScratchFolder folder;
     std::shared_ptr<void> child;
     int passes = 0;
@@ -98,7 +98,7 @@ struct Typesetter::Run : std::enable_shared_from_this<Run> {
         , engine(std::move(chosen))
         , onEnd(std::move(told))
         , running(std::move(count))
-        , time(limit) {
+        , deadline(std::chrono::steady_clock::now() + limit) {
         ++*running;
     }
     ~Run() { --*running; }
@@ -117,7 +117,8 @@ struct Typesetter::Run : std::enable_shared_from_this<Run> {
             "openin_any=p", "openout_any=p", "shell_escape=f", "max_print_line=1000", "LC_ALL=C.UTF-8"};
         command.folder = folder.path();
         command.readable = {engine.tree};
-        command.time = time;
+        const auto left = deadline - std::chrono::steady_clock::now();
+        command.time = std::max(std::chrono::seconds(1), std::chrono::ceil<std::chrono::seconds>(left));
         // A pass must not keep the handle alive that owns it.
         child = runChild(io, command, [weak = weak_from_this()](ChildEnd end) {
             if (const auto self = weak.lock())

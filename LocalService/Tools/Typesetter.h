@@ -24,8 +24,8 @@ struct Typeset {
 /// only its own settings do, and an engine that has a language to program in is not used.
 class Typesetter {
 public:
-    /// `time` for one pass; a document may take three.
-    explicit Typesetter(asio::io_context& io, std::chrono::seconds time = std::chrono::seconds(30));
+    /// `time` for all passes of a document, of which there may be three: less than a client waits.
+    explicit Typesetter(asio::io_context& io, std::chrono::seconds time = std::chrono::seconds(50));
 
     bool isAvailable() const { return !engines_.empty(); }
     /// A fragment without a document class is put into one. Dropping the handle stops it.

@@ -15,7 +15,7 @@ Artifact Artifact::fromJson(const JsonReader& json) {
 }
 
 QJsonObject Artifact::toJson() const {
-    QJsonObject object{{"id"_L1, id}, {"title"_L1, title}, {"kind"_L1, kind}, {"text"_L1, text}};
+    QJsonObject object{{"id"_L1, id}, {"title"_L1, title}, {"kind"_L1, kind}, {"text"_L1, text.toString()}};
     insertIfPresent(object, "version"_L1, version);
     return object;
 }

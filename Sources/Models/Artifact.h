@@ -1,6 +1,7 @@
 #pragma once
 
 #include "JsonReader.h"
+#include "SharedText.h"
 
 namespace Korvi {
 
@@ -9,7 +10,7 @@ struct Artifact {
     QString id;
     QString title;
     QString kind;
-    QString text;
+    SharedText text;
     std::optional<qint64> version;
 
     static Artifact fromJson(const JsonReader& json);

@@ -242,13 +242,13 @@ TEST_F(Tools, AnArtifactIsReadWhileItIsWrittenThenShownAndSaved) {
     ASSERT_TRUE(waitFor([&] { return !preview->frame().isNull(); }));
     // The page hears of the keyboard: its first button is reached and pressed.
     m_person->click(u"copyArtifact"_s);
-    EXPECT_EQ(QGuiApplication::clipboard()->text(), artifact.text());
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), artifact.artifact().text.toString());
 
     ASSERT_TRUE(m_person->tabTo(u"saveArtifact"_s));
     m_person->press(Qt::Key_Return);
     const QString path = m_person->downloads() + u"/Счётчик.html"_s;
     ASSERT_TRUE(m_person->saveAs(u"Счётчик.html"_s));
-    EXPECT_TRUE(waitFor([&] { return contentOf(path) == artifact.text().toUtf8(); }));
+    EXPECT_TRUE(waitFor([&] { return contentOf(path) == artifact.artifact().text.toString().toUtf8(); }));
 
     m_person->click(u"pdfButton"_s);
     ASSERT_TRUE(m_person->waitToSee(u"shareSheet"_s, 30s));

@@ -33,7 +33,7 @@ protected:
             else if (const auto* file = block.as<MessageContent::File>())
                 parts.append(u"file-"_s + file->url);
             else if (const auto* artifact = block.as<Artifact>())
-                parts.append(u"artifact-"_s + artifact->text);
+                parts.append(u"artifact-"_s + artifact->text.toString());
         }
         return parts.join(u' ');
     }
@@ -205,7 +205,7 @@ TEST_F(ConversationToolsTest, ALongArtifactGrowsInStepsAndIsSeenGrowing) {
         toolArgs(u"artifact"_s, {{"text", u"строка %1\n"_s.arg(i)}});
     virtualTime.advance(80ms);
     EXPECT_LT(changes, 5);
-    EXPECT_TRUE(chat->artifacts()->text().endsWith(u"строка 999\n"_s));
+    EXPECT_TRUE(chat->artifacts()->artifact().text.view().endsWith(u"строка 999\n"_s));
     EXPECT_TRUE(chat->artifacts()->isGenerating());
     EXPECT_EQ(chat->artifacts()->kindLabel(), u"Markdown"_s);
     EXPECT_EQ(chat->artifacts()->shownArtifactId(), u"a1"_s);
@@ -435,6 +435,33 @@ TEST_F(ConversationToolsTest, APastedImageIsUploadedBeforeItIsSent) {
     uploadAnswers(R"({"url":"https://s/a"})");
     EXPECT_EQ(lastContent().first().toObject()["imageUrl"], u"https://s/a"_s);
     EXPECT_EQ(told(chat->messages()->messages().front()), u"image-https://s/a \"начало\""_s);
+}
+
+TEST_F(ConversationToolsTest, APastedImageThatIsNotSentIsNotKept) {
+    const auto paste = [&] {
+        files->clipboard.picture = QImage(2, 2, QImage::Format_RGB32);
+        EXPECT_TRUE(chat->attachments()->pasteImage());
+        EXPECT_EQ(files->copies().size(), 1);
+    };
+    paste();
+    paste(); // in the first one's place
+    chat->clearPendingEditImage();
+    EXPECT_THAT(files->copies(), IsEmpty());
+    paste();
+    chat->createChat();
+    EXPECT_THAT(files->copies(), IsEmpty());
+    paste();
+    chat->setEditImage(u"https://s/other.png"_s, {});
+    EXPECT_THAT(files->copies(), IsEmpty());
+    // One that did not go up can be sent again, whatever else is edited meanwhile.
+    paste();
+    const QString pasted = chat->pendingEditImageUrl();
+    ask(u"поправь"_s);
+    uploadAnswers("{}", 500);
+    end();
+    chat->setEditImage(pasted, {});
+    chat->clearPendingEditImage();
+    EXPECT_EQ(files->copies().size(), 1);
 }
 
 TEST_F(ConversationToolsTest, WhatIsNotAcceptedSaysSo) {

@@ -40,7 +40,7 @@ QString told(const ChatMessage& answer) {
             parts.append(u"file("_s + file->url + u' ' + file->filename + u' ' + file->mimetype + u')');
         else if (const auto* artifact = block.as<Artifact>())
             parts.append(u"artifact("_s + artifact->id.left(5) + u' ' + artifact->kind + u' ' + artifact->title + u' ' +
-                artifact->text + u')');
+                artifact->text.toString() + u')');
     }
     return parts.join(u' ');
 }

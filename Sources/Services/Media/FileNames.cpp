@@ -124,16 +124,4 @@ QString fileKind(const QString& name, const QString& mimetype) {
     return type != types.end() ? type->kind.toString() : u"Файл"_s;
 }
 
-QString fileSize(qint64 bytes) {
-    constexpr QStringView units[] = {u"Б", u"КБ", u"МБ", u"ГБ"};
-    double size = static_cast<double>(std::max<qint64>(0, bytes));
-    std::size_t unit = 0;
-    while (size >= 1000 && unit + 1 < std::size(units)) {
-        size /= 1000;
-        ++unit;
-    }
-    const int digits = unit == 0 || size >= 100 ? 0 : 1;
-    return QLocale(QLocale::Russian).toString(size, 'f', digits) + u'\u00a0' + units[unit].toString();
-}
-
 }

@@ -18,7 +18,4 @@ bool mayStartSomething(const QString& name);
 // "PDF", "ZIP", "Текст" ...: what a reader is told of a file. Told from the name, then from the type.
 QString fileKind(const QString& name, const QString& mimetype);
 
-// "812 Б", "1,2 МБ"
-QString fileSize(qint64 bytes);
-
 }

@@ -70,9 +70,9 @@ bool ArtifactDraft::applyTo(Artifact& artifact) {
     if (!m_hasNewText)
         return isChanged;
     if (m_replacesText) {
-        isChanged = assign(artifact.text, m_newText) || isChanged;
+        isChanged = assign(artifact.text, SharedText(m_newText)) || isChanged;
     } else if (!m_newText.isEmpty()) {
-        artifact.text += m_newText;
+        artifact.text.append(m_newText);
         isChanged = true;
     }
     m_replacesText = false;

@@ -57,7 +57,7 @@ Task<void> ArtifactExport::make(Artifact artifact, qint64 chatId) {
         const QString kind = artifact.kind.toLower();
         if (kind != "latex"_L1) {
             const QString title = artifact.title;
-            const QString text = artifact.text;
+            const QString text = artifact.text.toString();
             bytes = co_await m_dependencies.printer.print(kind, title, text);
         } else if (chatId < 0) {
             qCWarning(lcExport) << "❌ [ArtifactPDF] No active chat ID for LaTeX PDF";

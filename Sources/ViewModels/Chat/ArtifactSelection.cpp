@@ -43,12 +43,7 @@ void ArtifactSelection::look() {
         return;
     const Artifact* found = ArtifactFinder::find(m_messages.messages(), m_id);
     const bool isGenerating = found && m_isAnswerRunning && ArtifactFinder::isInLast(m_messages.messages(), found->id);
-    // Equal texts share their data when nothing has changed: then comparing them costs nothing.
-    const bool isSame = !found ||
-        (found->id == m_artifact.id && found->title == m_artifact.title && found->kind == m_artifact.kind &&
-            found->version == m_artifact.version && found->text.constData() == m_artifact.text.constData() &&
-            found->text.size() == m_artifact.text.size());
-    if (isSame && isGenerating == m_isGenerating)
+    if ((!found || *found == m_artifact) && isGenerating == m_isGenerating)
         return;
     if (found)
         m_artifact = *found;

@@ -3,6 +3,7 @@
 #include "Artifact.h"
 
 #include <QObject>
+#include <QVariant>
 #include <QtQml/qqmlregistration.h>
 
 namespace Korvi {
@@ -22,7 +23,8 @@ class ArtifactSelection : public QObject {
     Q_PROPERTY(QString title READ title NOTIFY changed)
     Q_PROPERTY(QString kind READ kind NOTIFY changed)
     Q_PROPERTY(QString kindLabel READ kindLabel NOTIFY changed)
-    Q_PROPERTY(QString text READ text NOTIFY changed)
+    // A SharedText: the parts that show it take what is new of it.
+    Q_PROPERTY(QVariant text READ text NOTIFY changed)
     Q_PROPERTY(bool isGenerating READ isGenerating NOTIFY changed)
 
 public:
@@ -36,7 +38,7 @@ public:
     QString title() const { return m_artifact.title; }
     QString kind() const { return m_artifact.kind; }
     QString kindLabel() const;
-    QString text() const { return m_artifact.text; }
+    QVariant text() const { return QVariant::fromValue(m_artifact.text); }
     bool isGenerating() const { return m_isGenerating; }
 
     // The open conversation's answer is running.

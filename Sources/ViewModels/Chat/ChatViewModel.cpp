@@ -195,9 +195,16 @@ void ChatViewModel::setEditImage(const QString& url, const QString& prompt) {
         qCWarning(lcChat) << "❌ [ChatViewModel] A local file is not an image to be edited";
         return;
     }
-    m_input.setEditImageUrl(url);
+    replaceEditImage(url);
     m_input.setText(prompt);
     emit inputFocusRequested();
+}
+
+void ChatViewModel::replaceEditImage(const std::optional<QString>& url) {
+    const auto before = m_input.editImageUrl();
+    m_input.setEditImageUrl(url);
+    if (before && before != url)
+        attachments()->discardPasted(QUrl(*before));
 }
 
 void ChatViewModel::takeBackQuestion(const QString& text) {
@@ -218,7 +225,7 @@ void ChatViewModel::createChat() {
         m_input.leaveIn(m_activeChat->id);
     openConversation(std::nullopt);
     m_input.setText({});
-    m_input.setEditImageUrl(std::nullopt);
+    replaceEditImage(std::nullopt);
     m_activeProjectId.reset();
     m_activeProjectName.reset();
     emit inputFocusRequested();

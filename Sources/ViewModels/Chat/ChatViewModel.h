@@ -126,7 +126,7 @@ public:
 
     Q_INVOKABLE void chooseModel(const QString& id);
     Q_INVOKABLE void setEditImage(const QString& url, const QString& prompt);
-    Q_INVOKABLE void clearPendingEditImage() { m_input.setEditImageUrl(std::nullopt); }
+    Q_INVOKABLE void clearPendingEditImage() { replaceEditImage(std::nullopt); }
 
     // The application has come back to the front, or the machine from its sleep: what became of the answer?
     void recoverFromBackground() {
@@ -217,6 +217,7 @@ signals:
 private:
     void send(const QString& text, const std::optional<QString>& editImageUrl,
         std::vector<ChatFileAttachment> attachments = {});
+    void replaceEditImage(const std::optional<QString>& url); // the file of a pasted one that goes is removed
     void toolStateChanged();
     ChatRecovery::Completed completedInOtherChat() const {
         return m_recovery.completedInOtherChat().value_or(ChatRecovery::Completed());

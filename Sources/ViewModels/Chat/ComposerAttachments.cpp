@@ -179,6 +179,11 @@ Task<void> ComposerAttachments::keepPasted(QImage image) {
         m_fileValidationError = notKept;
 }
 
+void ComposerAttachments::discardPasted(const QUrl& image) {
+    if (!isListed(image))
+        m_dependencies.intake.discard(image);
+}
+
 // The way to the service
 
 std::vector<ChatFileAttachment> ComposerAttachments::takePending() {
@@ -240,12 +245,16 @@ std::optional<ChatFileAttachment> ComposerAttachments::takeFailed(const QUrl& lo
     return again;
 }
 
-bool ComposerAttachments::isOurs(const QUrl& localURL) const {
+bool ComposerAttachments::isListed(const QUrl& localURL) const {
     const auto isIn = [&](const AttachmentListModel& list) {
         return std::ranges::any_of(
             list.attachments(), [&](const ChatFileAttachment& each) { return each.localURL == localURL; });
     };
-    return m_dependencies.intake.owns(localURL) || isIn(m_uploading) || isIn(m_failed) || isIn(m_pending);
+    return isIn(m_uploading) || isIn(m_failed) || isIn(m_pending);
+}
+
+bool ComposerAttachments::isOurs(const QUrl& localURL) const {
+    return m_dependencies.intake.owns(localURL) || isListed(localURL);
 }
 
 bool ComposerAttachments::retry(const QUrl& localURL) {

@@ -74,6 +74,8 @@ public:
     // Whether the image was pasted here. No other local file may be uploaded as an image to be edited: the address may
     // have come with an answer.
     bool isPasted(const QUrl& image) const { return m_dependencies.intake.owns(image); }
+    // A pasted image that goes with no message. One that waits elsewhere, or is on its way, stays.
+    void discardPasted(const QUrl& image);
     // The attachments that go with the message that is sent now.
     std::vector<ChatFileAttachment> takePending();
     // What was taken for a message that does not go: it waits again.
@@ -103,6 +105,7 @@ signals:
     void imagePasted(const QUrl& image); // a file of our own
 
 private:
+    bool isListed(const QUrl& localURL) const; // it waits, is on its way, or has failed
     Task<void> addAll(QList<QUrl> files);
     Task<void> addImage(QByteArray data, QString type);
     Task<void> keepPasted(QImage image);

@@ -3,6 +3,7 @@
 #include "Desktop.h"
 #include "FileTransfer.h"
 #include "Media/FileNames.h"
+#include "SupportedFileTypes.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -96,7 +97,7 @@ Task<void> FileDownload::bring(QString path, Then then) {
         const QUrl url = m_url;
         const TransferProgress progress = [this](qint64 received, qint64 total) {
             m_progress = total > 0 ? static_cast<double>(received) / static_cast<double>(total) : -1;
-            m_size = fileSize(total > 0 ? total : received);
+            m_size = SupportedFileTypes::byteCount(total > 0 ? total : received);
         };
         co_await m_transfer.download(url, path, progress);
         m_isRunning = false;
@@ -108,7 +109,7 @@ Task<void> FileDownload::bring(QString path, Then then) {
 }
 
 void FileDownload::done(const QString& path, Then then) {
-    m_size = fileSize(QFileInfo(path).size());
+    m_size = SupportedFileTypes::byteCount(QFileInfo(path).size());
     if (then == Then::open || then == Then::play)
         m_fetchedPath = path;
     else

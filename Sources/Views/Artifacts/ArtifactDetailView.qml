@@ -8,7 +8,7 @@ FocusScope {
     required property string artifactId
     required property string title
     required property string kindName
-    required property string text
+    required property var text // a SharedText, or a string
     required property bool isGenerating
     property bool isDownloadingPDF: false
     property string pdfURL // the path of the file; empty without one
@@ -35,9 +35,13 @@ FocusScope {
 
     Keys.onEscapePressed: closed()
     Keys.onPressed: event => {
-        event.accepted = event.matches(StandardKey.Save)
-        if (event.accepted)
+        if (event.matches(StandardKey.Save))
             saveWanted(fileName)
+        else if (event.key === Qt.Key_F6)
+            (body.activeFocus ? header : body).forceActiveFocus(Qt.TabFocusReason)
+        else
+            return
+        event.accepted = true
     }
     // Another document begins as it looks.
     onArtifactIdChanged: tab = "preview"
@@ -63,7 +67,7 @@ FocusScope {
         width: parent.width
 
         onClosed: view.closed()
-        onCopyWanted: view.copyWanted(view.text)
+        onCopyWanted: view.copyWanted(String(view.text))
         onPdfWanted: view.pdfWanted()
         onSaveWanted: view.saveWanted(view.fileName)
         onTabChosen: tab => view.tab = tab

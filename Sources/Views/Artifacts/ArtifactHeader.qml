@@ -1,7 +1,7 @@
 import QtQuick
 
 // Above a document: what it is, how it is looked at, what can be done with it.
-Item {
+FocusScope {
     id: header
 
     required property string title
@@ -58,6 +58,7 @@ Item {
             anchors.verticalCenter: parent.verticalCenter
 
             CopyButton {
+                focus: true
                 implicitHeight: Theme.rowHeight
                 implicitWidth: Theme.rowHeight
                 objectName: "copyArtifact"

@@ -5,7 +5,7 @@ import Korvi.Views // the types written in C++
 FocusScope {
     id: page
 
-    property string text
+    property var text: "" // a SharedText, or a string
     property string kindName
     property bool isGenerating: false
     property bool showsPreview: true
@@ -26,7 +26,7 @@ FocusScope {
         focus: true
         kind: page.kindName
         objectName: "preview"
-        text: page.text
+        text: String(page.text)
         visible: status === ArtifactPreview.Ready
     }
     Spinner {

@@ -42,7 +42,7 @@ FocusScope {
     SaveQuestion {
         id: question
 
-        onAnswered: file => panel.files.saveText(file, panel.artifacts.text)
+        onAnswered: file => panel.files.saveText(file, String(panel.artifacts.text))
     }
     SaveQuestion {
         id: pdfQuestion

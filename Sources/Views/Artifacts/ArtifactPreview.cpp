@@ -232,7 +232,7 @@ void ArtifactPreview::sendKey(const char* type, QKeyEvent* event) {
 void ArtifactPreview::keyPressEvent(QKeyEvent* event) {
     // The ways out stay the client's: closing, and going on to what stands beside.
     const bool isOurs = event->key() == Qt::Key_Escape || event->key() == Qt::Key_Tab ||
-        event->key() == Qt::Key_Backtab || event->modifiers() & Qt::ControlModifier;
+        event->key() == Qt::Key_Backtab || event->key() == Qt::Key_F6 || event->modifiers() & Qt::ControlModifier;
     event->setAccepted(!isOurs);
     if (!isOurs)
         sendKey("keyPress", event);

@@ -7,7 +7,7 @@ import Korvi.Views // the types written in C++
 Flickable {
     id: area
 
-    property string text
+    property var text: "" // a SharedText, or a string
     property string kindName
     property bool isGenerating: false
     property bool showsPreview: false
@@ -107,8 +107,8 @@ Flickable {
 
         // qmllint disable unqualified
         AdvancedMarkdownText {
+            content: area.text
             isStreaming: area.isGenerating
-            text: area.text
 
             onCopyWanted: text => area.copyWanted(text)
             onDiagramWanted: code => viewers.showDiagram(code)
@@ -120,7 +120,7 @@ Flickable {
 
         // qmllint disable unqualified
         MermaidView {
-            code: area.text
+            code: String(area.text)
 
             onCopyWanted: text => area.copyWanted(text)
             onEnlargeWanted: code => viewers.showDiagram(code)

@@ -4,10 +4,10 @@
 
 namespace Korvi {
 
-void TextParts::setText(const QString& text) {
+void TextParts::show(const SharedText& text) {
     if (text == m_text)
         return;
-    const bool grew = !m_text.isEmpty() && text.startsWith(m_text);
+    const bool grew = !m_text.isEmpty() && text.continues(m_text);
     m_text = text;
     if (grew) {
         const int last = count() - 1;
@@ -30,16 +30,17 @@ void TextParts::setText(const QString& text) {
 qsizetype TextParts::endOfPart(qsizetype start) const {
     if (m_text.size() - start <= partLength)
         return m_text.size();
-    const qsizetype lineFeed = m_text.indexOf(u'\n', start + partLength);
+    const QStringView text = m_text.view();
+    const qsizetype lineFeed = text.indexOf(u'\n', start + partLength);
     if (lineFeed >= 0 && lineFeed - start <= longestPart)
         return lineFeed;
     if (m_text.size() - start <= longestPart)
         return m_text.size();
-    const qsizetype space = m_text.lastIndexOf(u' ', start + longestPart);
+    const qsizetype space = text.lastIndexOf(u' ', start + longestPart);
     if (space > start)
         return space;
     // Not between the two halves of a character.
-    return start + longestPart - (m_text.at(start + longestPart).isLowSurrogate() ? 1 : 0);
+    return start + longestPart - (text.at(start + longestPart).isLowSurrogate() ? 1 : 0);
 }
 
 std::vector<qsizetype> TextParts::startsFrom(qsizetype start) const {
@@ -48,14 +49,14 @@ std::vector<qsizetype> TextParts::startsFrom(qsizetype start) const {
         const qsizetype end = endOfPart(starts.back());
         if (end >= m_text.size())
             return starts;
-        const QChar border = m_text.at(end);
+        const QChar border = m_text.view().at(end);
         starts.push_back(border == u'\n' || border == u' ' ? end + 1 : end);
     }
 }
 
 QString TextParts::part(int row) const {
     const qsizetype start = m_starts[static_cast<std::size_t>(row)];
-    return m_text.sliced(start, endOfPart(start) - start);
+    return m_text.view().sliced(start, endOfPart(start) - start).toString();
 }
 
 QString TextParts::between(int firstPart, int from, int lastPart, int to) const {
@@ -63,7 +64,11 @@ QString TextParts::between(int firstPart, int from, int lastPart, int to) const 
         return {};
     const qsizetype start = m_starts[static_cast<std::size_t>(firstPart)] + from;
     const qsizetype end = m_starts[static_cast<std::size_t>(lastPart)] + to;
-    return m_text.mid(start, std::max<qsizetype>(0, end - start));
+    return m_text.view().mid(start, std::max<qsizetype>(0, end - start)).toString();
+}
+
+QString TextParts::slice(int from, int to) const {
+    return m_text.view().mid(from, std::max(0, to - from)).toString();
 }
 
 int TextParts::lengthOf(int row) const {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "SharedText.h"
+
 #include <QAbstractListModel>
 #include <QtQml/qqmlregistration.h>
 
@@ -12,6 +14,7 @@ class TextParts : public QAbstractListModel {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(QString text READ text WRITE setText NOTIFY textChanged)
+    Q_PROPERTY(int length READ length NOTIFY textChanged)
     Q_PROPERTY(int count READ count NOTIFY countChanged)
 
 public:
@@ -25,8 +28,12 @@ public:
 
     using QAbstractListModel::QAbstractListModel;
 
-    QString text() const { return m_text; }
-    void setText(const QString& text);
+    QString text() const { return m_text.toString(); }
+    void setText(const QString& text) { show(m_text.becoming(text)); }
+    const SharedText& shown() const { return m_text; }
+    void show(const SharedText& text);
+    int length() const { return static_cast<int>(m_text.size()); }
+    Q_INVOKABLE QString slice(int from, int to) const;
     int count() const { return static_cast<int>(m_starts.size()); }
 
     // The text from a character of one part up to a character of the same or a later one.
@@ -50,7 +57,7 @@ private:
     std::vector<qsizetype> startsFrom(qsizetype start) const;
     QString part(int row) const;
 
-    QString m_text;
+    SharedText m_text;
     std::vector<qsizetype> m_starts; // of the parts in the text
 };
 

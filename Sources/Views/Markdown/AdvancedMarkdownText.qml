@@ -201,6 +201,13 @@ Item {
                 }
             },
             PartKind {
+                name: "music"
+
+                FilePart {
+                    context: view.context
+                }
+            },
+            PartKind {
                 name: "artifact"
 
                 ArtifactPart {

@@ -7,6 +7,7 @@
 #include "Pipeline/TableText.h"
 
 #include <QSet>
+#include <QUrl>
 
 #include <algorithm>
 #include <limits>
@@ -81,8 +82,16 @@ QVariant dataOf(const MessageContent& block, int role) {
                                             : QVariant();
     if (const auto* video = block.as<MessageContent::Video>())
         return role == AnswerParts::UrlRole ? QVariant(video->url) : QVariant();
-    if (const auto* music = block.as<MessageContent::Music>())
-        return role == AnswerParts::UrlRole ? QVariant(music->url) : QVariant();
+    // A file that nobody has named.
+    if (const auto* music = block.as<MessageContent::Music>()) {
+        const QString name = QUrl(music->url).fileName();
+        switch (role) {
+        case AnswerParts::UrlRole: return music->url;
+        case AnswerParts::FilenameRole: return name.isEmpty() ? QStringLiteral("Музыка") : name;
+        case AnswerParts::MimetypeRole: return QStringLiteral("audio/mpeg");
+        default: return {};
+        }
+    }
     if (const auto* file = block.as<MessageContent::File>()) {
         switch (role) {
         case AnswerParts::UrlRole: return file->url;
@@ -128,9 +137,9 @@ bool AnswerParts::Part::isOfSame(const Part& other) const {
 
 void AnswerParts::setContent(const QVariant& content) {
     m_content = content;
-    std::vector<const MessageContent*> blocks;
-    MessageContent whole;
     if (content.canConvert<MessageHandle>()) {
+        m_text = {};
+        std::vector<const MessageContent*> blocks;
         const ChatMessage* message = content.value<MessageHandle>().message();
         if (message && message->content) {
             for (const MessageContent& block : *message->content) {
@@ -139,12 +148,27 @@ void AnswerParts::setContent(const QVariant& content) {
                     blocks.push_back(&block);
             }
         }
-    } else if (const QString text = content.toString(); !text.isEmpty()) {
-        whole.value = MessageContent::Text{text};
-        blocks.push_back(&whole);
+        take(blocks);
+    } else {
+        take(m_text.becoming(content));
     }
-    take(blocks);
     emit contentChanged();
+}
+
+void AnswerParts::take(const SharedText& text) {
+    const SharedText before = std::exchange(m_text, text);
+    if (!before.isEmpty() && text.continues(before)) {
+        const Markdown::Change change = m_sources.front().document->append(text.view().sliced(before.size()));
+        if (change.removed || change.added || change.continues)
+            rebuild({0, change});
+        if (change.citationsChanged)
+            emit citationsChanged();
+    } else if (text.isEmpty()) {
+        take(std::vector<const MessageContent*>());
+    } else {
+        const MessageContent whole{MessageContent::Text{text.toString()}};
+        take(std::vector{&whole});
+    }
 }
 
 void AnswerParts::take(const std::vector<const MessageContent*>& blocks) {

@@ -6,6 +6,7 @@
 #include "Pipeline/StreamingDocument.h"
 
 #include "Chat/MessageHandle.h"
+#include "SharedText.h"
 
 #include <QAbstractListModel>
 #include <QVariant>
@@ -18,7 +19,7 @@ namespace Korvi {
 class AnswerParts : public QAbstractListModel {
     Q_OBJECT
     QML_ELEMENT
-    // A MessageHandle, or a string: one text.
+    // A MessageHandle, or one text: a SharedText, or a string.
     Q_PROPERTY(QVariant content READ content WRITE setContent NOTIFY contentChanged)
     Q_PROPERTY(bool isStreaming READ isStreaming WRITE setStreaming NOTIFY isStreamingChanged)
     Q_PROPERTY(int count READ count NOTIFY countChanged)
@@ -38,8 +39,8 @@ public:
         TableRole,                   // "table", MarkdownTable
         UrlRole,                     // "url", string, of images, videos, music and files
         AltRole,                     // "alt", string, of an image
-        FilenameRole,                // "filename", string, of a file
-        MimetypeRole,                // "mimetype", string, of a file
+        FilenameRole,                // "filename", string, of files and music
+        MimetypeRole,                // "mimetype", string, of files and music
         QueryRole,                   // "query", string, of a search that is under way
         WhatRole,                    // "what", string: what is generated
         BlockRole,                   // "block", MessageContent, of what is no text
@@ -105,6 +106,7 @@ private:
     enum class Edge { top, bottom };
 
     void take(const std::vector<const MessageContent*>& blocks);
+    void take(const SharedText& text);
     void rebuild(const Begin& begin);
     qsizetype charactersKept(const Begin& begin) const;
     void appendSegment(std::vector<Part>& parts, int source, int segment, int firstParagraph, qsizetype from);
@@ -121,6 +123,7 @@ private:
     QString separatorAbove(int row) const;
 
     QVariant m_content;
+    SharedText m_text; // where that is one
     std::vector<Source> m_sources;
     std::vector<Part> m_parts;
     mutable std::optional<LongParagraph> m_long; // the last one that was looked at

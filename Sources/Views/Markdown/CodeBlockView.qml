@@ -6,7 +6,7 @@ import Korvi.Views // the types written in C++
 Item {
     id: view
 
-    required property string code
+    required property var code // a SharedText, or a string
     property string language: ""
     property bool isOpen: false // more may come
     property bool wraps: false
@@ -17,10 +17,10 @@ Item {
     property int selectionEnd: 0
     readonly property bool selectionSpansParts: codeParts.partOf(selectionStart) !== codeParts.partOf(selectionEnd)
     readonly property string selectedText: {
-        codeParts.text
+        codeParts.length
         return between(selectionStart, selectionEnd)
     }
-    readonly property int length: codeParts.text.length
+    readonly property int length: codeParts.length
     readonly property CodePart caretPart: {
         const part = Window.activeFocusItem as CodePart
         return part?.parts === codeParts && part.hasCaret ? part : null
@@ -36,7 +36,7 @@ Item {
     signal caretLeaving(int direction, bool selecting) // over the beginning (-1) or the end (1)
 
     function between(from: int, to: int): string {
-        return codeParts.text.slice(from, to)
+        return codeParts.slice(from, to)
     }
 
     function select(from: int, to: int): void {
@@ -78,7 +78,7 @@ Item {
     }
 
     function sourceAt(x: real, y: real): var {
-        return { kind: "code", text: code }
+        return { kind: "code", text: String(code) }
     }
 
     function takeFocus(): void {
@@ -151,7 +151,7 @@ Item {
         width: parent.width
         wraps: view.wraps
 
-        onCopyWanted: view.copyWanted(view.code)
+        onCopyWanted: view.copyWanted(String(view.code))
         onWrapToggled: {
             view.wraps = !view.wraps
             view.kept.wraps = view.wraps

@@ -35,21 +35,27 @@ bool isWide(QChar unit) {
 
 }
 
-void CodeParts::setCode(const QString& code) {
+void CodeParts::setCode(const QVariant& value) {
+    const SharedText code = m_code.becoming(value);
     if (code == m_code)
         return;
-    const bool grew = !m_code.isEmpty() && code.startsWith(m_code);
-    const QStringView added = grew ? QStringView(code).sliced(m_code.size()) : QStringView(code);
-    const QString shown = asShown(added, grew ? m_code.back() : QChar());
+    const bool grew = !m_code.isEmpty() && code.continues(m_code);
+    const QStringView added = grew ? code.view().sliced(m_code.size()) : code.view();
+    const QString addedShown = asShown(added, grew ? m_code.view().back() : QChar());
     if (!grew) {
         m_colouring = CodeColouring(m_language);
         m_columns = m_lastColumns = 0;
         m_isShownAsIs = true;
     }
-    m_isShownAsIs = m_isShownAsIs && shown == added;
+    m_isShownAsIs = m_isShownAsIs && addedShown == added;
+    SharedText text = m_isShownAsIs ? code : grew ? shown() : SharedText();
+    if (!m_isShownAsIs)
+        text.append(addedShown);
     m_code = code;
-    measure(shown);
-    show(m_isShownAsIs ? code : grew ? text() + shown : shown);
+    measure(addedShown);
+    if (m_isComplete)
+        colour(text.view()); // before the parts ask for it
+    show(text);
     emit codeChanged();
 }
 
@@ -59,7 +65,7 @@ void CodeParts::setLanguage(const QString& language) {
     m_language = language;
     m_colouring = CodeColouring(m_language);
     if (m_isComplete) {
-        colour(text());
+        colour(shown().view());
         emit recoloured(0);
     }
     emit languageChanged();
@@ -70,25 +76,19 @@ void CodeParts::setOpen(bool open) {
         return;
     m_isOpen = open;
     if (m_isComplete)
-        colour(text());
+        colour(shown().view());
     emit isOpenChanged();
 }
 
 void CodeParts::componentComplete() {
     m_isComplete = true;
-    colour(text());
+    colour(shown().view());
 }
 
-void CodeParts::show(const QString& shown) {
-    if (m_isComplete)
-        colour(shown); // before the parts ask for it
-    setText(shown);
-}
-
-void CodeParts::colour(const QString& shown) {
+void CodeParts::colour(QStringView text) {
     const auto extent = m_isOpen ? CodeColouring::Extent::wholeLines : CodeColouring::Extent::everything;
-    const qsizetype from = m_colouring.advance(shown, extent);
-    if (from < text().size())
+    const qsizetype from = m_colouring.advance(text, extent);
+    if (from < shown().size())
         emit recoloured(from);
 }
 

@@ -13,7 +13,7 @@ class CodeParts : public Korvi::TextParts, public QQmlParserStatus { // qualifie
     Q_OBJECT
     Q_INTERFACES(QQmlParserStatus)
     QML_ELEMENT
-    Q_PROPERTY(QString code READ code WRITE setCode NOTIFY codeChanged)
+    Q_PROPERTY(QVariant code READ code WRITE setCode NOTIFY codeChanged) // a SharedText, or a string
     Q_PROPERTY(QString language READ language WRITE setLanguage NOTIFY languageChanged)
     Q_PROPERTY(bool isOpen READ isOpen WRITE setOpen NOTIFY isOpenChanged)
     Q_PROPERTY(int columns READ columns NOTIFY columnsChanged) // of the longest line, roughly; wide characters are two
@@ -23,8 +23,8 @@ public:
 
     using TextParts::TextParts;
 
-    QString code() const { return m_code; }
-    void setCode(const QString& code);
+    QVariant code() const { return QVariant::fromValue(m_code); }
+    void setCode(const QVariant& code);
     QString language() const { return m_language; }
     void setLanguage(const QString& language);
     bool isOpen() const { return m_isOpen; }
@@ -47,15 +47,14 @@ signals:
     void recoloured(qsizetype from); // from there on, in the text as it was shown before
 
 private:
-    void show(const QString& text);
-    void colour(const QString& text);
+    void colour(QStringView text);
     void measure(QStringView added);
 
-    QString m_code;
+    SharedText m_code;
     QString m_language;
     bool m_isOpen = false;
     bool m_isComplete = true;
-    bool m_isShownAsIs = true; // the text is the code, which then is not kept twice
+    bool m_isShownAsIs = true; // the text is the code
     CodeColouring m_colouring;
     int m_columns = 0;
     int m_lastColumns = 0; // of the last line

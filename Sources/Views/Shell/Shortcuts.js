@@ -30,6 +30,7 @@ const groups = [
     {
         title: "Окно",
         rows: [
+            { keys: ["F6"], text: "Между документом и его кнопками" },
             { id: "settings", keys: ["Ctrl+,"], text: "Настройки" },
             { id: "shortcuts", keys: ["Ctrl+/"], text: "Сочетания клавиш" },
         ],

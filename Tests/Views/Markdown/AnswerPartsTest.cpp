@@ -1,4 +1,5 @@
 #include "Markdown/AnswerParts.h"
+#include "Markdown/CodeParts.h"
 #include "Markdown/MarkdownTable.h"
 #include "Markdown/ParagraphDocument.h"
 #include "Markdown/Pipeline/TableText.h"
@@ -151,9 +152,13 @@ TEST(AnswerParts, GrowthGivesTheRowsOfAFreshOneAndTellsAllOfIt) {
         AnswerParts parts;
         parts.setStreaming(true);
         Mirror mirror(parts);
+        const bool isShared = seed % 2 == 0; // with who writes it
+        SharedText shared;
         for (qsizetype to = 0; to < text.size();) {
+            const qsizetype from = to;
             to = std::min<qsizetype>(text.size(), to + 1 + static_cast<qsizetype>(dice() % 60));
-            parts.setContent(text.first(to));
+            shared.append(QStringView(text).sliced(from, to - from));
+            parts.setContent(isShared ? QVariant::fromValue(shared) : QVariant(text.first(to)));
             AnswerParts fresh;
             fresh.setStreaming(true);
             fresh.setContent(text.first(to));
@@ -321,6 +326,38 @@ TEST(AnswerParts, ShowsTheBlocksOfAMessageAsTheyComeAndGo) {
     });
     EXPECT_EQ(kinds(), u"text latex image text"_s);
     EXPECT_EQ(parts.markdown(), u"До\n\n$$x$$\nПосле"_s);
+    list.update(0, [](ChatMessage& shown) {
+        shown.content = std::vector<MessageContent>{{MessageContent::Music{u"https://example.org/a/песня.ogg?x=1"_s}}};
+        return true;
+    });
+    EXPECT_EQ(kinds(), u"music"_s);
+    EXPECT_EQ(parts.data(parts.index(0), AnswerParts::FilenameRole), u"песня.ogg"_s);
+}
+
+// Whatever ends its lines: what is shown is never made anew.
+TEST(CodeParts, GrowsWithTheTextThatItShares) {
+    SharedText code;
+    CodeParts parts;
+    parts.setOpen(true);
+    int resets = 0;
+    QObject::connect(&parts, &CodeParts::modelReset, [&] { ++resets; });
+    QString shown;
+    for (int line = 0; line < 600; ++line) {
+        const bool hasReturns = line > 300;
+        code.append(u"let a = %1;"_s.arg(line) + (hasReturns ? u"\r"_s : u""_s));
+        parts.setCode(QVariant::fromValue(code));
+        code.append(u"\n");
+        parts.setCode(QVariant::fromValue(code));
+        shown += u"let a = %1;\n"_s.arg(line);
+    }
+    EXPECT_EQ(parts.text(), shown);
+    EXPECT_EQ(resets, 1);
+    EXPECT_GT(parts.count(), 1);
+    EXPECT_EQ(parts.between(0, 0, parts.count() - 1, parts.lengthOf(parts.count() - 1)), shown);
+    EXPECT_EQ(parts.slice(4, 5), u"a"_s);
+    EXPECT_EQ(parts.code().toString(), code.toString());
+    parts.setCode(u"let a = 0;"_s);
+    EXPECT_EQ(parts.text(), u"let a = 0;"_s);
 }
 
 TEST(ParagraphDocument, GrownInAnyPiecesIsAsWrittenAtOnce) {
