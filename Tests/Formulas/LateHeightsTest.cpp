@@ -120,7 +120,8 @@ ReadLine lineBelow(QQuickItem& item, double y) {
     return best;
 }
 
-constexpr double edge = 16; // of the view, where reading begins
+constexpr double edge = 16;           // of the view, where reading begins
+constexpr double pendingFormula = 40; // the height of one that is not laid out yet
 
 class LateHeightsTest : public testing::TestWithParam<unsigned> {
 protected:
@@ -254,7 +255,8 @@ TEST_P(LateHeightsTest, LeaveWhatIsReadInItsPlace) {
         const bool isClamped = column->property("position").toDouble() + wanted < 0 || distanceToEnd() < wanted;
         scrollBy(wanted);
         if (held && !isClamped && !isAtBound()) {
-            EXPECT_NEAR(held.baseline() - was, -wanted, 1) << "step " << step;
+            // A formula that the step brings into view may take its height instead of the pending one in it.
+            EXPECT_NEAR(held.baseline() - was, -wanted, pendingFormula) << "step " << step;
         }
         read();
     }
