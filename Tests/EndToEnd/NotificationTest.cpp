@@ -54,7 +54,7 @@ TEST(Notification, TellsOfAnAnswerAndLeadsToIt) {
     const QByteArray history = control({u"history"_s});
     EXPECT_FALSE(history.contains("Картинк")); // nothing of what was said
 
-    settle(); // the notification's number reaches the client a moment after the notification is seen
+    settle(); // its number may reach the client after it is seen
     control({u"action"_s, u"0"_s});
     ASSERT_TRUE(waitFor([&] { return person.chat().activeChatId() == chat; }));
     EXPECT_TRUE(waitFor([&] { return window->isActive() && window->isExposed(); }));
