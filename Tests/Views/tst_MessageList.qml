@@ -39,6 +39,15 @@ Item {
     TextEdit {
         id: pasted
     }
+    Component {
+        id: another
+
+        MessageList {
+            anchors.fill: parent
+            columnWidth: 460
+            messages: list.messages
+        }
+    }
 
     TestCase {
         name: "MessageList"
@@ -230,6 +239,23 @@ Item {
             menu.close()
         }
 
+        // The first time too, when the menu is made and the keyboard is elsewhere.
+        function test_menuByRightClickTakesTheKeys() {
+            pasted.forceActiveFocus()
+            const other = createTemporaryObject(another, root)
+            tryVerify(() => other.column.itemAt(other.count - 1)?.height > 0)
+            for (let i = 0; i < 2; ++i) {
+                mouseClick(other, 4, other.height - 60, Qt.RightButton) // beside the words
+                const menu = findChild(other, "messageMenu")
+                tryVerify(() => menu.opened)
+                keyClick(Qt.Key_Down)
+                compare(menu.itemAt(menu.currentIndex).objectName, "copyMarkdownItem")
+                keyClick(Qt.Key_Escape)
+                tryVerify(() => !menu.visible)
+                verify(pasted.activeFocus)
+            }
+        }
+
         function test_menuActs() {
             list.canRetry = true
             const last = messages.count - 1
@@ -318,6 +344,7 @@ Item {
             const menu = findChild(list, "messageMenu")
             tryVerify(() => menu.opened)
             compare(offered(), ["Копировать", "Копировать как Markdown", "Копировать выделенное", "Удалить"])
+            compare(menu.itemAt(menu.currentIndex).objectName, "copySelectionItem")
             compare(shown.selectedText, toTheEnd, "the menu leaves the selection alone")
             keyClick(Qt.Key_Escape)
             tryVerify(() => !menu.visible)

@@ -23,8 +23,6 @@ PopupMenu {
     signal enlargeWanted(string code) // of a diagram
     signal retryWanted
 
-    firstIndex: -1 // a selection lives only while nothing else takes the focus
-
     // Beside that place in the row. What is done concerns the message as it is now.
     function openFor(row: MessageRow, x: real, y: real, part: var): void {
         const place = row.mapToItem(parent, x, y)
@@ -34,9 +32,10 @@ PopupMenu {
         selectedText = row.selectedText()
         source = part
         canRetry = row.canRetry
-        popup(place.x, place.y, selectedText.length > 0 ? copySelection : copyAll)
+        popup(place.x, place.y)
     }
 
+    firstIndex: selectedText.length > 0 ? 2 : 0 // what is selected is what one wants to copy
     objectName: "messageMenu"
 
     onClosed: {
@@ -47,8 +46,6 @@ PopupMenu {
     }
 
     PopupMenuItem {
-        id: copyAll
-
         objectName: "copyItem"
         symbol: "doc.on.doc"
         text: "Копировать"
@@ -64,8 +61,6 @@ PopupMenu {
         onTriggered: menu.copyWanted(menu.markdown)
     }
     PopupMenuItem {
-        id: copySelection
-
         height: visible ? implicitHeight : 0
         objectName: "copySelectionItem"
         text: "Копировать выделенное"

@@ -4,7 +4,7 @@ import QtQuick.Templates as T
 T.Menu {
     id: menu
 
-    property int firstIndex: 0 // of the row that has the keyboard when the menu opens; -1: none, the focus stays out
+    property int firstIndex: 0 // of the row that has the keyboard when the menu opens
 
     readonly property FocusReturn focusReturn: FocusReturn {
         popup: menu
@@ -32,8 +32,9 @@ T.Menu {
         interactive: false
         model: menu.contentModel
     }
-    // At once, not after the animation: the first key belongs to the menu.
-    onVisibleChanged: if (visible && firstIndex >= 0) currentIndex = firstIndex
+    // At once, not after the animation: the first key belongs to the menu. A text keeps its selection under a popup only when
+    // told that it is one.
+    onVisibleChanged: if (visible) itemAt(firstIndex).forceActiveFocus(Qt.PopupFocusReason)
 
     enter: Transition {
         NumberAnimation { duration: Theme.quick; from: 0; property: "opacity"; to: 1 }
