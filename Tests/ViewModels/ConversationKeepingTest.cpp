@@ -246,6 +246,78 @@ TEST_F(ConversationKeeping, AStoppedAnswerGivesItsPlaceOnlyWithItsEnd) {
     EXPECT_THAT(shown(), ElementsAre(u"user: c"_s, u"ai: "_s, u"user: d"_s, u"ai: Ответ на d"_s));
 }
 
+TEST_F(ConversationKeeping, WhatIsStoppedStaysStoppedWhenTheLineWasLost) {
+    ask(u"a"_s);
+    created(1);
+    chunk(u"Раз"_s);
+    chunk(u", два"_s);
+    chat->stopGeneration(); // before the second piece is shown
+    EXPECT_THAT(shown(), ElementsAre(u"user: a"_s, u"ai: Раз, два"_s));
+    reconnect();
+    ASSERT_EQ(service.frames().size(), 1);
+    EXPECT_EQ(lastFrame(), (QJsonObject{{"event", "abort"}, {"data", QJsonObject{{"chatId", 1}}}}));
+    end();
+
+    ask(u"b"_s);
+    chat->stopGeneration();
+    reconnect();
+    const auto sent = service.frames().size();
+    const QByteArray stored = messagesJson(1, {u"a"_s, u"Раз, два"_s});
+    http.answer(u"/chats/1/messages"_s, stored);
+    while (http.hasOpen(u"/chats/1/messages"_s))
+        http.open(u"/chats/1/messages"_s).answer(stored);
+    virtualTime.advance(60s);
+    EXPECT_EQ(service.frames().size(), sent); // not asked again
+    EXPECT_EQ(chat->currentInput(), u"b"_s);
+}
+
+TEST_F(ConversationKeeping, AQuestionAskedBeforeTheHistoryIsThereFindsItAtItsEnd) {
+    load({chatJson(1)});
+    chat->selectChat(1);
+    ask(u"b"_s);
+    http.open(u"/chats/1/messages"_s).answer(messagesJson(1, {u"a"_s, u"старое"_s}));
+    chunk(u"новое"_s);
+    end();
+    while (http.hasOpen(u"/chats/1/messages"_s))
+        http.open(u"/chats/1/messages"_s).answer(messagesJson(1, {u"a"_s, u"старое"_s, u"b"_s, u"новое"_s}));
+    EXPECT_THAT(shown(), ElementsAre(u"user: a"_s, u"ai: старое"_s, u"user: b"_s, u"ai: новое"_s));
+}
+
+TEST_F(ConversationKeeping, WhatComesBeforeOrInPlaceOfACreationIsNotTheNewChats) {
+    ask(u"a"_s);
+    chunk(u"чужое"_s);
+    created(1);
+    chunk(u"Раз"_s);
+    EXPECT_THAT(shown(), ElementsAre(u"user: a"_s, u"ai: Раз"_s));
+    // The end of the first is not heard; that the second begins says it.
+    chat->createChat();
+    ask(u"b"_s);
+    created(2);
+    chunk(u"Два"_s);
+    virtualTime.advance(1s);
+    EXPECT_THAT(shown(), ElementsAre(u"user: b"_s, u"ai: Два"_s));
+    EXPECT_THAT(cached(1), ElementsAre(u"user: a"_s, u"ai: Раз"_s));
+}
+
+TEST_F(ConversationKeeping, AnErrorEndsTheAnswerOfTheChatThatItNames) {
+    load({chatJson(1), chatJson(2)});
+    chat->selectChat(1);
+    http.open(u"/chats/1/messages"_s).answer(messagesJson(1, {}));
+    ask(u"a"_s);
+    chunk(u"Раз"_s);
+    chat->selectChat(2);
+    http.open(u"/chats/2/messages"_s).answer(messagesJson(2, {}));
+    ask(u"b"_s);
+    error(u"Модель занята."_s, 2);
+    http.open(u"/chats/2/messages"_s).answer(messagesJson(2, {u"b"_s, u""_s}));
+    EXPECT_FALSE(chat->isGenerating());
+    chat->selectChat(1);
+    EXPECT_TRUE(chat->isGenerating());
+    chunk(u", два"_s);
+    end();
+    EXPECT_THAT(shown(), ElementsAre(u"user: a"_s, u"ai: Раз, два"_s));
+}
+
 TEST_F(ConversationKeeping, AnErrorInAnotherChatNamesIt) {
     ask(u"a"_s);
     created(1);
@@ -271,8 +343,13 @@ TEST_F(ConversationKeeping, DeletingTheOpenChatLeavesANewOne) {
     EXPECT_FALSE(chat->isGenerating());
     EXPECT_EQ(deleted.count(), 1);
     EXPECT_EQ(cache.getCachedChats()->size(), 1U);
-    chunk(u", два"_s);
+    chat->selectChat(2);
+    ask(u"b"_s);
+    chunk(u", два"_s); // of the one that is gone
+    virtualTime.advance(1s);
     end();
+    EXPECT_THAT(shown(), ElementsAre(u"user: b"_s, u"ai: "_s));
+    EXPECT_TRUE(chat->isGenerating());
     chat->deleteChat(2);
     http.open(u"/chats/2"_s).answer("{}", 500);
     EXPECT_EQ(chat->chats()->count(), 1);
