@@ -120,8 +120,7 @@ ReadLine lineBelow(QQuickItem& item, double y) {
     return best;
 }
 
-constexpr double edge = 16;           // of the view, where reading begins
-constexpr double pendingFormula = 40; // the height of one that is not laid out yet: the most that a step may be off
+constexpr double edge = 16; // of the view, where reading begins
 
 class LateHeightsTest : public testing::TestWithParam<unsigned> {
 protected:
@@ -255,8 +254,7 @@ TEST_P(LateHeightsTest, LeaveWhatIsReadInItsPlace) {
         const bool isClamped = column->property("position").toDouble() + wanted < 0 || distanceToEnd() < wanted;
         scrollBy(wanted);
         if (held && !isClamped && !isAtBound()) {
-            // Not exact yet: what a step brings into view has been seen to be 16 px lower than it was taken for.
-            EXPECT_NEAR(held.baseline() - was, -wanted, pendingFormula) << "step " << step;
+            EXPECT_NEAR(held.baseline() - was, -wanted, 1) << "step " << step;
         }
         read();
     }

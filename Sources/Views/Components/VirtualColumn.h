@@ -153,6 +153,7 @@ private:
     void keepAnchor();
     void recordAnchor();
     bool recordText(double from, double to);
+    bool recordLeaf(double from, double to);
     void hold(double y);
     void publish();
 

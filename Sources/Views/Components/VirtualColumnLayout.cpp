@@ -167,6 +167,16 @@ bool VirtualColumn::recordText(double from, double to) {
     return false;
 }
 
+// What is at that height, if it is an item, be it a picture.
+bool VirtualColumn::recordLeaf(double from, double to) {
+    const int row = m_heights.rowAt(from - m_topPadding);
+    QQuickItem* item = m_items.find(row);
+    if (from >= to || !item)
+        return false;
+    m_anchor.record(row, m_top - rowPosition(row), from - rowPosition(row), item);
+    return true;
+}
+
 // The padding of the first row is what a row that was jumped to keeps above itself, so reading begins below it.
 void VirtualColumn::recordAnchor() {
     m_isHeld = false;
@@ -177,9 +187,11 @@ void VirtualColumn::recordAnchor() {
     }
     const double reading = m_top + m_topPadding;
     const double end = m_top + viewHeight();
-    // What was on the screen before, if it still is: the height of what comes into view may be a mere estimate.
-    if (recordText(std::max(reading, m_shownTop + m_topPadding), std::min(end, m_shownTop + viewHeight())) ||
-        recordText(reading, end))
+    // What was on the screen before, if it still is, text or not: the height of what comes into view may be a mere
+    // estimate.
+    const double from = std::max(reading, m_shownTop + m_topPadding);
+    const double to = std::min(end, m_shownTop + viewHeight());
+    if (recordText(from, to) || (m_top != m_shownTop && recordLeaf(from, to)) || recordText(reading, end))
         return;
     if (reading >= rowPosition(row) + heightAt(row) && row + 1 < count())
         ++row; // the edge lies between the two
