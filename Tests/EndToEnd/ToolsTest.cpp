@@ -8,6 +8,7 @@
 #include "WaitFor.h"
 
 #include <QClipboard>
+#include <QDir>
 #include <QFileInfo>
 #include <QGuiApplication>
 #include <QTest>
@@ -191,6 +192,15 @@ TEST_F(Tools, AVideoPlaysInItsPlace) {
     m_person->press(Qt::Key_Space);
     EXPECT_TRUE(becomes(u"videoPlayer"_s, "isPlaying", true));
     EXPECT_TRUE(waitFor([this] { return m_person->see(u"videoPlayer"_s)->property("position").toReal() < 2000; }));
+
+    m_person->click(u"saveButton"_s);
+    ASSERT_TRUE(becomes(u"saveButton"_s, "text", u"Показать в папке"_s));
+    const QFileInfoList saved = QDir(m_person->downloads()).entryInfoList(QDir::Files);
+    ASSERT_EQ(saved.size(), 1);
+    EXPECT_EQ(saved.first().suffix(), u"webm"_s);
+    EXPECT_GT(saved.first().size(), 1000);
+    m_person->click(u"saveButton"_s);
+    EXPECT_TRUE(opened([this](const QString& path) { return path == m_person->downloads(); }));
 }
 
 TEST_F(Tools, AFileIsOpenedSavedAndFound) {

@@ -14,10 +14,6 @@ CardPart {
     property string error // empty without one
     property string savedName // empty until it was saved
 
-    readonly property string stateText: error.length > 0 ? error
-        : isRunning ? progress >= 0 ? "Загружаю… %1 %".arg(Math.round(progress * 100)) : "Загружаю…"
-        : savedName.length > 0 ? "Сохранено: %1".arg(savedName) : ""
-
     signal openWanted
     signal saveWanted
     signal saveAsWanted
@@ -31,7 +27,7 @@ CardPart {
     Keys.onPressed: event => {
         event.accepted = event.key === Qt.Key_Menu || event.key === Qt.Key_F10 && event.modifiers & Qt.ShiftModifier
         if (event.accepted)
-            menu.toggleAt(more)
+            actions.toggleMenu()
     }
 
     Rectangle {
@@ -79,7 +75,7 @@ CardPart {
                     anchors.left: tile.right
                     anchors.leftMargin: Theme.gap3
                     anchors.right: parent.right
-                    anchors.rightMargin: buttons.width + Theme.gap3
+                    anchors.rightMargin: actions.width + Theme.gap3
                     anchors.verticalCenter: parent.verticalCenter
 
                     Label {
@@ -94,7 +90,7 @@ CardPart {
                         color: card.error.length > 0 ? Theme.err : Theme.t2
                         elide: Text.ElideRight
                         font.pixelSize: Theme.fontSmall
-                        text: card.stateText || card.kind + (card.kind && card.size ? " · " : "") + card.size
+                        text: actions.stateText || card.kind + (card.kind && card.size ? " · " : "") + card.size
                         width: parent.width
                     }
                 }
@@ -102,36 +98,23 @@ CardPart {
 
             onClicked: card.openWanted()
         }
-        Row {
-            id: buttons
+        FileActions {
+            id: actions
 
             anchors.right: parent.right
             anchors.rightMargin: Theme.gap2
             anchors.verticalCenter: parent.verticalCenter
+            error: card.error
+            isRunning: card.isRunning
+            openable: card.openable
+            progress: card.progress
+            savedName: card.savedName
 
-            IconButton {
-                objectName: "saveButton"
-                symbol: card.isRunning ? "xmark" : card.savedName.length > 0 ? "folder" : "arrow.down.to.line"
-                text: card.isRunning ? "Отменить загрузку" : card.savedName.length > 0 ? "Показать в папке" : "Сохранить в Загрузки"
-
-                onClicked: {
-                    if (card.isRunning)
-                        card.cancelled()
-                    else if (card.savedName.length > 0)
-                        card.folderWanted()
-                    else
-                        card.saveWanted()
-                }
-            }
-            IconButton {
-                id: more
-
-                objectName: "moreButton"
-                symbol: "ellipsis"
-                text: "Ещё"
-
-                onClicked: menu.toggleAt(more)
-            }
+            onCancelled: card.cancelled()
+            onFolderWanted: card.folderWanted()
+            onOpenWanted: card.openWanted()
+            onSaveAsWanted: card.saveAsWanted()
+            onSaveWanted: card.saveWanted()
         }
         // How much of it has come.
         Item {
@@ -150,50 +133,5 @@ CardPart {
                 width: parent.width * Math.max(0.04, card.progress)
             }
         }
-    }
-    Loader {
-        id: menu
-
-        function toggleAt(button: Item): void {
-            active = true
-            const popup = item as PopupMenu
-            if (popup.opened)
-                popup.close()
-            else
-                popup.popup(button, 0, button.height)
-        }
-
-        active: false
-
-        // qmllint disable unqualified
-        sourceComponent: PopupMenu {
-            PopupMenuItem {
-                symbol: "arrow.up.right.square"
-                text: "Открыть"
-                enabled: card.openable
-
-                onTriggered: card.openWanted()
-            }
-            PopupMenuItem {
-                symbol: "arrow.down.to.line"
-                text: "Сохранить в Загрузки"
-
-                onTriggered: card.saveWanted()
-            }
-            PopupMenuItem {
-                objectName: "saveAsItem"
-                symbol: "arrow.down.doc"
-                text: "Сохранить как…"
-
-                onTriggered: card.saveAsWanted()
-            }
-            PopupMenuItem {
-                symbol: "folder"
-                text: "Показать в папке"
-
-                onTriggered: card.folderWanted()
-            }
-        }
-        // qmllint enable unqualified
     }
 }

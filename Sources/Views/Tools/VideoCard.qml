@@ -7,14 +7,22 @@ CardPart {
 
     required property string url
     property url file // where it lies on this machine; empty until it has come
+    property bool isRunning: false // it is coming
     property double progress: -1 // of its coming, 0 to 1; -1 while it is unknown
+    property string size // empty until it is known
     property string error // empty unless it does not come
+    property string savedName // empty until it was saved
     property bool playsInPlace: true // otherwise outside, and so it does where the player is missing
 
     readonly property string player: "qrc:/qt-project.org/imports/Korvi/Views/VideoPlayerView.qml"
 
     signal linkOpened(string url)
     signal fileWanted
+    signal openWanted
+    signal saveWanted
+    signal saveAsWanted
+    signal folderWanted
+    signal cancelled
 
     function play(): void {
         if (!playsInPlace) {
@@ -34,7 +42,13 @@ CardPart {
 
     Accessible.name: "Видео"
     Accessible.role: Accessible.Grouping
-    implicitHeight: frame.height
+    implicitHeight: frame.height + actions.height
+
+    Keys.onPressed: event => {
+        event.accepted = event.key === Qt.Key_Menu || event.key === Qt.Key_F10 && event.modifiers & Qt.ShiftModifier
+        if (event.accepted)
+            actions.toggleMenu()
+    }
 
     Rectangle {
         id: frame
@@ -72,24 +86,6 @@ CardPart {
                         size: Theme.px(24)
                     }
                 }
-                Row {
-                    anchors.bottom: parent.bottom
-                    anchors.left: parent.left
-                    anchors.margins: Theme.gap3
-                    spacing: Theme.gap2
-
-                    Symbol {
-                        anchors.verticalCenter: parent.verticalCenter
-                        color: Theme.stageText
-                        name: "video"
-                        size: Theme.icon
-                    }
-                    Label {
-                        color: Theme.stageText
-                        font.pixelSize: Theme.fontLabel
-                        text: "Видео"
-                    }
-                }
             }
 
             onClicked: card.play()
@@ -113,5 +109,35 @@ CardPart {
             ignoreUnknownSignals: true
             target: stage.item
         }
+    }
+    // The player tells itself how it comes.
+    Label {
+        anchors.left: frame.left
+        anchors.leftMargin: Theme.gap1
+        anchors.right: actions.left
+        anchors.rightMargin: Theme.gap2
+        anchors.verticalCenter: actions.verticalCenter
+        color: actions.error.length > 0 ? Theme.err : Theme.t2
+        elide: Text.ElideRight
+        font.pixelSize: Theme.fontSmall
+        text: actions.stateText || "Видео" + (card.size && " · " + card.size)
+    }
+    FileActions {
+        id: actions
+
+        readonly property bool isTold: stage.item !== null
+
+        anchors.right: frame.right
+        anchors.top: frame.bottom
+        error: isTold ? "" : card.error
+        isRunning: card.isRunning && !isTold
+        progress: card.progress
+        savedName: card.savedName
+
+        onCancelled: card.cancelled()
+        onFolderWanted: card.folderWanted()
+        onOpenWanted: card.openWanted()
+        onSaveAsWanted: card.saveAsWanted()
+        onSaveWanted: card.saveWanted()
     }
 }

@@ -58,6 +58,7 @@ Item {
             width: column.width
         }
         VideoCard {
+            size: "4,2 МБ"
             url: "https://example.org/video.mp4"
             width: column.width
         }
