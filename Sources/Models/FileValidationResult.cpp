@@ -10,7 +10,9 @@ using namespace Qt::Literals;
 QString FileValidationResult::errorMessage() const {
     return match(
         value, [](const Valid&) { return QString(); },
-        [](const UnsupportedFormat& error) { return error.extension + u" не поддерживается"_s; },
+        [](const UnsupportedFormat& error) {
+            return (error.extension.isEmpty() ? u"Файл без расширения"_s : error.extension) + u" не поддерживается"_s;
+        },
         [](const FileTooLarge& error) {
             return u"Файл слишком большой. Максимум: "_s + SupportedFileTypes::byteCount(error.maxSize);
         },

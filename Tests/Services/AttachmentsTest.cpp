@@ -35,7 +35,7 @@ TEST(SupportedFileTypes, SayWhatMayBeAttached) {
         {"a.mov", 20'000'000, none, true, ""},
         {"a.mp3", 20'000'001, none, true, "Файл слишком большой. Максимум: 20 МБ"},
         {"README", 5, u"text/plain"_s, false, ""},
-        {"README", 5, none, false, " не поддерживается"},
+        {"README", 5, none, false, "Файл без расширения не поддерживается"},
         {"a.exe", 5, none, false, "exe не поддерживается"},
         {"a.xyz", 5, u"application/vnd.oasis.opendocument.text"_s, false, ""},
         {".gitignore", 5, none, false, ""},
@@ -202,6 +202,16 @@ TEST_F(AttachmentsTest, AreCopiedWhereOnlyTheUserCanReadThem) {
     EXPECT_EQ(files.copies().size(), 2);
     const AttachmentIntake next(files.intakePath(), files.workers, files.random);
     EXPECT_EQ(files.copies().size(), 0) << "left by the last run";
+}
+
+TEST_F(AttachmentsTest, AFileWithoutExtensionIsWhatItHolds) {
+    for (const auto& [name, bytes, type] : std::initializer_list<std::tuple<QString, QByteArray, QString>>{
+             {u"README"_s, "Прочти меня.\n", u"text/plain"_s}, {u"Makefile"_s, "all:\n\tcc a.c\n", u"text/plain"_s},
+             {u"run"_s, "#!/bin/sh\necho\n", u"text/plain"_s}, {u"picture"_s, png, u"image/png"_s}}) {
+        const QUrl url = files.makeFile(name, bytes);
+        const Running<std::optional<AttachmentIntake::Taken>> taken([&] { return files.intake.takeFile(url); });
+        EXPECT_EQ(taken.value()->mimeType, type) << name.toStdString();
+    }
 }
 
 TEST_F(AttachmentsTest, WhatIsNoFileOrTooLargeIsNotCopied) {

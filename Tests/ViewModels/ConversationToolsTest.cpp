@@ -413,8 +413,10 @@ TEST_F(ConversationToolsTest, StoppedOrEndedAmidAnUploadNothingIsLost) {
     EXPECT_EQ(chat->messages()->count(), 0);
 
     chat->sendMessage();
-    restart();
+    EXPECT_FALSE(chat->generationError().contains(u"прикрепите"_s));
+    restart(); // with which the copies of its files are gone
     EXPECT_EQ(chat->currentInput(), u"вопрос"_s);
+    EXPECT_TRUE(chat->generationError().contains(u"файлы к нему прикрепите ещё раз"_s));
     EXPECT_FALSE(chat->isGenerating());
     EXPECT_THAT(service.frames(), IsEmpty());
 }

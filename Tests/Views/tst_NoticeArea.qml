@@ -22,6 +22,13 @@ Item {
         target: area
     }
 
+    SignalSpy {
+        id: openings
+
+        signalName: "readyChatWanted"
+        target: area
+    }
+
     TestCase {
         name: "NoticeArea"
         when: windowShown
@@ -60,6 +67,20 @@ Item {
             verify(hint.visible)
             area.error = "Занято"
             verify(!hint.visible)
+        }
+
+        function test_anAnswerThatIsReadyElsewhereStandsBesideAnError() {
+            area.hint = ""
+            area.error = "Занято"
+            waitForRendering(area)
+            const height = area.implicitHeight
+            area.readyChat = "Отпуск в горах"
+            verify(findChild(area, "readyBanner").text.includes("Отпуск в горах"))
+            tryVerify(() => area.implicitHeight > height)
+            mouseClick(button("Открыть"))
+            compare(openings.count, 1)
+            area.readyChat = ""
+            tryVerify(() => area.implicitHeight === height)
         }
     }
 }

@@ -33,6 +33,14 @@ bool write(const QString& path, const QByteArray& data) {
         file.write(data) == data.size() && file.flush();
 }
 
+// By its name; that of a README or a Makefile says nothing, but its beginning does.
+QString mimeType(const QFileInfo& file) {
+    if (!file.suffix().isEmpty())
+        return SupportedFileTypes::preferredMIMEType(file.suffix());
+    const QMimeType type = QMimeDatabase().mimeTypeForFile(file, QMimeDatabase::MatchContent);
+    return type.inherits(u"text/plain"_s) ? u"text/plain"_s : type.name();
+}
+
 }
 
 AttachmentIntake::AttachmentIntake(QString folder, Workers& workers, Random& random)
@@ -60,7 +68,7 @@ Task<std::optional<Taken>> AttachmentIntake::takeFile(QUrl file) {
             return std::nullopt;
         Taken found{.filename = info.fileName(),
             .size = info.size(),
-            .mimeType = SupportedFileTypes::preferredMIMEType(info.suffix()),
+            .mimeType = mimeType(info),
             .localURL = QUrl::fromLocalFile(path)};
         if (found.size > SupportedFileTypes::maxMediaSize)
             return found;

@@ -307,9 +307,9 @@ void AnswerStream::giveBack(Generation& generation) {
     const quint64 serial = generation.serial;
     m_generations.remove(&generation);
     m_outbox.joinFollowers(-1);
+    emit questionReturned(question.text);
     if (hadFiles)
         emit filesReturned(serial);
-    emit questionReturned(question.text);
     emit touched(chatId);
     emit comparisonWanted(chatId);
 }

@@ -64,7 +64,10 @@ ChatViewModel::ChatViewModel(Dependencies dependencies, QObject* parent)
         [this](qint64 chatId, const QString& type) { emit longTaskBegan(chatId, type, nameOf(chatId)); });
     connect(&m_stream, &AnswerStream::answerReady, this,
         [this](qint64 chatId, const QDateTime& askedAt) { emit answerReady(chatId, nameOf(chatId), askedAt); });
-    connect(&m_stream, &AnswerStream::filesReturned, this, [this](quint64 serial) { m_uploads.giveBack(serial); });
+    connect(&m_stream, &AnswerStream::filesReturned, this, [this](quint64 serial) {
+        if (!m_uploads.giveBack(serial))
+            showError(u"Сообщение не дошло до сервиса, файлы к нему прикрепите ещё раз."_s);
+    });
     connect(attachments()->pending(), &AttachmentListModel::countChanged, this, [this] {
         emit hasAttachmentsChanged();
         emit canSendChanged();

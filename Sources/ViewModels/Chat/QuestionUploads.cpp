@@ -55,10 +55,10 @@ void QuestionUploads::supply(quint64 serial, const Uploaded& uploaded) {
     m_stream.supply(serial, uploaded.imageUrls, uploaded.fileUrls, places);
 }
 
-void QuestionUploads::giveBack(quint64 serial) {
+bool QuestionUploads::giveBack(quint64 serial) {
     const auto job = m_jobs.find(serial);
     if (job == m_jobs.end())
-        return;
+        return false;
     std::vector<ChatFileAttachment> files = job->second->files;
     m_ended.push_back(std::move(job->second));
     m_jobs.erase(job);
@@ -66,6 +66,7 @@ void QuestionUploads::giveBack(quint64 serial) {
         m_ended.back()->scope.cancel();
     m_attachments.giveBack(std::move(files));
     m_sweep = m_scheduler.after(std::chrono::milliseconds(0), [this] { m_ended.clear(); });
+    return true;
 }
 
 void QuestionUploads::clear() {

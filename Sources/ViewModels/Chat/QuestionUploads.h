@@ -21,8 +21,9 @@ public:
     ~QuestionUploads();
 
     void start(quint64 serial, std::vector<ChatFileAttachment> files);
-    // The question does not go: its files wait in the composer again.
-    void giveBack(quint64 serial);
+    // The question does not go: its files wait in the composer again. False if they are not here, but were with a client
+    // that has ended.
+    bool giveBack(quint64 serial);
     void clear(); // what is under way is wanted by nobody
 
 private:

@@ -166,9 +166,11 @@ FocusScope {
         canRetry: view.chat.canRetryError
         error: view.chat.generationError
         hint: view.chat.generationHint
+        readyChat: view.chat.completedInOtherChatName
         width: view.columnWidth
 
         onDismissed: view.chat.dismissError()
+        onReadyChatWanted: view.chat.navigateToChat(view.chat.completedInOtherChatId) // qmllint disable
         onRetry: view.retry()
     }
     Label {

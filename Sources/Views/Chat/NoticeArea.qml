@@ -1,30 +1,52 @@
 import QtQuick
 
-// Between the messages and the composer: an error of the answer, or the word that it may take long.
+// Between the messages and the composer: that an answer is ready elsewhere, an error of the one here, or the word that it may
+// take long.
 Item {
     id: area
 
     required property string error
     required property string hint
     property bool canRetry: false // asking the last question again may help
+    property string readyChat // in which an answer became ready meanwhile; empty without one
 
     signal retry
     signal dismissed
+    signal readyChatWanted
 
-    implicitHeight: Theme.gap3 + (strip.visible ? strip.height + Theme.gap3 : hintLabel.visible ? hintLabel.height : 0)
+    implicitHeight: Theme.gap3 + strips.height + (strips.height > 0 ? Theme.gap3 : hintLabel.visible ? hintLabel.height : 0)
 
-    MessageStrip {
-        id: strip
+    Column {
+        id: strips
 
-        actionText: area.canRetry ? "Повторить" : ""
-        dismissible: true
-        objectName: "errorBanner"
-        text: area.error
-        visible: area.error.length > 0
+        spacing: Theme.gap2
         width: parent.width
 
-        onAction: area.retry()
-        onDismissed: area.dismissed()
+        MessageStrip {
+            actionText: "Открыть"
+            color: Theme.accbg
+            objectName: "readyBanner"
+            symbol: "checkmark"
+            text: "Ответ готов: %1".arg(area.readyChat)
+            tint: Theme.acc
+            visible: area.readyChat.length > 0
+            width: parent.width
+
+            onAction: area.readyChatWanted()
+        }
+        MessageStrip {
+            id: strip
+
+            actionText: area.canRetry ? "Повторить" : ""
+            dismissible: true
+            objectName: "errorBanner"
+            text: area.error
+            visible: area.error.length > 0
+            width: parent.width
+
+            onAction: area.retry()
+            onDismissed: area.dismissed()
+        }
     }
     Label {
         id: hintLabel
@@ -36,7 +58,7 @@ Item {
         horizontalAlignment: Text.AlignHCenter
         objectName: "generationHint"
         text: area.hint
-        visible: area.hint.length > 0 && !strip.visible
+        visible: area.hint.length > 0 && area.error.length === 0 && area.readyChat.length === 0
         width: parent.width
         wrapMode: Text.Wrap
     }
