@@ -38,6 +38,8 @@ Item {
     }
     TextEdit {
         id: pasted
+
+        visible: false // or the pasted text takes what is pressed
     }
     Component {
         id: another
@@ -187,6 +189,23 @@ Item {
             keyClick(Qt.Key_Space)
             tryVerify(() => list.column.itemAt(row).height === folded)
             compare(place(row), before)
+        }
+
+        // Although the first line of text is below it and would be what is read.
+        function test_whatIsPressedStaysInItsPlace() {
+            grow(20)
+            const row = messages.count - 1
+            list.column.scrollTo(list.column.rowPosition(row) + 6)
+            settled()
+            const pill = findChild(list.column.itemAt(row), "thinkingPill")
+            const text = findChild(list.column.itemAt(row), "answerText").itemAt(0)
+            const before = pill.mapToItem(list, 0, 0).y
+            const below = text.mapToItem(list, 0, 0).y
+            verify(before < 0)
+            mouseClick(pill, 20, pill.height - 6)
+            tryVerify(() => text.mapToItem(list, 0, 0).y > below)
+            settled()
+            compare(pill.mapToItem(list, 0, 0).y, before)
         }
 
         function focusLast() {
