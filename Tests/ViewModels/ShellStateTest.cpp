@@ -82,7 +82,8 @@ TEST_F(ShellState, TheTextSizeStaysInItsRange) {
         qint64 stored;
         int size;
     };
-    for (const Row& row : {Row{11, 11}, Row{20, 20}, Row{10, 11}, Row{21, 20}, Row{1LL << 40, 20}, Row{-5, 11}}) {
+    for (const Row& row :
+        {Row{11, 11}, Row{20, 20}, Row{10, 11}, Row{21, 20}, Row{1LL << 40, 20}, Row{0, 13}, Row{-5, 13}}) {
         defaults.setInteger(u"chatFontSize"_s, row.stored);
         EXPECT_EQ(ThemeManager(defaults).chatFontSize(), row.size) << row.stored;
     }

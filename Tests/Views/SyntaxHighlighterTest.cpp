@@ -10,7 +10,8 @@
 namespace Korvi {
 
 void PrintTo(const SyntaxHighlighter::Range& range, std::ostream* out) {
-    *out << range.start << '+' << range.length << " token " << static_cast<int>(range.token);
+    *out << range.start << '+' << range.length << " token " << static_cast<int>(range.token)
+         << (range.isBold ? " bold" : "");
 }
 
 void PrintTo(const PatternMatcher::Match& match, std::ostream* out) {
@@ -48,12 +49,12 @@ std::vector<PatternMatcher::Match> byExpression(QStringView pattern, const QStri
     return matches;
 }
 
-// One letter for each character: its colour.
+// One letter for each character: its colour; a capital one is bold.
 std::string coloursOf(const QString& code, const QString& language) {
     std::string letters(static_cast<std::size_t>(code.size()), '.');
     for (const Range& range : SyntaxHighlighter::highlight(code, language)) {
         letters.replace(static_cast<std::size_t>(range.start), static_cast<std::size_t>(range.length),
-            static_cast<std::size_t>(range.length), "ksnct."[static_cast<int>(range.token)]);
+            static_cast<std::size_t>(range.length), (range.isBold ? "KSNCT" : "ksnct")[static_cast<int>(range.token)]);
     }
     return letters;
 }
@@ -87,13 +88,14 @@ TEST(SyntaxHighlighter, LaterRulesColourOverEarlierOnes) {
     };
     const Case cases[] = {
         {"python", "x = \"a # b\" # c", "....ssssssscccc"}, // the rest of the line stays a comment
-        {"Python", "# def x 12", "cckkkcccnn"},
-        {"swift", "let a: Int = 1.5 // if", "kkk....ttt...nnn.ccckk"},
+        {"Python", "# def x 12", "ccKKKcccnn"},
+        {"swift", "let a: Int = 1.5 // if", "KKK....ttt...nnn.cccKK"},
         {"ts", "'it\\'s' + \"b", "sssssss....."}, // what is not closed is nothing
-        {"html", "<a class=\"b\"><!-- if --></a>", "kk.ttttt.sss.ccccccccccckkk."},
-        {"", "def f # 2", "kkk...ccn"},
-        {"cobol", "// if", "ccckk"},
-        {"py", "\"\"\"a\nif\"\"\"", "ssssskksss"},
+        {"html", "<a class=\"b\"><!-- if --></a>", "KK.ttttt.sss.cccccccccccKKK."},
+        {"html", "<title><p \"<b\"", "KTTTTT.KK.sSSs"}, // the colour alone is another one
+        {"", "def f # 2", "KKK...ccn"},
+        {"cobol", "// if", "cccKK"},
+        {"py", "\"\"\"a\nif\"\"\"", "sssssKKsss"},
     };
     for (const Case& one : cases) {
         const std::string expected = one.colours;

@@ -27,8 +27,9 @@ ThemeManager::ThemeManager(Defaults& defaults, QObject* parent)
     const auto* entry = std::ranges::find(appThemes, QStringView(storedThemeRaw), &AppThemeEntry::rawValue);
     if (entry != std::end(appThemes))
         m_currentTheme = entry->theme;
-    const qint64 size = m_defaults.integer(fontSizeKey).value_or(defaultFontSize);
-    m_chatFontSize = static_cast<int>(std::clamp<qint64>(size, minimumFontSize, maximumFontSize));
+    const qint64 size = m_defaults.integer(fontSizeKey).value_or(0);
+    if (size > 0) // otherwise nobody has chosen one
+        m_chatFontSize = static_cast<int>(std::clamp<qint64>(size, minimumFontSize, maximumFontSize));
 }
 
 void ThemeManager::setTheme(AppTheme theme) {

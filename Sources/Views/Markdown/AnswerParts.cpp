@@ -152,6 +152,7 @@ void AnswerParts::setContent(const QVariant& content) {
     } else {
         take(m_text.becoming(content));
     }
+    updateOpenEnd();
     emit contentChanged();
 }
 
@@ -358,9 +359,26 @@ void AnswerParts::setStreaming(bool streaming) {
                 source.document->settle();
         }
     }
-    if (count() > 0)
-        emit dataChanged(index(count() - 1), index(count() - 1), {IsOpenRole});
+    updateOpenEnd();
     emit isStreamingChanged();
+}
+
+bool AnswerParts::isOpen(int row) const {
+    if (!m_isStreaming || row != count() - 1)
+        return false;
+    const AnswerPartKind kind = this->kind(row);
+    const bool isClosedByItself =
+        kind == AnswerPartKind::code || kind == AnswerPartKind::mermaid || kind == AnswerPartKind::latex;
+    const Part& part = m_parts.back();
+    return !isClosedByItself || !segment(part) ||
+        m_sources[static_cast<std::size_t>(part.source)].document->isTailOpen();
+}
+
+void AnswerParts::updateOpenEnd() {
+    const int end = count() - 1;
+    const bool isOpen = end >= 0 && this->isOpen(end);
+    if (std::exchange(m_isEndOpen, isOpen) != isOpen && end >= 0)
+        emit dataChanged(index(end), index(end), {IsOpenRole});
 }
 
 void AnswerParts::updateBeginning() {
@@ -563,7 +581,7 @@ QVariant AnswerParts::data(const QModelIndex& index, int role) const {
     switch (role) {
     case KindRole: return QString(answerPartNames[static_cast<std::size_t>(part.kind)]);
     case GapRole: return gap(row);
-    case IsOpenRole: return m_isStreaming && row == count() - 1;
+    case IsOpenRole: return isOpen(row);
     case RevisionRole: return part.revision;
     default: break;
     }

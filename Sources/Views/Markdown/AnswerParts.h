@@ -31,7 +31,7 @@ public:
     enum Role {
         KindRole = Qt::UserRole + 1, // "kind", string, see PartKinds.h
         GapRole,                     // "gap", real: space above it, for text of 13 pixels
-        IsOpenRole,                  // "isOpen", bool: it is the end of an answer that still grows
+        IsOpenRole,                  // "isOpen", bool: the end of an answer that grows, unless it is closed
         RevisionRole,                // "revision", integer: another one whenever the part has changed
         LanguageRole,                // "language", string, of code; may be empty
         CodeRole,                    // "code", string, of code and diagrams
@@ -114,6 +114,8 @@ private:
     // The first `alike` characters of the paragraph m_long are drawn as before.
     void replaceParts(std::size_t kept, std::vector<Part> parts, const Begin& begin, qsizetype alike);
     void updateBeginning();
+    bool isOpen(int row) const;
+    void updateOpenEnd();
 
     // Null while the texts have changed and the parts are about to.
     const Markdown::Segment* segment(const Part& part) const;
@@ -130,6 +132,7 @@ private:
     QString m_beginning;
     int m_revision = 0;
     bool m_isStreaming = false;
+    bool m_isEndOpen = false; // as the view knows it
 };
 
 }

@@ -53,22 +53,32 @@ qsizetype CodeColouring::advanceTracks(QStringView text) {
 }
 
 std::vector<Range> CodeColouring::ranges(qsizetype from, qsizetype to) const {
-    std::vector<Token> tokens(static_cast<std::size_t>(std::max<qsizetype>(0, to - from)), Token::plain);
+    struct Look {
+        Token token = Token::plain;
+        bool isBold = false;
+
+        bool operator==(const Look&) const = default;
+    };
+    std::vector<Look> looks(static_cast<std::size_t>(std::max<qsizetype>(0, to - from)));
     for (const Track& track : m_tracks) {
         auto match = std::ranges::upper_bound(track.matches, from, {}, &PatternMatcher::Match::end);
         for (; match != track.matches.end() && match->start < to; ++match) {
-            const auto first = tokens.begin() + (std::max(match->start, from) - from);
-            std::fill(first, tokens.begin() + (std::min(match->end, to) - from), track.rule->token);
+            const Token token = track.rule->token;
+            for (qsizetype at = std::max(match->start, from); at < std::min(match->end, to); ++at) {
+                Look& look = looks[static_cast<std::size_t>(at - from)];
+                look = {token, look.isBold || token == Token::keyword};
+            }
         }
     }
     std::vector<Range> ranges;
-    for (std::size_t i = 0; i < tokens.size();) {
+    for (std::size_t i = 0; i < looks.size();) {
         const std::size_t start = i;
-        while (i < tokens.size() && tokens[i] == tokens[start])
+        const Look look = looks[start];
+        while (i < looks.size() && looks[i] == look)
             ++i;
-        if (tokens[start] != Token::plain) {
-            ranges.push_back({from + static_cast<qsizetype>(start), static_cast<qsizetype>(i - start), tokens[start]});
-        }
+        if (look.token != Token::plain)
+            ranges.push_back(
+                {from + static_cast<qsizetype>(start), static_cast<qsizetype>(i - start), look.token, look.isBold});
     }
     return ranges;
 }

@@ -96,7 +96,7 @@ void CodeColours::colourLine(const QTextBlock& line) const {
         format.start = static_cast<int>(range.start - start);
         format.length = static_cast<int>(range.length);
         format.format.setForeground(colourOf(range.token));
-        if (range.token == SyntaxHighlighter::Token::keyword)
+        if (range.isBold)
             format.format.setFontWeight(QFont::Bold);
         formats.append(format);
     }

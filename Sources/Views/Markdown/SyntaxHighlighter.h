@@ -26,7 +26,8 @@ public:
     struct Range {
         qsizetype start;
         qsizetype length;
-        Token token;
+        Token token;         // of its colour
+        bool isBold = false; // that of a keyword stays where a later rule changes the colour
 
         bool operator==(const Range&) const = default;
     };
@@ -38,7 +39,7 @@ public:
     // Compiled once for each set of rules, on the main thread.
     static const std::vector<CompiledRule>& compiledRules(const QString& language);
 
-    // Stretches of one colour in their order; what is plain is left out. Where rules overlap, the later one counts.
+    // Stretches of one look in their order; what is plain is left out. Where rules overlap, the later one's colour counts.
     static std::vector<Range> highlight(const QString& code, const QString& language);
 };
 

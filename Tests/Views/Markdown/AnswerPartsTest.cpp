@@ -172,6 +172,29 @@ TEST(AnswerParts, GrowthGivesTheRowsOfAFreshOneAndTellsAllOfIt) {
     }
 }
 
+// The model may rest before it goes on.
+TEST(AnswerParts, WhatIsClosedIsNotOpenAnyMoreAtTheEnd) {
+    AnswerParts parts;
+    parts.setStreaming(true);
+    Mirror mirror(parts);
+    QString text;
+    const auto openAfter = [&](const QString& piece) {
+        parts.setContent(text += piece);
+        EXPECT_EQ(mirror.rows, described(parts)) << text.toStdString();
+        return parts.data(parts.index(parts.count() - 1), AnswerParts::IsOpenRole).toBool();
+    };
+    EXPECT_TRUE(openAfter(u"$$x^2$"_s));
+    EXPECT_FALSE(openAfter(u"$"_s));
+    EXPECT_TRUE(openAfter(u"\n\nи"_s)); // words never close
+    EXPECT_TRUE(openAfter(u"\n```mermaid\nflowchart TD\n A --> B\n"_s));
+    EXPECT_FALSE(openAfter(u"```"_s));
+    EXPECT_FALSE(openAfter(u"\n"_s));
+    EXPECT_TRUE(openAfter(u"$$\ny"_s));
+    EXPECT_FALSE(openAfter(u"\n$$"_s));
+    EXPECT_TRUE(openAfter(u"\n```py\na = 1\n``"_s));
+    EXPECT_FALSE(openAfter(u"`"_s));
+}
+
 TEST(AnswerParts, GrowthTouchesTheEndOnly) {
     AnswerParts parts;
     parts.setStreaming(true);

@@ -129,7 +129,7 @@ TEST(Segments, AreRememberedForTheirTextAlone) {
     for (int round = 0; round < 2; ++round) {
         for (int i = 0; i < 120; ++i) {
             const QString text = QString("- %1").arg(i);
-            ASSERT_EQ(resolvedSegments(text), groupBlocksIntoSegments(text));
+            ASSERT_EQ(resolvedSegments(text).segments, groupBlocksIntoSegments(text));
         }
     }
 }

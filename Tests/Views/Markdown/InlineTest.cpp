@@ -66,6 +66,7 @@ TEST(InlineLatex, FormulasAndWhatOnlyLooksLikeThem) {
         {"$5 or $6", "F{5 or }{6}"},
         {"a $$b$$ c", "{a $$b$$ c}"},
         {"$x$ and $y", "F{x}{ and }{$y}"},
+        {"$x$ and 5$", "F{x}{ and 5}{$}"},
         {"$x $$ y$", "{$$}F{x  y}"},
     };
     for (const auto& [text, expected] : cases)

@@ -31,10 +31,12 @@ private:
         const std::vector<CitationSource> citationsBefore = document.citations();
         change = step();
         const Cleaned cleaned = clean(expectedText);
-        const std::vector<Segment> expected = groupBlocksIntoSegments(cleaned.text);
+        bool isTailOpen = false;
+        const std::vector<Segment> expected = groupBlocksIntoSegments(cleaned.text, &isTailOpen);
         ASSERT_EQ(document.text(), expectedText);
         ASSERT_EQ(writtenAll(document.segments()), writtenAll(expected)) << expectedText.toStdString();
         ASSERT_EQ(document.segments(), expected) << expectedText.toStdString();
+        ASSERT_EQ(document.isTailOpen(), isTailOpen) << expectedText.toStdString();
         ASSERT_EQ(document.citations(), cleaned.citations);
         ASSERT_EQ(change.citationsChanged, cleaned.citations != citationsBefore);
         ASSERT_EQ(faultOf(change, before, document.segments()), QString())

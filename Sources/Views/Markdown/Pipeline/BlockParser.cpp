@@ -5,7 +5,7 @@
 
 namespace Korvi::Markdown {
 
-std::vector<Block> parseBlocks(QStringView text) {
+std::vector<Block> parseBlocks(QStringView text, bool* isTailOpen) {
     QString unixLines;
     if (text.contains(u'\r')) {
         ReturnDropper().read(text, 0, text.size(), unixLines);
@@ -20,6 +20,8 @@ std::vector<Block> parseBlocks(QStringView text) {
         parser.read(text, {from, to});
         from = to + 1;
     }
+    if (isTailOpen)
+        *isTailOpen = parser.isOpen();
     parser.finish();
 
     std::vector<Block> blocks;

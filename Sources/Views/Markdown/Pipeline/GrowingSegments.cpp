@@ -115,6 +115,7 @@ std::vector<BlockPlace> GrowingSegments::findBlocks(QStringView text, qsizetype 
         addBookmark({from, places.size(), parser});
     }
     parser.read(text, {from, text.size()});
+    isTailOpen = parser.isOpen();
     parser.finish();
     return old;
 }

@@ -19,6 +19,7 @@ public:
 
     const std::vector<Segment>& all() const { return segments.all(); }
     std::vector<Segment> take() { return segments.take(); }
+    bool endsOpen() const { return isTailOpen; } // code or a formula waits for what closes it
 
 private:
     struct Bookmark {
@@ -60,6 +61,7 @@ private:
     qsizetype openEnd = -1;
     Settled settled;
     qsizetype textSize = 0;
+    bool isTailOpen = false;
     bool isPlainParagraph = false; // plain characters that come next belong to the last paragraph as they are
 };
 

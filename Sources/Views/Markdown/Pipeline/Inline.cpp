@@ -33,7 +33,7 @@ std::vector<TextPart> parseInlineLatex(QStringView text) {
         }
     }
     (inLatex ? formula : plain).append(text.sliced(from));
-    if (inLatex && !formula.isEmpty())
+    if (inLatex)
         plain.append(u'$').append(formula);
     flush(plain, false);
     return parts;

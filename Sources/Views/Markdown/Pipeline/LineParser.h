@@ -55,6 +55,8 @@ public:
     void read(QStringView text, Place line);
     // There are no more lines: what is open ends here.
     void finish();
+    // Before that: whether code or a formula waits for what closes it.
+    bool isOpen() const { return mode == Mode::formula || inCode; }
 
 private:
     enum class Mode : quint8 { plain, heldPipe, table, formula };

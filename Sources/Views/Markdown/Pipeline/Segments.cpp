@@ -45,16 +45,20 @@ std::optional<TextBlock> textBlockOf(const Block& block) {
     return {};
 }
 
-std::vector<Segment> groupBlocksIntoSegments(QStringView text) {
+std::vector<Segment> groupBlocksIntoSegments(QStringView text, bool* isTailOpen) {
     SegmentList segments;
-    for (Block& block : parseBlocks(text))
+    for (Block& block : parseBlocks(text, isTailOpen))
         segments.append(std::move(block));
     return segments.take();
 }
 
-std::vector<Segment> resolvedSegments(const QString& text) {
-    static TextCache<std::vector<Segment>, 50> cache;
-    return cache.value(text, [&] { return groupBlocksIntoSegments(text); });
+ResolvedSegments resolvedSegments(const QString& text) {
+    static TextCache<ResolvedSegments, 50> cache;
+    return cache.value(text, [&] {
+        ResolvedSegments made;
+        made.segments = groupBlocksIntoSegments(text, &made.isTailOpen);
+        return made;
+    });
 }
 
 }

@@ -8,9 +8,15 @@ namespace Korvi::Markdown {
 std::optional<TextBlock> textBlockOf(const Block& block);
 
 // Blocks that can be shown as text together, and those between that cannot, of a cleaned text.
-std::vector<Segment> groupBlocksIntoSegments(QStringView text);
+// `isTailOpen`: whether code or a formula is open at its end.
+std::vector<Segment> groupBlocksIntoSegments(QStringView text, bool* isTailOpen = nullptr);
+
+struct ResolvedSegments {
+    std::vector<Segment> segments;
+    bool isTailOpen = false;
+};
 
 // The same, remembered for the last texts (50 at most). For the main thread.
-std::vector<Segment> resolvedSegments(const QString& text);
+ResolvedSegments resolvedSegments(const QString& text);
 
 }

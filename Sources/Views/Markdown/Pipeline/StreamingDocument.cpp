@@ -26,6 +26,7 @@ struct StreamingDocument::State {
     std::vector<Segment> segments; // unless it grows
     std::vector<CitationSource> citations;
     std::unique_ptr<Growth> growth;
+    bool isTailOpen = false;
 
     Change append(QStringView piece);
     Change replace(const QString& newText);
@@ -47,6 +48,7 @@ Change StreamingDocument::State::append(QStringView piece) {
     }
     const quint64 before = growth->cleaned.citations().revision();
     Change change = growth->append(piece);
+    isTailOpen = growth->segments.endsOpen();
     text.append(piece);
     const CitationList& found = growth->cleaned.citations();
     if (found.revision() != before)
@@ -56,11 +58,12 @@ Change StreamingDocument::State::append(QStringView piece) {
 
 Change StreamingDocument::State::replace(const QString& newText) {
     Cleaned cleaned = clean(newText);
-    std::vector<Segment> now = groupBlocksIntoSegments(cleaned.text);
-    Change change = changeBetween(growth ? growth->segments.all() : segments, now);
+    ResolvedSegments now = resolvedSegments(cleaned.text);
+    Change change = changeBetween(growth ? growth->segments.all() : segments, now.segments);
     growth.reset();
     text = newText;
-    segments = std::move(now);
+    segments = std::move(now.segments);
+    isTailOpen = now.isTailOpen;
     change.citationsChanged = takeCitations(std::move(cleaned.citations));
     return change;
 }
@@ -97,6 +100,10 @@ const QString& StreamingDocument::text() const {
 
 const std::vector<Segment>& StreamingDocument::segments() const {
     return state->growth ? state->growth->segments.all() : state->segments;
+}
+
+bool StreamingDocument::isTailOpen() const {
+    return state->isTailOpen;
 }
 
 const std::vector<CitationSource>& StreamingDocument::citations() const {

@@ -47,6 +47,7 @@ public:
     const QString& text() const; // as it came, not cleaned
     // Do not keep copies of a segment that grows: they make each growth copy the whole of it.
     const std::vector<Segment>& segments() const;
+    bool isTailOpen() const;                              // code or a formula at the end waits for what closes it
     const std::vector<CitationSource>& citations() const; // sorted by index
 
 private:
