@@ -279,5 +279,71 @@ TEST_F(Tools, AnArtifactIsReadWhileItIsWrittenThenShownAndSaved) {
     EXPECT_TRUE(focused(u"artifactButton"_s));
 }
 
+TEST_F(Tools, EveryKindOfArtifactIsShownInItsOwnWay) {
+    start(1);
+    struct Row {
+        QString word;
+        QString view; // "artifactText" for those that have no page
+        QString title;
+        QString begin;
+    };
+    const QString page = u"preview"_s;
+    const QString text = u"artifactText"_s;
+    for (const Row& row :
+        {Row{u"svg"_s, page, u"Дом у реки"_s, u"<svg"_s}, Row{u"python"_s, text, u"Кратчайший путь"_s, {}},
+            Row{u"markdown"_s, text, u"План поездки"_s, {}}, Row{u"mermaid"_s, text, u"Как рождается ответ"_s, {}},
+            Row{u"latex"_s, text, u"Сумма обратных квадратов"_s, u"\\documentclass"_s}}) {
+        m_person->press(Qt::Key_N, Qt::ControlModifier);
+        ASSERT_TRUE(m_person->waitToLose(u"artifactButton"_s));
+        m_person->ask(u"Сделай артефакт "_s + row.word);
+        ASSERT_TRUE(m_person->waitToSee(u"artifactButton"_s));
+        ASSERT_TRUE(answerEnds());
+        m_person->click(u"artifactButton"_s);
+        ASSERT_TRUE(m_person->waitToSee(u"artifactBody"_s)) << row.word.toStdString();
+        ASSERT_TRUE(m_person->waitToSee(row.view, 20s)) << row.word.toStdString();
+        const auto& shown = m_person->chat().artifacts()->artifact();
+        EXPECT_EQ(shown.title, row.title);
+        EXPECT_TRUE(shown.text.toString().trimmed().startsWith(row.begin)) << row.word.toStdString();
+        EXPECT_GT(shown.text.size(), 100);
+    }
+    // Set by the service; from there it is a file like any other.
+    m_person->click(u"pdfButton"_s);
+    ASSERT_TRUE(m_person->waitToSee(u"shareSheet"_s, 60s)) << m_person->read(u"pdfError"_s).toStdString();
+    m_person->click(u"savePdf"_s);
+    const QString pdf = m_person->downloads() + u"/Сумма.pdf"_s;
+    ASSERT_TRUE(m_person->saveAs(u"Сумма.pdf"_s));
+    EXPECT_TRUE(waitFor([&] { return contentOf(pdf).startsWith("%PDF"); }));
+}
+
+TEST_F(Tools, OneAnswerHoldsWhatAllToolsBrought) {
+    start(1);
+    const auto kinds = [this] {
+        QStringList all;
+        for (const MessageContent& part :
+            m_person->chat().messages()->messages().back().content.value_or(std::vector<MessageContent>()))
+            all.append(part.toJson()["type"_L1].toString());
+        return all;
+    };
+    m_person->ask(u"Покажи все инструменты"_s);
+    ASSERT_TRUE(answerEnds());
+    const QStringList shown = kinds();
+    for (const QString& kind : {u"search"_s, u"artifact"_s, u"file_url"_s, u"text"_s})
+        EXPECT_TRUE(shown.contains(kind)) << kind.toStdString() << " in " << shown.join(u' ').toStdString();
+    const QString text = m_person->chat().messages()->messages().back().text();
+    EXPECT_TRUE(text.contains(u"![image]("_s)) << text.toStdString();
+    EXPECT_EQ(shown.count(u"generating"_s) + shown.count(u"searching"_s), 0);
+    restart();
+    ASSERT_TRUE(waitFor([&] { return !m_person->chat().messages()->messages().empty() && kinds() == shown; }))
+        << kinds().join(u' ').toStdString();
+
+    m_person->press(Qt::Key_N, Qt::ControlModifier);
+    m_person->ask(u"Дай текстовый файл"_s);
+    ASSERT_TRUE(m_person->waitToSee(u"openButton"_s));
+    ASSERT_TRUE(answerEnds());
+    m_person->click(u"openButton"_s);
+    ASSERT_TRUE(opened([](const QString& path) { return path.endsWith(u"/Список покупок.txt"_s); }));
+    EXPECT_TRUE(QString::fromUtf8(contentOf(m_programs.files().last())).contains(u"молоко"_s));
+}
+
 }
 }
