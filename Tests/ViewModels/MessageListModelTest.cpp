@@ -51,6 +51,29 @@ private:
     QObject m_context;
 };
 
+// What the reader unfolded stays so when the service's ids come.
+TEST(MessageListModel, KeepsTheKeyOfAMessageThatIsStoredUnderAnotherId) {
+    MessageListModel model;
+    const auto keys = [&] {
+        QList<qint64> all;
+        for (int row = 0; row < model.count(); ++row)
+            all.append(model.index(row).data(MessageListModel::KeyRole).toLongLong());
+        return all;
+    };
+    model.append({message(1, u"a"_s), message(7001, u"question"_s), message(7002, u"answ"_s)});
+    EXPECT_THAT(keys(), ElementsAre(1, 7001, 7002));
+    const std::vector<ChatMessage> stored{message(1, u"a"_s), message(2, u"question"_s), message(3, u"answer"_s)};
+    model.setMessages(stored);
+    EXPECT_THAT(keys(), ElementsAre(1, 7001, 7002));
+
+    model.reset({message(4, u"another chat's"_s)});
+    model.reset(stored); // from the cache
+    EXPECT_THAT(keys(), ElementsAre(1, 7001, 7002));
+
+    model.setMessages({message(2, u"question"_s), message(5, u"something else"_s)}); // one was deleted meanwhile
+    EXPECT_THAT(keys(), ElementsAre(7001, 5));
+}
+
 TEST(MessageListModel, AnnouncesTheRowsThatChangedAndNoOthers) {
     MessageListModel model;
     Changes changes(model);

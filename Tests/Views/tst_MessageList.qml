@@ -59,7 +59,7 @@ Item {
         readonly property string paragraph: "Сортировка слиянием делит список пополам и сливает половины. "
 
         function add(isUser, text) {
-            messages.append({ messageId: nextId++, isUser: isUser, text: text, question: isUser ? text : "",
+            messages.append({ messageId: nextId, key: nextId++, isUser: isUser, text: text, question: isUser ? text : "",
                 content: isUser ? "" : text, thinking: isUser ? "" : "Ход мысли.", isStreaming: !isUser })
         }
 

@@ -16,6 +16,14 @@ QString joined(const ChatMessage& message) {
     return parts.join(u'\n');
 }
 
+// As stored and as it came; one that was stopped may have ended elsewhere.
+bool isSame(const ChatMessage& one, const ChatMessage& other) {
+    const auto isUser = [](const ChatMessage& message) { return message.role == ChatMessage::Role::user; };
+    const QString text = one.text();
+    const QString otherText = other.text();
+    return isUser(one) == isUser(other) && (text.startsWith(otherText) || otherText.startsWith(text));
+}
+
 }
 
 int MessageListModel::rowCount(const QModelIndex& parent) const {
@@ -34,6 +42,7 @@ QVariant MessageListModel::data(const QModelIndex& index, int role) const {
     case IsStreamingRole: return m_streaming && index.row() == count() - 1;
     case QuestionRole:
         return message.role == ChatMessage::Role::user ? joined<MessageContent::Text>(message) : QString();
+    case KeyRole: return m_keys.value(message.id, message.id);
     case ContentRole: return QVariant::fromValue(MessageHandle(*this, index.row(), m_revision));
     default: return {};
     }
@@ -53,13 +62,19 @@ QHash<int, QByteArray> MessageListModel::roleNames() const {
         {IsStreamingRole, "isStreaming"},
         {QuestionRole, "question"},
         {ContentRole, "content"},
+        {KeyRole, "key"},
     };
 }
 
 void MessageListModel::setMessages(std::vector<ChatMessage> messages) {
     const int common = std::min(count(), static_cast<int>(messages.size()));
-    for (int row = 0; row < common; ++row)
-        replace(row, messages[static_cast<std::size_t>(row)]);
+    for (int row = 0; row < common; ++row) {
+        const ChatMessage& old = m_messages[static_cast<std::size_t>(row)];
+        const ChatMessage& message = messages[static_cast<std::size_t>(row)];
+        if (old.id != message.id && isSame(old, message))
+            m_keys.insert(message.id, m_keys.value(old.id, old.id));
+        replace(row, message);
+    }
     if (count() > common) {
         beginRemoveRows({}, common, count() - 1);
         m_messages.resize(static_cast<std::size_t>(common));

@@ -25,6 +25,7 @@ public:
         IsStreamingRole,                  // "isStreaming", bool: the answer is still growing
         QuestionRole,                     // "question", string: what the user wrote; empty for answers
         ContentRole,                      // "content", MessageHandle: all blocks, to be read in place
+        KeyRole,                          // "key", integer: stays when a reload gives the message another id
     };
     Q_ENUM(Role)
 
@@ -55,7 +56,8 @@ private:
     void announce(int row, const QList<int>& roles = {});
 
     std::vector<ChatMessage> m_messages;
-    quint64 m_revision = 0; // of the content
+    QHash<qint64, qint64> m_keys; // by id, of those that had another one before
+    quint64 m_revision = 0;       // of the content
     bool m_streaming = false;
 };
 

@@ -11,7 +11,7 @@ Item {
     required property bool actionsShown
     required property bool canRetry
     property AnswerContext context: null
-    property real messageId: 0
+    property real key: 0 // see MessageRow
 
     readonly property bool isEmpty: body.count === 0
     // What a tool does, unless its placeholder says so.
@@ -77,7 +77,7 @@ Item {
         content: answer.content
         context: answer.context
         isStreaming: answer.isStreaming
-        kept: answer.context?.keptOf("parts " + answer.messageId) ?? ({})
+        kept: answer.context?.keptOf("parts " + answer.key) ?? ({})
         visible: !answer.isEmpty
         width: parent.width
         y: reasoning.visible ? reasoning.height + Theme.gap3 : 0

@@ -8,12 +8,12 @@ import Korvi.Views // the types written in C++
 Flickable {
     id: list
 
-    required property var messages // a list model with the roles messageId, isUser, text, thinking, isStreaming
+    required property var messages // a list model with the roles messageId, key, isUser, text, thinking, isStreaming
     required property real columnWidth
     property AnswerContext context: null
     property bool canRetry: false // the last question can be asked again
 
-    property var openThinking: ({}) // the reasoning that the reader unfolded, by message
+    property var openThinking: ({}) // the reasoning that the reader unfolded, by the key of the message
     property int currentRow: -1 // where the keyboard was last
 
     readonly property alias count: column.count
@@ -140,7 +140,7 @@ Flickable {
             holdsFocus: index === column.focusedRow
             isLast: index === list.count - 1
             tabStop: index === list.tabRow
-            thinkingOpen: list.openThinking[messageId] ?? false
+            thinkingOpen: list.openThinking[key] ?? false
 
             onCaretMoved: (y, height) => column.reveal(index, y, height)
             onCopyWanted: text => list.copy(text)
@@ -154,7 +154,7 @@ Flickable {
             onThinkingToggled: {
                 column.letGo()
                 const open = Object.assign({}, list.openThinking)
-                open[messageId] = !thinkingOpen
+                open[key] = !thinkingOpen
                 list.openThinking = open
             }
         }

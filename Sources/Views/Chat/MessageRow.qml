@@ -7,6 +7,7 @@ Item {
 
     required property int index
     required property real messageId
+    required property real key // what the reader did to it is remembered under this
     required property bool isUser
     required property string question // empty for an answer
     required property var content // its blocks
@@ -124,7 +125,7 @@ Item {
             content: row.content
             context: row.context
             isStreaming: row.isStreaming
-            messageId: row.messageId
+            key: row.key
             thinking: row.thinking
             thinkingOpen: row.thinkingOpen
 

@@ -1,13 +1,10 @@
 #include "AnswerParts.h"
 
-#include "MarkdownTable.h"
-#include "Match.h"
 #include "ParagraphTable.h"
 #include "ParagraphsOf.h"
-#include "Pipeline/TableText.h"
+#include "PartData.h"
 
 #include <QSet>
-#include <QUrl>
 
 #include <algorithm>
 #include <limits>
@@ -17,117 +14,6 @@ namespace Korvi {
 namespace {
 
 constexpr double gapAround = 12; // what is not text
-constexpr qsizetype beginningLength = 200;
-
-std::optional<AnswerPartKind> kindOf(const MessageContent& block) {
-    using Kind = std::optional<AnswerPartKind>;
-    return match(
-        block.value, [](const MessageContent::Text&) -> Kind { return AnswerPartKind::text; },
-        [](const MessageContent::Image&) -> Kind { return AnswerPartKind::image; },
-        [](const MessageContent::Video&) -> Kind { return AnswerPartKind::video; },
-        [](const MessageContent::Music&) -> Kind { return AnswerPartKind::music; },
-        [](const MessageContent::File&) -> Kind { return AnswerPartKind::file; },
-        [](const Artifact&) -> Kind { return AnswerPartKind::artifact; },
-        [](const MessageContent::Thinking&) -> Kind { return std::nullopt; }, // shown folded, above
-        [](const MessageContent::Generating&) -> Kind { return AnswerPartKind::generating; },
-        [](const WebSearchContent&) -> Kind { return AnswerPartKind::search; },
-        [](const MessageContent::SearchInProgress&) -> Kind { return AnswerPartKind::searching; },
-        [](const MessageContent::Unknown&) -> Kind { return std::nullopt; });
-}
-
-AnswerPartKind kindOf(const Markdown::Segment& segment) {
-    using Markdown::Block;
-    const auto* special = std::get_if<Markdown::SpecialSegment>(&segment);
-    if (!special)
-        return AnswerPartKind::text;
-    return match(
-        special->block.value, [](const Block::CodeBlock&) { return AnswerPartKind::code; },
-        [](const Block::MermaidBlock&) { return AnswerPartKind::mermaid; },
-        [](const Block::LatexBlock&) { return AnswerPartKind::latex; },
-        [](const Block::Table&) { return AnswerPartKind::table; },
-        [](const Block::Image&) { return AnswerPartKind::image; }, [](const auto&) { return AnswerPartKind::text; });
-}
-
-QVariant dataOf(const Markdown::Block& block, int role) {
-    using Markdown::Block;
-    if (const auto* code = block.as<Block::CodeBlock>()) {
-        if (role == AnswerParts::LanguageRole)
-            return code->language.value_or(QString());
-        if (role == AnswerParts::CodeRole)
-            return code->code;
-    } else if (const auto* diagram = block.as<Block::MermaidBlock>()) {
-        if (role == AnswerParts::CodeRole)
-            return diagram->code;
-    } else if (const auto* formula = block.as<Block::LatexBlock>()) {
-        if (role == AnswerParts::FormulaRole)
-            return formula->formula;
-    } else if (const auto* table = block.as<Block::Table>()) {
-        if (role == AnswerParts::TableRole)
-            return QVariant::fromValue(MarkdownTable(*table));
-    } else if (const auto* image = block.as<Block::Image>()) {
-        if (role == AnswerParts::UrlRole)
-            return image->url;
-        if (role == AnswerParts::AltRole)
-            return image->alt.value_or(QString());
-    }
-    return {};
-}
-
-QVariant dataOf(const MessageContent& block, int role) {
-    if (role == AnswerParts::BlockRole)
-        return QVariant::fromValue(block);
-    if (const auto* image = block.as<MessageContent::Image>())
-        return role == AnswerParts::UrlRole ? QVariant(image->url)
-            : role == AnswerParts::AltRole  ? QVariant(QString())
-                                            : QVariant();
-    if (const auto* video = block.as<MessageContent::Video>())
-        return role == AnswerParts::UrlRole ? QVariant(video->url) : QVariant();
-    // A file that nobody has named.
-    if (const auto* music = block.as<MessageContent::Music>()) {
-        const QString name = QUrl(music->url).fileName();
-        switch (role) {
-        case AnswerParts::UrlRole: return music->url;
-        case AnswerParts::FilenameRole: return name.isEmpty() ? QStringLiteral("Музыка") : name;
-        case AnswerParts::MimetypeRole: return QStringLiteral("audio/mpeg");
-        default: return {};
-        }
-    }
-    if (const auto* file = block.as<MessageContent::File>()) {
-        switch (role) {
-        case AnswerParts::UrlRole: return file->url;
-        case AnswerParts::FilenameRole: return file->filename;
-        case AnswerParts::MimetypeRole: return file->mimetype;
-        default: return {};
-        }
-    }
-    if (const auto* search = block.as<MessageContent::SearchInProgress>())
-        return role == AnswerParts::QueryRole ? QVariant(search->query) : QVariant();
-    if (const auto* generating = block.as<MessageContent::Generating>())
-        return role == AnswerParts::WhatRole ? QVariant(generating->kind) : QVariant();
-    return {};
-}
-
-// Lines of a table, the header being number 0.
-QString readRows(const Markdown::Block::Table& table, qsizetype from, qsizetype to) {
-    Markdown::Block::Table part;
-    from = std::max<qsizetype>(from, 0);
-    to = std::min(to, static_cast<qsizetype>(table.rows.size()) + 1);
-    if (from >= to)
-        return {};
-    part.headers = from == 0 ? table.headers : table.rows[static_cast<std::size_t>(from - 1)];
-    part.rows.assign(table.rows.begin() + from, table.rows.begin() + to - 1);
-    return Markdown::tableAsTsv(part);
-}
-
-QString readingOf(const Markdown::Block& block, qsizetype from, qsizetype to) {
-    using Markdown::Block;
-    return match(
-        block.value, [&](const Block::CodeBlock& code) { return code.code.mid(from, to - from); },
-        [&](const Block::Table& table) { return readRows(table, from, to); },
-        [](const Block::MermaidBlock& diagram) { return QStringLiteral("```mermaid\n%1\n```").arg(diagram.code); },
-        [](const Block::LatexBlock& formula) { return QStringLiteral("$$%1$$").arg(formula.formula); },
-        [](const auto&) { return QString(); });
-}
 
 }
 
@@ -144,7 +30,7 @@ void AnswerParts::setContent(const QVariant& content) {
         if (message && message->content) {
             for (const MessageContent& block : *message->content) {
                 const auto* text = block.as<MessageContent::Text>();
-                if (kindOf(block) && !(text && text->text.isEmpty()))
+                if (partKind(block) && !(text && text->text.isEmpty()))
                     blocks.push_back(&block);
             }
         }
@@ -275,7 +161,7 @@ void AnswerParts::appendSegment(std::vector<Part>& parts, int source, int segmen
     const Markdown::Segment& shown =
         m_sources[static_cast<std::size_t>(source)].document->segments()[static_cast<std::size_t>(segment)];
     if (!isText(shown)) {
-        parts.push_back({kindOf(shown), source, segment, {}, 0});
+        parts.push_back({partKind(shown), source, segment, {}, 0});
         return;
     }
     const auto append = [&](const std::vector<PartRange>& ranges) {
@@ -297,7 +183,7 @@ void AnswerParts::appendSegment(std::vector<Part>& parts, int source, int segmen
 void AnswerParts::appendSource(std::vector<Part>& parts, int source, int firstSegment) {
     const Source& from = m_sources[static_cast<std::size_t>(source)];
     if (!from.document) {
-        parts.push_back({*kindOf(from.block), source, 0, {}, 0});
+        parts.push_back({*partKind(from.block), source, 0, {}, 0});
         return;
     }
     const auto count = static_cast<int>(from.document->segments().size());
@@ -381,18 +267,6 @@ void AnswerParts::updateOpenEnd() {
         emit dataChanged(index(end), index(end), {IsOpenRole});
 }
 
-void AnswerParts::updateBeginning() {
-    QString beginning;
-    for (int row = 0; row < count() && beginning.isEmpty(); ++row)
-        beginning =
-            kind(row) == AnswerPartKind::image ? data(index(row), AltRole).toString() : read(row, 0, beginningLength);
-    beginning.truncate(beginningLength);
-    if (beginning == m_beginning)
-        return;
-    m_beginning = beginning;
-    emit beginningChanged();
-}
-
 QVariantList AnswerParts::citations() const {
     std::vector<Markdown::CitationSource> all;
     QSet<QString> urls;
@@ -420,7 +294,7 @@ const Markdown::Segment* AnswerParts::segment(const Part& part) const {
     if (source >= m_sources.size() || !m_sources[source].document)
         return nullptr;
     const std::vector<Markdown::Segment>& segments = m_sources[source].document->segments();
-    if (number >= segments.size() || kindOf(segments[number]) != part.kind)
+    if (number >= segments.size() || partKind(segments[number]) != part.kind)
         return nullptr;
     const bool fits = part.kind != AnswerPartKind::text || part.range.last < paragraphCount(segments[number]);
     return fits ? &segments[number] : nullptr;
@@ -479,96 +353,6 @@ double AnswerParts::gap(int row) const {
     return (isRoomy ? 0 : gapAround) + (isText ? lookOf(outline(row, Edge::top).kind).before : 0);
 }
 
-QString AnswerParts::read(int row, qsizetype from, qsizetype to) const {
-    if (kind(row) != AnswerPartKind::text) {
-        const Markdown::Block* block = special(row);
-        if (from >= to)
-            return {};
-        if (kind(row) == AnswerPartKind::image) // in the text, or what a tool has made
-            return QStringLiteral("![%1](%2)")
-                .arg(data(index(row), AltRole).toString(), data(index(row), UrlRole).toString());
-        return block ? readingOf(*block, from, to) : QString();
-    }
-    QString text;
-    const std::vector<Paragraph> all = paragraphs(row);
-    qsizetype begin = 0;
-    for (std::size_t i = 0; i < all.size() && begin < to; ++i) {
-        const qsizetype length = all[i].length();
-        if (i > 0 && from < begin)
-            text += separator(all[i - 1], all[i]);
-        if (from < begin + length)
-            text += all[i].read(from - begin, to - begin);
-        begin += length + 1;
-    }
-    return text;
-}
-
-QString AnswerParts::separatorAbove(int row) const {
-    if (kind(row) == AnswerPartKind::text && kind(row - 1) == AnswerPartKind::text)
-        return separator(outline(row - 1, Edge::bottom), outline(row, Edge::top));
-    return QStringLiteral("\n\n");
-}
-
-int AnswerParts::lengthOf(int row) const {
-    if (row < 0 || row >= count())
-        return 0;
-    if (kind(row) != AnswerPartKind::text) {
-        const Markdown::Block* block = special(row);
-        if (!block)
-            return kind(row) == AnswerPartKind::image ? 1 : 0;
-        if (const auto* code = block->as<Markdown::Block::CodeBlock>())
-            return static_cast<int>(code->code.size());
-        const auto* table = block->as<Markdown::Block::Table>();
-        return table ? static_cast<int>(table->rows.size()) + 1 : 1;
-    }
-    qsizetype length = -1;
-    for (const Paragraph& paragraph : paragraphs(row))
-        length += paragraph.length() + 1;
-    return static_cast<int>(length);
-}
-
-QString AnswerParts::between(int firstPart, int from, int lastPart, int to) const {
-    if (firstPart < 0 || lastPart >= count() || firstPart > lastPart)
-        return {};
-    QString text;
-    bool any = false;
-    for (int row = firstPart; row <= lastPart; ++row) {
-        const qsizetype begin = row == firstPart ? from : 0;
-        const qsizetype end = row == lastPart ? to : lengthOf(row);
-        const QString piece = read(row, begin, end);
-        if (piece.isEmpty())
-            continue;
-        if (any)
-            text += separatorAbove(row);
-        text += piece;
-        any = true;
-    }
-    return text;
-}
-
-QString AnswerParts::plainText() const {
-    return between(0, 0, count() - 1, lengthOf(count() - 1));
-}
-
-QString AnswerParts::markdown() const {
-    QStringList texts;
-    for (const Source& source : m_sources) {
-        if (source.document)
-            texts.append(source.document->text());
-    }
-    return texts.join(u'\n');
-}
-
-QVariantList AnswerParts::images() const {
-    QVariantList images;
-    for (int row = 0; row < count(); ++row) {
-        if (kind(row) == AnswerPartKind::image)
-            images.append(QVariantMap{{QStringLiteral("url"), data(index(row), UrlRole)},
-                {QStringLiteral("alt"), data(index(row), AltRole)}});
-    }
-    return images;
-}
-
 int AnswerParts::rowCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : count();
 }
@@ -586,10 +370,10 @@ QVariant AnswerParts::data(const QModelIndex& index, int role) const {
     default: break;
     }
     if (const Markdown::Block* block = special(row))
-        return dataOf(*block, role);
+        return partData(*block, role);
     const auto source = static_cast<std::size_t>(part.source);
     if (part.kind != AnswerPartKind::text && source < m_sources.size() && !m_sources[source].document)
-        return dataOf(m_sources[source].block, role);
+        return partData(m_sources[source].block, role);
     return {};
 }
 
