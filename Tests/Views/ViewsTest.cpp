@@ -1,6 +1,7 @@
 // Runs the tst_*.qml files beside it. A warning of the QML engine, a binding loop among them, ends the run.
 #include "MarkdownValues.h"
 
+#include <QDesktopServices>
 #include <QDragEnterEvent>
 #include <QMimeData>
 #include <QQmlContext>
@@ -59,6 +60,28 @@ private:
     std::unique_ptr<QMimeData> m_data;
 };
 
+// What is asked to open addresses instead of the desktop.
+class Opener : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(QStringList opened MEMBER m_opened)
+
+public:
+    Opener() {
+        for (const char* scheme : schemes)
+            QDesktopServices::setUrlHandler(QString::fromLatin1(scheme), this, "open");
+    }
+    ~Opener() override {
+        for (const char* scheme : schemes)
+            QDesktopServices::unsetUrlHandler(QString::fromLatin1(scheme));
+    }
+    Q_INVOKABLE void open(const QUrl& url) { m_opened.append(url.toString()); }
+
+private:
+    static constexpr const char* schemes[] = {"http", "https", "mailto", "file", "javascript", "ftp"};
+
+    QStringList m_opened;
+};
+
 class Setup : public QObject {
     Q_OBJECT
 
@@ -67,6 +90,7 @@ public slots:
         engine->rootContext()->setContextProperty("keyboard", &m_keyboard);
         engine->rootContext()->setContextProperty("dragging", &m_dragging);
         engine->rootContext()->setContextProperty("markdown", &m_markdown);
+        engine->rootContext()->setContextProperty("opener", &m_opener);
         connect(engine, &QQmlEngine::warnings, this, [](const QList<QQmlError>& warnings) {
             for (const QQmlError& warning : warnings)
                 qFatal("QML warning: %s", qUtf8Printable(warning.toString()));
@@ -77,6 +101,7 @@ private:
     Keyboard m_keyboard;
     Dragging m_dragging;
     Korvi::MarkdownValues m_markdown;
+    Opener m_opener;
 };
 
 QUICK_TEST_MAIN_WITH_SETUP(views, Setup)

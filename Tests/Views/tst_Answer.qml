@@ -301,10 +301,29 @@ Item {
             compare(chip.Accessible.role, Accessible.Link)
             verify(chip.enabled)
             verify(answer.implicitHeight >= footer.y + footer.height)
-            chip.url = "file:///etc/passwd"
-            verify(!chip.enabled)
+            opener.opened = []
+            mouseClick(chip)
+            chip.forceActiveFocus()
+            keyClick(Qt.Key_Space)
+            compare(opener.opened, ["http://example.com/a", "http://example.com/a"])
+            for (const address of ["file:///etc/passwd", "javascript:alert(1)", "ftp://example.com/a", "mailto:a@example.com", "http:"]) {
+                chip.url = address
+                verify(!chip.enabled, address)
+                chip.clicked()
+            }
+            compare(opener.opened.length, 3) // a letter can be written, but it is no source
+            compare(opener.opened[2], "mailto:a@example.com")
             answer.text = "Без источников"
             verify(!footer.visible)
+        }
+
+        // An image that is not shown larger here opens where images are shown, if it is one of the web.
+        function test_onlyPagesAndLettersOpenAtAll() {
+            opener.opened = []
+            for (const address of ["https://example.com/a.png", "MAILTO:a@example.com", "mailto:a@example.com?attach=/etc/passwd",
+                "file:///a.png", "javascript:alert(1)", "//example.com", "https:///a", " https://example.com", "ftp://example.com"])
+                answer.showImage(address)
+            compare(opener.opened, ["https://example.com/a.png", "mailto:a@example.com"])
         }
 
         function test_aNewSizeOfTextAndColoursAreTakenOver() {

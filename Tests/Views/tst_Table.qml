@@ -36,6 +36,11 @@ Item {
             }
         }
     }
+    FontMetrics {
+        id: mono
+
+        font.family: Theme.monoFamily
+    }
     SignalSpy {
         id: copied
 
@@ -107,6 +112,40 @@ Item {
             compare(rowItems(view)[3].cells.map(cell => cell.isRich), [true, true])
             verify(rowItems(view)[3].cells[0].text.includes("x&lt;y"))
             compare(rowItems(view)[2].widths.length, 4)
+        }
+
+        function test_aReaderHearsWordsAndNotTheirMarkup() {
+            view.table = markdown.table("|**Имя**|\n|-|\n|`x<y` и *z*|")
+            compare(rowItems(view).map(row => row.Accessible.name), ["Имя", "x<y и z"])
+        }
+
+        // As among words: a pixel smaller, and no heavier in the header.
+        function test_codeIsSmallerThanTheWordsAroundIt() {
+            const wide = "ш".repeat(20)
+            const text = row => {
+                const visit = item => item.implicitWidth > 100 && item.textFormat !== undefined ? item
+                    : Array.from(item.children).reduce((found, child) => found ?? visit(child), null)
+                return visit(rowItems(view)[row])
+            }
+            view.table = markdown.table("|`" + wide + "`|\n|-|\n|`" + wide + "`|")
+            for (const size of [11, 13, 20]) {
+                Theme.textSize = size
+                mono.font.pixelSize = Math.round(size * 12 / 13)
+                fuzzyCompare(text(0).implicitWidth, mono.advanceWidth(wide), 2)
+                wait(20)
+                const image = grabImage(view)
+                const [header, cell] = [0, 1].map(row => text(row).mapToItem(view, 0, 0))
+                const differ = []
+                for (let y = 0; y < text(0).height; ++y)
+                    for (let x = 0; x < 40; ++x)
+                        if (!Qt.colorEqual(image.pixel(header.x + x, header.y + y), image.pixel(cell.x + x, cell.y + y)))
+                            differ.push([x, y])
+                compare(differ, [])
+                view.width = 10 // the column is as wide as its widest word
+                fuzzyCompare(rowItems(view)[0].widths[0], text(0).implicitWidth, Theme.gap4 + 3)
+                view.width = 500
+            }
+            Theme.textSize = 13
         }
 
         function test_finishedRowsStayWhileOthersCome() {

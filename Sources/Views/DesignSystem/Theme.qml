@@ -72,6 +72,7 @@ ThemeColors {
     readonly property int fontSmall: px(11)
     readonly property int fontLabel: px(12)
     readonly property int fontBody: px(13)
+    readonly property int fontInlineCode: px(12) // in body text
     readonly property int fontCode: px(12)
     readonly property int fontHeading2: px(15)
     readonly property int fontHeading1: px(17)

@@ -1,4 +1,5 @@
 import QtQuick
+import "Links.js" as Links
 
 // One source: its number and whose it is.
 BaseButton {
@@ -9,9 +10,7 @@ BaseButton {
     required property string domain
 
     // Nothing but web pages: an address comes from the model.
-    readonly property bool canOpen: /^https?:\/\//i.test(url)
-
-    signal openWanted(string url)
+    readonly property bool canOpen: Links.isWeb(url)
 
     Accessible.description: url
     Accessible.role: Accessible.Link
@@ -51,5 +50,5 @@ BaseButton {
         }
     }
 
-    onClicked: Qt.openUrlExternally(url)
+    onClicked: Links.open(url)
 }

@@ -205,7 +205,8 @@ Item {
         cellFont.pixelSize: Theme.fontBody
         codeBackground: Theme.icodebg
         codeColor: Theme.icode
-        codeFamily: Theme.monoFamily
+        codeFont.family: Theme.monoFamily
+        codeFont.pixelSize: Theme.fontInlineCode
         headerFont.family: Theme.family
         headerFont.pixelSize: Theme.fontBody
         headerFont.weight: Font.DemiBold

@@ -3,6 +3,7 @@
 #include "Pipeline/Inline.h"
 
 #include <QColor>
+#include <QFont>
 #include <QString>
 
 namespace Korvi::TableCell {
@@ -13,8 +14,9 @@ std::vector<Markdown::Run> runs(const QString& markdown);
 struct Markup {
     QString text;
     bool isRich = false; // HTML; otherwise plain text
+    QString plain;       // what is read of it
 };
 
-Markup markup(const QString& markdown, const QString& codeFamily, const QColor& code, const QColor& codeBackground);
+Markup markup(const QString& markdown, const QFont& codeFont, const QColor& code, const QColor& codeBackground);
 
 }

@@ -6,7 +6,7 @@ Item {
     id: row
 
     required property int index
-    required property var cells // { text, isRich } for each column
+    required property var cells // { text, isRich, plain } for each column
     required property bool isHeader
     required property TableRows rows
     required property var offsets // where columns begin
@@ -21,7 +21,7 @@ Item {
         return height
     }
 
-    Accessible.name: cells.map(cell => cell.text).join("; ")
+    Accessible.name: cells.map(cell => cell.plain).join("; ")
     Accessible.role: Accessible.Row
     implicitHeight: Math.ceil(tallest) + Theme.cellPadding * 2 + Theme.hairline
 

@@ -28,6 +28,13 @@ void TableRows::setHeaderFont(const QFont& font) {
     emit styleChanged();
 }
 
+void TableRows::setCodeFont(const QFont& font) {
+    if (font == m_codeFont)
+        return;
+    m_codeFont = font;
+    emit styleChanged();
+}
+
 void TableRows::setTable(const MarkdownTable& table) {
     if (table == m_table)
         return;
@@ -79,9 +86,7 @@ void TableRows::restyle() {
 }
 
 void TableRows::resetWidths() {
-    QFont codeFont = m_cellFont;
-    codeFont.setFamily(m_codeFamily);
-    m_widths.reset(m_cellFont, m_headerFont, codeFont, m_widest);
+    m_widths.reset(m_cellFont, m_headerFont, m_codeFont, m_widest);
 }
 
 void TableRows::measureFrom(int firstRow) {
@@ -168,8 +173,9 @@ QVariant TableRows::data(const QModelIndex& index, int role) const {
             cell.truncate(longestCell - (cell.at(longestCell - 1).isHighSurrogate() ? 1 : 0));
             cell += u'…';
         }
-        const TableCell::Markup markup = TableCell::markup(cell, m_codeFamily, m_codeColor, m_codeBackground);
-        shown.append(QVariantMap{{QStringLiteral("text"), markup.text}, {QStringLiteral("isRich"), markup.isRich}});
+        const TableCell::Markup markup = TableCell::markup(cell, m_codeFont, m_codeColor, m_codeBackground);
+        shown.append(QVariantMap{{QStringLiteral("text"), markup.text}, {QStringLiteral("isRich"), markup.isRich},
+            {QStringLiteral("plain"), markup.plain}});
     }
     return shown;
 }

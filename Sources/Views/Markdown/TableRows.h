@@ -19,7 +19,7 @@ class TableRows : public QAbstractListModel, public QQmlParserStatus {
     Q_PROPERTY(int count READ count NOTIFY tableChanged) // of the rows, with the header
     Q_PROPERTY(QFont cellFont MEMBER m_cellFont WRITE setCellFont NOTIFY styleChanged)
     Q_PROPERTY(QFont headerFont MEMBER m_headerFont WRITE setHeaderFont NOTIFY styleChanged)
-    Q_PROPERTY(QString codeFamily MEMBER m_codeFamily NOTIFY styleChanged)
+    Q_PROPERTY(QFont codeFont MEMBER m_codeFont WRITE setCodeFont NOTIFY styleChanged)
     Q_PROPERTY(QColor codeColor MEMBER m_codeColor NOTIFY styleChanged)
     Q_PROPERTY(QColor codeBackground MEMBER m_codeBackground NOTIFY styleChanged)
     // Pixels.
@@ -37,7 +37,7 @@ public:
     static constexpr qsizetype mostColumns = 64;
 
     enum Role {
-        CellsRole = Qt::UserRole + 1, // "cells", list of { text, isRich }, one for each column
+        CellsRole = Qt::UserRole + 1, // "cells", list of { text, isRich, plain }, one for each column
         IsHeaderRole,                 // "isHeader", bool
     };
 
@@ -48,6 +48,7 @@ public:
     int count() const { return m_count; }
     void setCellFont(const QFont& font);
     void setHeaderFont(const QFont& font);
+    void setCodeFont(const QFont& font);
     QList<qreal> columnWidths() const { return m_columnWidths; }
     QList<int> alignments() const { return m_alignments; }
     qreal totalWidth() const;
@@ -85,7 +86,7 @@ private:
     QList<int> m_alignments;
     QFont m_cellFont;
     QFont m_headerFont;
-    QString m_codeFamily;
+    QFont m_codeFont;
     QColor m_codeColor;
     QColor m_codeBackground;
     qreal m_available = 0;
