@@ -1,5 +1,6 @@
 #include "KorviApp.h"
 #include "Log.h"
+#include "QtTexts.h"
 #include "SingleInstance.h"
 
 #include <QGuiApplication>
@@ -14,6 +15,8 @@ int main(int argc, char* argv[]) {
     QGuiApplication::setApplicationDisplayName(QStringLiteral("Korvi"));
     QGuiApplication::setDesktopFileName(QStringLiteral("korvi"));
     QLocale::setDefault(QLocale(QLocale::Russian));
+    Korvi::QtTexts texts;
+    QGuiApplication::installTranslator(&texts);
     Korvi::installLogFormat();
 
     Korvi::SingleInstance instance;

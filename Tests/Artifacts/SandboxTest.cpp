@@ -71,6 +71,10 @@ public:
     }
 
     ArtifactPreview& preview() { return *m_preview; }
+    void press(int key) {
+        QKeyEvent event(QEvent::KeyPress, key, key == Qt::Key_Backtab ? Qt::ShiftModifier : Qt::NoModifier);
+        QCoreApplication::sendEvent(m_preview.get(), &event);
+    }
     QColor colour(const QPoint& at = {200, 280}) const {
         return m_preview->frame().isNull() ? QColor() : m_preview->frame().pixelColor(at);
     }
@@ -257,6 +261,34 @@ TEST_F(SandboxTest, ScriptRunsAndHearsThePointerAndTheKeyboard) {
         QCoreApplication::sendEvent(&shown.preview(), &event);
     }
     EXPECT_TRUE(shown.turns(green));
+}
+
+const QString twoButtons = uR"html(<!doctype html><body style="margin:0;background:rgb(1,2,3)">
+<button onfocus="document.body.style.background='rgb(4,5,6)'">1</button>
+<button onfocus="document.body.style.background='rgb(0,160,0)'">2</button>)html"_s;
+
+TEST_F(SandboxTest, TabGoesThroughThePageAndOutOfIt) {
+    Shown shown(u"html"_s, twoButtons);
+    ASSERT_TRUE(shown.turns(QColor(1, 2, 3)));
+    ASSERT_TRUE(waitFor([&] { return shown.preview().status() == ArtifactPreview::Ready; }));
+    QQuickItem before(shown.preview().parentItem());
+    QQuickItem behind(shown.preview().parentItem());
+    before.stackBefore(&shown.preview());
+    before.setActiveFocusOnTab(true);
+    behind.setActiveFocusOnTab(true);
+    shown.preview().forceActiveFocus(Qt::TabFocusReason);
+    EXPECT_TRUE(shown.turns(QColor(4, 5, 6)));
+    shown.press(Qt::Key_Tab);
+    EXPECT_TRUE(shown.turns(green));
+    shown.press(Qt::Key_Tab);
+    EXPECT_TRUE(waitFor([&] { return behind.hasActiveFocus(); }));
+    shown.preview().forceActiveFocus(Qt::BacktabFocusReason);
+    settle(50);
+    EXPECT_EQ(shown.colour(), green);
+    shown.press(Qt::Key_Backtab);
+    EXPECT_TRUE(shown.turns(QColor(4, 5, 6)));
+    shown.press(Qt::Key_Backtab);
+    EXPECT_TRUE(waitFor([&] { return before.hasActiveFocus(); }));
 }
 
 TEST_F(SandboxTest, APictureIsShownAndNothingInItRunsOrReachesTheNetwork) {

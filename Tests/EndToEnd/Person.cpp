@@ -11,6 +11,7 @@
 namespace Korvi::Test {
 
 using namespace Qt::Literals;
+using namespace std::chrono_literals;
 
 Person::Person(quint16 port, QJsonObject info, Acquaintance acquaintance) {
     qputenv("XDG_DATA_HOME", m_home.path().toUtf8());
@@ -86,7 +87,9 @@ bool Person::tabTo(const QString& objectName) {
     for (int presses = 0; presses < 40; ++presses) {
         if (focus() == objectName)
             return true;
+        const QQuickItem* before = window()->activeFocusItem();
         press(Qt::Key_Tab);
+        waitFor([&] { return window()->activeFocusItem() != before; }, 500ms); // a page passes it on in its own time
     }
     return false;
 }
@@ -118,14 +121,11 @@ void Person::ask(const QString& question) {
 
 bool Person::saveAs(const QString& name) {
     const QString field = u"fileNameTextField"_s;
-    if (!waitToSee(field))
+    if (!waitToSee(field) || !waitFor([&] { return see(field)->hasActiveFocus(); }))
         return false;
-    see(field)->forceActiveFocus();
     press(Qt::Key_A, Qt::ControlModifier);
     type(name);
-    press(Qt::Key_Tab); // over the filter to the button
-    press(Qt::Key_Tab);
-    press(Qt::Key_Space);
+    press(Qt::Key_Return);
     return waitToLose(field);
 }
 

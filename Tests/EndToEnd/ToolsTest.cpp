@@ -250,7 +250,13 @@ TEST_F(Tools, AnArtifactIsReadWhileItIsWrittenThenShownAndSaved) {
     ASSERT_TRUE(becomes(u"preview"_s, "status", ArtifactPreview::Ready));
     auto* preview = qobject_cast<ArtifactPreview*>(m_person->see(u"preview"_s));
     ASSERT_TRUE(waitFor([&] { return !preview->frame().isNull(); }));
-    // The page hears of the keyboard: its first button is reached and pressed.
+    // F6 leads out of the page, to the buttons of the document, and back.
+    m_person->click(u"preview"_s);
+    ASSERT_TRUE(focused(u"preview"_s));
+    m_person->press(Qt::Key_F6);
+    EXPECT_TRUE(focused(u"copyArtifact"_s));
+    m_person->press(Qt::Key_F6);
+    EXPECT_TRUE(focused(u"preview"_s));
     m_person->click(u"copyArtifact"_s);
     EXPECT_EQ(QGuiApplication::clipboard()->text(), artifact.artifact().text.toString());
 

@@ -5,6 +5,7 @@
 #include "WaitFor.h"
 
 #include <QDBusMessage>
+#include <QDBusVirtualObject>
 #include <QProcess>
 
 #include <gmock/gmock.h>
@@ -87,6 +88,58 @@ TEST(DesktopNotificationsWithoutBus, NothingHappens) {
         co_return co_await answer;
     });
     EXPECT_FALSE(asking.value());
+}
+
+// Tells of what is done with a notification before it answers which one it is.
+class HastyServer : public QDBusVirtualObject {
+public:
+    QString introspect(const QString&) const override { return {}; }
+    bool handleMessage(const QDBusMessage& message, const QDBusConnection& bus) override {
+        if (message.member() == "GetCapabilities"_L1)
+            return bus.send(message.createReply(QStringList()));
+        for (const uint somebodys : {number + 1, number}) {
+            tell(bus, u"ActionInvoked"_s, {somebodys, u"default"_s});
+            tell(bus, u"NotificationClosed"_s, {somebodys, 2U});
+        }
+        return bus.send(message.createReply(number));
+    }
+    static void tell(QDBusConnection bus, const QString& what, const QVariantList& arguments) {
+        QDBusMessage signal =
+            QDBusMessage::createSignal(u"/org/freedesktop/Notifications"_s, u"org.freedesktop.Notifications"_s, what);
+        signal.setArguments(arguments);
+        bus.send(signal);
+    }
+
+    static constexpr uint number = 7;
+};
+
+TEST(DesktopNotificationsOfAHastyServer, AreActedUponOnce) {
+    QProcess daemon;
+    daemon.start(u"dbus-daemon"_s, {u"--session"_s, u"--nofork"_s, u"--print-address"_s});
+    if (!daemon.waitForStarted())
+        GTEST_SKIP() << "no dbus-daemon";
+    ASSERT_TRUE(daemon.waitForReadyRead());
+    const QString address = QString::fromUtf8(daemon.readLine().trimmed());
+    QDBusConnection far = QDBusConnection::connectToBus(address, u"far"_s);
+    HastyServer server;
+    ASSERT_TRUE(far.registerVirtualObject(u"/org/freedesktop/Notifications"_s, &server));
+    ASSERT_TRUE(far.registerService(u"org.freedesktop.Notifications"_s));
+    {
+        DesktopNotifications desktop(u"Korvi"_s, u"korvi"_s, QDBusConnection::connectToBus(address, u"near"_s));
+        QStringList activated;
+        QObject::connect(&desktop, &UserNotifications::activated,
+            [&](const UserNotification& notification) { activated.append(notification.id); });
+        desktop.show({.id = u"answer-7"_s, .title = {}, .body = {}, .userInfo = {}});
+        EXPECT_TRUE(waitFor([&] { return !activated.isEmpty(); }));
+        // It is closed by now.
+        HastyServer::tell(far, u"ActionInvoked"_s, {HastyServer::number, u"default"_s});
+        settle();
+        EXPECT_THAT(activated, testing::ElementsAre(u"answer-7"_s));
+    }
+    QDBusConnection::disconnectFromBus(u"near"_s);
+    QDBusConnection::disconnectFromBus(u"far"_s);
+    daemon.terminate();
+    daemon.waitForFinished();
 }
 
 // The login manager's place, taken on the bus of the test.

@@ -50,6 +50,7 @@ DesktopNotifications::DesktopNotifications(
     connect(&m_server, &QDBusServiceWatcher::serviceOwnerChanged, this, [this] {
         m_shown.clear();
         m_tokens.clear();
+        m_early.clear();
         m_readsMarkup.reset();
     });
 }
@@ -104,6 +105,8 @@ void DesktopNotifications::notify(const UserNotification& notification) {
                     << "🔔 [UserNotifications] Nobody shows notifications:" << reply.error().name();
             else
                 take(reply.value(), notification);
+            for (const auto& signal : std::exchange(m_early, {}))
+                signal();
         });
 }
 
@@ -122,18 +125,31 @@ void DesktopNotifications::withdraw(const QString& id) {
     }
 }
 
+bool DesktopNotifications::isEarly(uint id, std::function<void()> signal) {
+    if (m_shown.contains(id) || m_pending.isEmpty())
+        return false;
+    m_early.append(std::move(signal));
+    return true;
+}
+
 void DesktopNotifications::tokenGiven(uint id, const QString& token) {
+    if (isEarly(id, [=, this] { tokenGiven(id, token); }))
+        return;
     if (m_shown.contains(id))
         m_tokens.insert(id, token);
 }
 
 // Everybody's notifications are announced to everybody: those of others are not known here.
 void DesktopNotifications::actionInvoked(uint id, const QString& action) {
+    if (isEarly(id, [=, this] { actionInvoked(id, action); }))
+        return;
     if (action == defaultAction && m_shown.contains(id))
         emit activated(m_shown.value(id), m_tokens.take(id));
 }
 
-void DesktopNotifications::notificationClosed(uint id, uint) {
+void DesktopNotifications::notificationClosed(uint id, uint reason) {
+    if (isEarly(id, [=, this] { notificationClosed(id, reason); }))
+        return;
     m_shown.remove(id);
     m_tokens.remove(id);
 }

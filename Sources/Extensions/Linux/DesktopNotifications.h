@@ -7,6 +7,8 @@
 #include <QHash>
 #include <QSet>
 
+#include <functional>
+
 namespace Korvi {
 
 // Notifications through org.freedesktop.Notifications on the session bus. A desktop has no permission to ask for:
@@ -32,6 +34,8 @@ private slots:
 private:
     void notify(const UserNotification& notification);
     void take(uint serverId, const UserNotification& notification);
+    // A signal may come before the answer that tells its number: then it is heard again once the answer is there.
+    bool isEarly(uint id, std::function<void()> signal);
 
     QString m_applicationName;
     QString m_desktopEntry;
@@ -42,6 +46,7 @@ private:
     QHash<uint, QString> m_tokens;
     QHash<QString, int> m_pending; // how many of an id are on their way to the server
     QSet<QString> m_withdrawn;     // while they were
+    QList<std::function<void()>> m_early;
 };
 
 }

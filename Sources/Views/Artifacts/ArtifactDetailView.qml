@@ -38,7 +38,7 @@ FocusScope {
         if (event.matches(StandardKey.Save))
             saveWanted(fileName)
         else if (event.key === Qt.Key_F6)
-            (body.activeFocus ? header : body).forceActiveFocus(Qt.TabFocusReason)
+            (body.activeFocus ? header : body).forceActiveFocus(Qt.ShortcutFocusReason)
         else
             return
         event.accepted = true

@@ -117,8 +117,13 @@ void ArtifactPreview::take(const QJsonObject& message) {
         readFrame({frame["width"_L1].toInt(), frame["height"_L1].toInt()});
     if (const QJsonValue loaded = message["loaded"_L1]; loaded.isBool()) {
         m_limit.stop();
+        const bool isFirst = m_status != Ready;
         setStatus(loaded.toBool() ? Ready : Failed);
+        if (isFirst && hasActiveFocus())
+            sendFocus(Qt::OtherFocusReason);
     }
+    if (message.contains("left"_L1))
+        leave(message["left"_L1] == "forward"_L1);
 }
 
 void ArtifactPreview::readFrame(const QSize& size) {
@@ -230,12 +235,20 @@ void ArtifactPreview::sendKey(const char* type, QKeyEvent* event) {
 }
 
 void ArtifactPreview::keyPressEvent(QKeyEvent* event) {
-    // The ways out stay the client's: closing, and going on to what stands beside.
-    const bool isOurs = event->key() == Qt::Key_Escape || event->key() == Qt::Key_Tab ||
-        event->key() == Qt::Key_Backtab || event->key() == Qt::Key_F6 || event->modifiers() & Qt::ControlModifier;
+    // The ways out stay the client's, whatever a page does with its keys. Tab goes through a page that is there.
+    const bool isTab = event->key() == Qt::Key_Tab || event->key() == Qt::Key_Backtab;
+    const bool isOurs = event->key() == Qt::Key_Escape || event->key() == Qt::Key_F6 ||
+        event->modifiers() & Qt::ControlModifier || (isTab && m_status != Ready);
     event->setAccepted(!isOurs);
     if (!isOurs)
         sendKey("keyPress", event);
+}
+
+void ArtifactPreview::leave(bool forward) {
+    if (!hasActiveFocus())
+        return;
+    if (QQuickItem* next = nextItemInFocusChain(forward))
+        next->forceActiveFocus(forward ? Qt::TabFocusReason : Qt::BacktabFocusReason);
 }
 
 void ArtifactPreview::keyReleaseEvent(QKeyEvent* event) {
@@ -244,7 +257,11 @@ void ArtifactPreview::keyReleaseEvent(QKeyEvent* event) {
 
 void ArtifactPreview::focusInEvent(QFocusEvent* event) {
     QQuickItem::focusInEvent(event);
-    sendInput({{u"type"_s, u"focus"_s}});
+    sendFocus(event->reason());
+}
+
+void ArtifactPreview::sendFocus(Qt::FocusReason reason) {
+    sendInput({{u"type"_s, u"focus"_s}, {u"reason"_s, static_cast<int>(reason)}});
 }
 
 void ArtifactPreview::focusOutEvent(QFocusEvent* event) {

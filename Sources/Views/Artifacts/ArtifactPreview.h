@@ -67,11 +67,13 @@ private:
     void open();
     void resize();
     void take(const QJsonObject& message);
+    void leave(bool forward); // the keyboard goes on behind or before the page
     void readFrame(const QSize& size);
     void fail();
     void setStatus(Status status);
     void sendInput(QJsonObject event);
     void sendPointer(const char* type, QMouseEvent* event);
+    void sendFocus(Qt::FocusReason reason);
     void sendKey(const char* type, QKeyEvent* event);
     qreal ratio() const;
 

@@ -23,6 +23,25 @@ Window {
     visible: true
     width: 1200
 
+    // Our controls take theirs from Theme; Qt's own file dialog, where the desktop has none, takes these.
+    palette {
+        base: Theme.raise
+        brightText: Theme.onacc
+        button: Theme.sunk
+        buttonText: Theme.t1
+        dark: Theme.line2
+        highlight: Theme.acc
+        highlightedText: Theme.onacc
+        light: Theme.bg
+        mid: Theme.line2
+        midlight: Theme.sunk
+        placeholderText: Theme.t3
+        shadow: "black"
+        text: Theme.t1
+        window: Theme.bg
+        windowText: Theme.t1
+    }
+
     Binding { property: "scheme"; target: Theme; value: window.theme.scheme }
     Binding { property: "textSize"; target: Theme; value: window.theme.chatFontSize }
     Binding { property: "reducedMotion"; target: Theme; value: window.theme.reducedMotion }

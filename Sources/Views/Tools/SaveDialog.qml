@@ -8,6 +8,7 @@ FileDialog {
     acceptLabel: "Сохранить"
     currentFolder: String(file).replace(/\/[^/]*$/, "")
     fileMode: FileDialog.SaveFile
+    nameFilters: ["Все файлы (*)"]
     rejectLabel: "Отмена"
     selectedFile: file
     title: "Сохранить как"

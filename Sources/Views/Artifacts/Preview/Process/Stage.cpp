@@ -70,9 +70,36 @@ void Stage::open(const QString& page) {
     }
     connect(m_view.get(), SIGNAL(loadingChanged(QWebEngineLoadingInfo)), this, SLOT(loadingChanged()));
     connect(m_view.get(), SIGNAL(renderProcessTerminated(RenderProcessTerminationStatus, int)), this, SLOT(crashed()));
+    addEdge(0);
     m_view->setParentItem(m_window.contentItem());
     m_view->setSize(m_window.size());
-    m_view->forceActiveFocus();
+    m_view->setActiveFocusOnTab(true);
+    addEdge(1);
+    if (m_hasFocus)
+        takeFocus(Qt::OtherFocusReason);
+}
+
+void Stage::addEdge(std::size_t edge) {
+    m_edges[edge] = std::make_unique<QQuickItem>(m_window.contentItem());
+    QQuickItem* item = m_edges[edge].get();
+    item->setActiveFocusOnTab(true);
+    connect(item, &QQuickItem::activeFocusChanged, this, [this, item, edge] {
+        if (item->hasActiveFocus())
+            m_tell({{u"left"_s, edge == 0 ? u"backward"_s : u"forward"_s}});
+    });
+}
+
+// By the reason the page knows whether to begin with its first element, its last one or the one it left.
+void Stage::takeFocus(Qt::FocusReason reason) {
+    m_hasFocus = true;
+    if (m_view)
+        m_view->forceActiveFocus(reason);
+}
+
+void Stage::dropFocus() {
+    m_hasFocus = false;
+    QFocusEvent focus(QEvent::FocusOut, Qt::OtherFocusReason);
+    QCoreApplication::sendEvent(&m_window, &focus);
 }
 
 void Stage::resize(const QJsonObject& size) {
@@ -149,9 +176,10 @@ void Stage::input(const QJsonObject& event) {
     } else if (type == "leave"_L1) {
         QEvent leave(QEvent::Leave);
         QCoreApplication::sendEvent(&m_window, &leave);
-    } else if (type == "focus"_L1 || type == "blur"_L1) {
-        QFocusEvent focus(type == "focus"_L1 ? QEvent::FocusIn : QEvent::FocusOut, Qt::OtherFocusReason);
-        QCoreApplication::sendEvent(&m_window, &focus);
+    } else if (type == "focus"_L1) {
+        takeFocus(static_cast<Qt::FocusReason>(event["reason"_L1].toInt(Qt::OtherFocusReason)));
+    } else if (type == "blur"_L1) {
+        dropFocus();
     }
 }
 

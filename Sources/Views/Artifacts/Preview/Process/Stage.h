@@ -10,6 +10,7 @@
 #include <QQuickWindow>
 #include <QTimer>
 
+#include <array>
 #include <functional>
 #include <memory>
 
@@ -35,6 +36,7 @@ public:
     // {"file", "width", "height", "ratio"}
     void resize(const QJsonObject& size);
     // {"type": "press" | "release" | "move" | "leave" | "wheel" | "keyPress" | "keyRelease" | "focus" | "blur", ...}
+    // Tab goes through the page; where it would go out of it, {"left": "forward" | "backward"} is told.
     void input(const QJsonObject& event);
     // The client has read the last frame.
     void taken();
@@ -48,6 +50,9 @@ private:
     void pointer(const QJsonObject& event, QEvent::Type type);
     void wheel(const QJsonObject& event);
     void key(const QJsonObject& event, QEvent::Type type);
+    void takeFocus(Qt::FocusReason reason);
+    void dropFocus();
+    void addEdge(std::size_t edge);
 
     BundleHandler& m_bundle;
     Tell m_tell;
@@ -55,11 +60,14 @@ private:
     QQuickWindow m_window;
     QQmlEngine m_engine;
     QQuickWebEngineProfile m_profile; // keeps nothing on disk
+    // What the keyboard goes on to when it has gone through the page.
+    std::array<std::unique_ptr<QQuickItem>, 2> m_edges;
     std::unique_ptr<QQuickItem> m_view;
     SharedFrame m_frame;
     QImage m_image;
     qreal m_ratio = 1;
     QTimer m_next;
+    bool m_hasFocus = false;
     bool m_isDirty = false;
     bool m_isWaiting = false; // for the client to read
 };
