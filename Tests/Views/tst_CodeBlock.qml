@@ -188,6 +188,28 @@ Item {
             Theme.scheme = "light"
         }
 
+        function test_aLineThatMayGoOnHasNoColoursYet() {
+            view.isOpen = true
+            view.code = "return 1\nreturn 2"
+            const colourful = line => {
+                wait(20)
+                const image = grabImage(root)
+                const place = part().mapToItem(root, 0, line * Theme.leading(Theme.fontBody))
+                for (let y = place.y; y < place.y + Theme.leading(Theme.fontBody); ++y) {
+                    for (let x = place.x; x < place.x + 40; ++x) {
+                        const channels = [image.red(x, y), image.green(x, y), image.blue(x, y)]
+                        if (Math.max(...channels) - Math.min(...channels) > 60)
+                            return true
+                    }
+                }
+                return false
+            }
+            verify(colourful(0))
+            verify(!colourful(1))
+            view.isOpen = false
+            verify(colourful(1))
+        }
+
         function test_selectionRunsThroughAllParts() {
             view.code = Array.from({ length: 600 }, (_, i) => "строка " + i).join("\n")
             for (const position of [0, 5, 4100, 5000, view.length]) {

@@ -84,8 +84,12 @@ void CodeColours::colour(int from, int to) {
         colourLine(line);
         length += line.length();
     }
-    if (length > 0)
-        document.markContentsDirty(first.position(), length);
+    if (length == 0)
+        return;
+    document.markContentsDirty(first.position(), length);
+    // The item draws anew what is written anew, and would leave as it was what only has other colours.
+    if (to == theEnd)
+        emit document.contentsChange(first.position(), length, length);
 }
 
 void CodeColours::colourLine(const QTextBlock& line) const {

@@ -129,6 +129,7 @@ WholePart {
         anchors.leftMargin: Theme.gap4
         color: Theme.acc
         height: Theme.gap1 / 2
+        objectName: "imageProgress"
         radius: height / 2
         visible: picture.status === WebPicture.Loading && picture.progress > 0
         width: (frame.width - Theme.gap4 * 2) * picture.progress
