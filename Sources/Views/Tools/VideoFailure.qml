@@ -1,4 +1,5 @@
 import QtQuick
+import Korvi.Views // the types written in C++
 
 // Over a video that does not play: why, and once more.
 Column {
