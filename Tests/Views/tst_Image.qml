@@ -54,11 +54,13 @@ Item {
             view.url = ""
         }
 
-        // A drawing may name other files, which would be read.
-        function test_onlyPixelsAreDecoded() {
-            picture.source = Qt.resolvedUrl("../../docs/images/chat-light.png").toString()
-            tryCompare(picture, "status", WebPicture.Ready)
-            picture.source = Qt.resolvedUrl("../../Resources/Symbols/check.svg").toString()
+        function test_pixelsAndDrawingsAreDecoded() {
+            for (const file of ["docs/images/chat-light.png", "Resources/Symbols/check.svg"]) {
+                picture.source = Qt.resolvedUrl("../../" + file).toString()
+                tryCompare(picture, "status", WebPicture.Ready)
+            }
+            compare(picture.naturalSize, Qt.size(24, 24))
+            picture.source = Qt.resolvedUrl("tst_Image.qml").toString()
             tryCompare(picture, "status", WebPicture.Failed)
         }
 

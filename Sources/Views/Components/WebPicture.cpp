@@ -1,6 +1,7 @@
 #include "WebPicture.h"
 
 #include "Loopback.h"
+#include "SafeSvg.h"
 
 #include <QBuffer>
 #include <QCache>
@@ -58,10 +59,13 @@ Decoded decoded(const QByteArray& bytes, const QSize& bounds) {
     QBuffer buffer;
     buffer.setData(bytes);
     buffer.open(QIODevice::ReadOnly);
-    // Only pixels: an SVG may name files of this machine, and Qt would read them, or wait for ever at a pipe.
+    // Qt's own reader of SVG is not among them, see SafeSvg.h.
     const QByteArray format = QImageReader::imageFormat(&buffer);
-    if (std::ranges::find(formats, format) == std::end(formats))
-        return {};
+    if (std::ranges::find(formats, format) == std::end(formats)) {
+        Decoded drawn;
+        drawn.image = SafeSvg::rendered(bytes, bounds, drawn.naturalSize);
+        return drawn;
+    }
     QImageReader reader(&buffer, format);
     reader.setAutoTransform(true);
     const QSize size = reader.size();
