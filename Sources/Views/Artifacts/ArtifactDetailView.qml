@@ -38,7 +38,7 @@ FocusScope {
         if (event.matches(StandardKey.Save))
             saveWanted(fileName)
         else if (event.key === Qt.Key_F6)
-            (body.activeFocus ? header : body).forceActiveFocus(Qt.ShortcutFocusReason)
+            (body.activeFocus ? header : body).forceActiveFocus(Qt.TabFocusReason)
         else
             return
         event.accepted = true
