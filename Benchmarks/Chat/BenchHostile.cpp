@@ -1,5 +1,6 @@
 // What hostile answers cost the message list, drawn and all: opened whole at half a megabyte and at one, and grown by
-// pieces of 16 characters behind as much. Twice the length should cost about twice the time, a piece about the same.
+// pieces of 16 characters behind as much. Twice the length should cost about twice the time, a piece about the same:
+// exit status 1 if it costs more than three times as much.
 #include "Chat/MessageListModel.h"
 #include "Stage.h"
 #include "Texts.h"
@@ -31,6 +32,8 @@ double megabytesInUse() {
     QFile file(QStringLiteral("/proc/self/statm"));
     return file.open(QIODevice::ReadOnly) ? file.readAll().split(' ').at(1).toDouble() * 4096 / 1e6 : 0;
 }
+
+constexpr double mostGrowth = 3; // of the time, for twice the text
 
 struct Cost {
     double open = 0;    // milliseconds until all is still
@@ -88,13 +91,20 @@ int main(int argc, char** argv) {
     QGuiApplication application(argc, argv);
     std::printf("%-22s %10s %10s %5s %8s %7s | %9s %9s %9s\n", "milliseconds", "512 K", "1024 K", "x", "longest", "MB",
         "16: 512 K", "1024 K", "slowest");
+    bool isMissed = false;
     for (const HostileText& hostile : hostileTexts()) {
         if (argc > 1 && QByteArray(hostile.name) != argv[1])
             continue;
-        const Cost half = costOf(hostile, 512 * 1024);
-        const Cost whole = costOf(hostile, 1024 * 1024);
+        Cost half = costOf(hostile, 512 * 1024);
+        Cost whole = costOf(hostile, 1024 * 1024);
+        if (whole.open > mostGrowth * half.open) { // something else may have run
+            half = costOf(hostile, 512 * 1024);
+            whole = costOf(hostile, 1024 * 1024);
+        }
+        isMissed = isMissed || whole.open > mostGrowth * half.open;
         std::printf("%-22s %10.0f %10.0f %5.1f %8.0f %7.0f | %9.2f %9.2f %9.1f\n", hostile.name, half.open, whole.open,
             whole.open / half.open, whole.worst, whole.memory, half.piece, whole.piece, whole.slowest);
         std::fflush(stdout);
     }
+    return isMissed ? 1 : 0;
 }

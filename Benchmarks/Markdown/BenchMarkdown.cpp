@@ -17,6 +17,7 @@ using Clock = std::chrono::steady_clock;
 namespace {
 
 constexpr qsizetype pieceLength = 16;
+constexpr double mostGrowth = 3; // of the time, for twice the text
 
 double secondsSince(Clock::time_point start) {
     return std::chrono::duration<double>(Clock::now() - start).count();
@@ -126,8 +127,13 @@ int main() {
             parseWhole(text);
             return secondsSince(start) * 1e3;
         };
-        const double once = whole(length);
-        const double twice = whole(2 * length);
+        double once = whole(length);
+        double twice = whole(2 * length);
+        for (int again = 0; again < 3 && twice > mostGrowth * once; ++again) { // something else may have run
+            once = whole(length);
+            twice = whole(2 * length);
+        }
+        isMissed = isMissed || twice > mostGrowth * once;
         const Streamed pieces = stream(hostile.ofLength(streamedLength));
         const Streamed more = stream(hostile.ofLength(2 * streamedLength));
         std::printf("%-22s %12.1f %8.1f %11.1f ms %8.1f %10.0f\n", hostile.name, once, twice / once, pieces.total * 1e3,
