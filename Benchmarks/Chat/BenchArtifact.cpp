@@ -68,7 +68,7 @@ Spent stream(const std::vector<QByteArray>& frames) {
                 0, [&](ChatMessage& message) { return ToolEvents::take(work, message, received, random).isChanged; });
     };
     take({ToolFrame::Kind::start, QStringLiteral("artifact"), std::nullopt});
-    selection.select(messages.messages().front().content->front().as<Artifact>()->id);
+    selection.select(messages.messages().front().content->front().as<Artifact>()->id, -1);
     const auto start = Stopwatch::now();
     int pieces = 0;
     std::vector<double> steps;

@@ -103,6 +103,10 @@ void Person::click(const QString& objectName) {
     const QQuickItem* item = see(objectName);
     if (!item)
         throw std::runtime_error("not on the screen: " + objectName.toStdString());
+    click(item);
+}
+
+void Person::click(const QQuickItem* item) {
     // A screen that has just come is laid out with its first frame.
     waitFor([item] {
         const QQuickItem* each = item;

@@ -35,11 +35,13 @@ public:
     // Presses Tab until the item has the keyboard; false when it never does.
     bool tabTo(const QString& objectName);
     void click(const QString& objectName); // in its middle
-    void ask(const QString& question);     // types it and presses Return
+    void click(const QQuickItem* item);
+    void ask(const QString& question); // types it and presses Return
     // Gives the dialog that saves another name, in the folder that it proposes; false when there is no dialog.
     bool saveAs(const QString& name);
 
-    QQuickItem* see(const QString& objectName) const; // null when it is not on the screen
+    QQuickItem* see(const QString& objectName) const;           // null when it is not on the screen
+    QList<QQuickItem*> seeAll(const QString& objectName) const; // from the top
     bool waitToSee(const QString& objectName, std::chrono::milliseconds bound = std::chrono::seconds(10)) const;
     bool waitToLose(const QString& objectName) const;
     // What the property `text` of an item on the screen says.
@@ -56,8 +58,7 @@ public:
     ChatViewModel& chat() { return m_app->chat(); }
 
 private:
-    QList<QQuickItem*> seeAll(const QString& objectName) const; // from the top
-    QQuickWindow* window() const;                               // the one in front
+    QQuickWindow* window() const; // the one in front
 
     QTemporaryDir m_home;
     FakePaths* m_paths = nullptr; // the client's

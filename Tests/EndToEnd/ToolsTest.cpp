@@ -351,5 +351,40 @@ TEST_F(Tools, OneAnswerHoldsWhatAllToolsBrought) {
     EXPECT_TRUE(QString::fromUtf8(contentOf(m_programs.files().last())).contains(u"молоко"_s));
 }
 
+TEST_F(Tools, EachVersionOfAnArtifactOpensAsItself) {
+    start(10);
+    m_person->ask(u"Артефакт html"_s);
+    ASSERT_TRUE(m_person->waitToSee(u"artifactButton"_s));
+    ASSERT_TRUE(answerEnds());
+    m_person->ask(u"Ещё раз артефакт html"_s);
+    ArtifactSelection& artifact = *m_person->chat().artifacts();
+    const auto cards = [&] { return m_person->seeAll(u"artifactButton"_s); };
+    const auto selected = [&] {
+        QStringList all;
+        for (const QQuickItem* card : cards())
+            all << (card->parentItem()->parentItem()->property("isSelected").toBool() ? u"+"_s : u"-"_s);
+        return all.join(QString());
+    };
+    ASSERT_TRUE(waitFor([&] { return cards().size() == 2; }));
+    ASSERT_TRUE(waitFor([&] { return cards().last()->property("text") == u"Счётчик"_s; }));
+    m_person->click(cards().last());
+    ASSERT_TRUE(waitFor([&] { return artifact.isGenerating() && artifact.shownVersion() == 2; }));
+    ASSERT_TRUE(becomes(u"artifactHeaderDetails"_s, "text", u"HTML · версия 2 · пишу…"_s));
+    EXPECT_EQ(selected(), u"-+"_s);
+    const auto whole = m_person->chat().messages()->messages()[1].content->at(1).as<Artifact>()->text;
+    EXPECT_LT(artifact.artifact().text.size(), whole.size());
+    cards().first()->forceActiveFocus(Qt::TabFocusReason); // it may stand above the window
+    m_person->press(Qt::Key_Return);
+    ASSERT_TRUE(becomes(u"artifactHeaderDetails"_s, "text", u"HTML"_s));
+    EXPECT_EQ(selected(), u"+-"_s);
+    EXPECT_TRUE(m_person->chat().isGenerating()) << "while the second is still written";
+    EXPECT_EQ(artifact.artifact().text, whole);
+    ASSERT_TRUE(answerEnds());
+    cards().last()->forceActiveFocus(Qt::TabFocusReason);
+    m_person->press(Qt::Key_Return);
+    ASSERT_TRUE(becomes(u"artifactHeaderDetails"_s, "text", u"HTML · версия 2"_s));
+    EXPECT_EQ(selected(), u"-+"_s);
+}
+
 }
 }

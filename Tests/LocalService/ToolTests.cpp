@@ -166,7 +166,10 @@ TEST_F(ToolTest, ArtifactsStreamAndKeepTheirVersions) {
     ask("Артефакт html", frames);
     const long long chat = frames[0]["data"]["id"];
     client.send(sendFrame(chat, "Ещё раз артефакт html"));
-    EXPECT_EQ(only(client.receiveAnswer(), "artifact").back()["data"]["content"]["version"], 2);
+    const auto second = only(client.receiveAnswer(), "artifact");
+    EXPECT_EQ(second[1]["data"]["args"]["version"], 2) << "with the identifier, before any text";
+    EXPECT_EQ(second[1]["data"]["args"]["id"], second.back()["data"]["content"]["id"]);
+    EXPECT_EQ(second.back()["data"]["content"]["version"], 2);
     const json all = messages(chat);
     EXPECT_EQ(all[1]["content"][1]["version"], 1);
     EXPECT_EQ(all[3]["content"][1]["version"], 2);

@@ -197,7 +197,7 @@ TEST_F(ConversationToolsTest, ALongArtifactGrowsInStepsAndIsSeenGrowing) {
     begin(7);
     toolStart(u"artifact"_s);
     const auto* artifact = chat->messages()->messages().back().content->back().as<Artifact>();
-    chat->artifacts()->select(artifact->id);
+    chat->artifacts()->select(artifact->id, -1);
     int changes = 0;
     QObject::connect(chat->messages(), &QAbstractItemModel::dataChanged, [&] { ++changes; });
     toolArgs(u"artifact"_s, {{"id", "a1"}, {"title", "Отчёт"}, {"kind", "markdown"}});
@@ -216,6 +216,60 @@ TEST_F(ConversationToolsTest, ALongArtifactGrowsInStepsAndIsSeenGrowing) {
     chat->createChat();
     EXPECT_FALSE(chat->artifacts()->isOpen());
     EXPECT_EQ(chat->artifacts()->shownArtifactId(), QString());
+}
+
+TEST_F(ConversationToolsTest, AVersionIsShownNotItsNamesake) {
+    ArtifactSelection& artifacts = *chat->artifacts();
+    const auto text = [&] { return artifacts.artifact().text.toString(); };
+    // "*": it grows.
+    const auto seen = [&] { return text() + (artifacts.isGenerating() ? u"*"_s : QString()); };
+    const auto write = [&](const QString& words, const QJsonObject& name) {
+        toolArgs(u"artifact"_s, name);
+        toolArgs(u"artifact"_s, {{"text", words}});
+        virtualTime.advance(80ms);
+    };
+    begin(7);
+    toolStart(u"artifact"_s);
+    write(u"первая"_s, {{"id", "a"}, {"version", 1}});
+    toolEnd(u"artifact"_s, {{"id", "a"}, {"version", 1}});
+    end();
+    ask(u"ещё раз"_s);
+    toolStart(u"artifact"_s);
+    write(u"втор"_s, {{"id", "a"}, {"version", 2}});
+    artifacts.select(u"a"_s, 1);
+    EXPECT_EQ(seen(), u"первая"_s);
+    write(u"ая"_s, {});
+    EXPECT_EQ(seen(), u"первая"_s);
+    artifacts.select(u"a"_s, 2);
+    EXPECT_EQ(seen(), u"вторая*"_s);
+    EXPECT_EQ(artifacts.shownVersion(), 2);
+    toolEnd(u"artifact"_s, {{"id", "a"}, {"version", 2}});
+    end();
+    EXPECT_EQ(seen(), u"вторая"_s);
+
+    // One that learns its name in pieces, and its version at its end.
+    ask(u"и ещё"_s);
+    toolStart(u"artifact"_s);
+    const auto* placeholder = chat->messages()->messages().back().content->back().as<Artifact>();
+    artifacts.select(placeholder->id, -1);
+    EXPECT_EQ(seen(), u"*"_s);
+    write(u""_s, {{"id", "dr"}});
+    EXPECT_EQ(seen(), u"*"_s);
+    write(u"третья"_s, {{"id", "aft"}});
+    EXPECT_EQ(seen(), u"третья*"_s);
+    EXPECT_EQ(artifacts.selectedArtifactId(), u"draft"_s);
+    toolEnd(u"artifact"_s, {{"id", "a"}, {"version", 3}});
+    EXPECT_EQ(seen(), u"третья*"_s);
+    // What is written after it is another one.
+    toolStart(u"artifact"_s);
+    write(u"другой"_s, {{"id", "b"}, {"version", 1}});
+    EXPECT_EQ(text(), u"третья"_s);
+    end();
+    EXPECT_EQ(seen(), u"третья"_s);
+    ask(u"и напоследок"_s);
+    toolStart(u"artifact"_s);
+    write(u"чужой"_s, {{"id", "c"}});
+    EXPECT_EQ(seen(), u"третья"_s);
 }
 
 TEST_F(ConversationToolsTest, AnEndClearsWhatIsLeftAndCollectsTheSources) {
@@ -541,6 +595,66 @@ TEST_F(ConversationToolsTest, ComingBackFindsTheAnswerThatEndedUnheard) {
     EXPECT_EQ(chat->completedInOtherChatName(), u"Имя"_s);
     virtualTime.advance(5s);
     EXPECT_EQ(chat->completedInOtherChatId(), -1);
+}
+
+// An artifact was seen being written, and the answer that is stored lacks it.
+class LostArtifactTest : public ConversationToolsTest {
+protected:
+    // In a new chat; the end of the answer does not come.
+    void write(int chatId) {
+        begin(chatId);
+        toolStart(u"artifact"_s);
+        toolEnd(u"artifact"_s, {{"id", "a"}, {"title", "Имя"}, {"kind", "html"}, {"text", "строка"}});
+        answerId_ = chat->messages()->messages().back().id;
+    }
+    // The answer of the new chat is there, under the number of the one that was written.
+    void comeBack(int chatId) {
+        QJsonArray list = QJsonDocument::fromJson(messagesJson(chatId, {u"вопрос"_s, u"Вот."_s}))["data"].toArray();
+        QJsonObject answer = list[1].toObject();
+        answer["id"] = answerId_;
+        list[1] = answer;
+        http.answer(u"/chats/%1/messages"_s.arg(chatId), listJson(list));
+        chat->recoverFromBackground();
+        virtualTime.advance(10s);
+    }
+
+private:
+    qint64 answerId_ = 0;
+};
+
+TEST_F(LostArtifactTest, IsPutBackIntoTheAnswerThatIsStored) {
+    write(1);
+    comeBack(1);
+    EXPECT_FALSE(chat->isGenerating());
+    EXPECT_EQ(blocks(), u"\"Вот.\" artifact-строка"_s);
+    EXPECT_EQ(cache.getCachedMessages(1)->back().content->size(), 2U);
+}
+
+TEST_F(LostArtifactTest, IsNotPutIntoAnotherChatsAnswerOfTheSameNumber) {
+    write(1);
+    chat->createChat();
+    end(); // of the first
+    begin(2);
+    comeBack(2);
+    EXPECT_EQ(blocks(), u"\"Вот.\""_s);
+}
+
+TEST_F(LostArtifactTest, IsForgottenWithTheUserAndTheOrganization) {
+    write(1);
+    chat->reset();
+    begin(1);
+    comeBack(1);
+    EXPECT_EQ(blocks(), u"\"Вот.\""_s);
+
+    write(3);
+    http.answer(u"/chats"_s, listJson({}));
+    emit notifications.organizationDidChange();
+    virtualTime.runPosted();
+    service.accept();
+    end(); // of what was being written
+    begin(3);
+    comeBack(3);
+    EXPECT_EQ(blocks(), u"\"Вот.\""_s);
 }
 
 TEST_F(ConversationToolsTest, ComingBackDoesNotDisturbAnAnswerThatGoesOn) {

@@ -271,9 +271,15 @@ Item {
             compare(details.text, "Python")
             card.isGenerating = true
             compare(details.text, "Python · пишу…")
+            card.version = 2
+            compare(details.text, "Python · версия 2 · пишу…")
             card.kindName = "loading"
-            card.title = "Loading..."
+            card.title = ""
             compare(findChild(card, "artifactButton").text, "Создаю документ…")
+            compare(details.text, "Готовлю…")
+            card.isGenerating = false // and nobody will tell
+            compare(findChild(card, "artifactButton").text, "Без названия")
+            compare(details.text, "")
             listen(card, "chosen")
             card.forceActiveFocus()
             keyClick(Qt.Key_Space)
@@ -317,8 +323,21 @@ Item {
             tryVerify(() => findChild(view, "codeTab").visible)
             findChild(view, "codeTab").clicked()
             compare(body.item.form, "code")
-            view.artifactId = "b"
+            view.version = 2
             compare(body.item.form, "document")
+        }
+
+        function test_detailOfWhatNobodyNamedShowsItsText() {
+            const view = show(detail)
+            view.kindName = "loading"
+            view.title = ""
+            compare(findChild(view, "artifactTitle").text, "Создаю документ…")
+            view.text = "строка"
+            view.isGenerating = false
+            compare(findChild(view, "artifactTitle").text, "Без названия")
+            compare(findChild(view, "artifactHeaderDetails").text, "")
+            compare(findChild(view, "artifactBody").item.form, "code")
+            compare(view.fileName, "Artifact.txt")
         }
 
         function test_detailIsLeftByEscape() {

@@ -92,6 +92,7 @@ void AnswerStream::forget(qint64 chatId) {
 void AnswerStream::dropAll() {
     m_generations.forgoAll();
     m_expected.clear();
+    m_lastStreamedArtifact.reset();
     settled();
 }
 
@@ -123,6 +124,7 @@ void AnswerStream::reset() {
     m_generations.clear();
     m_guard.clear();
     m_answeredNewChats.clear();
+    m_lastStreamedArtifact.reset();
     m_isGenerating = false;
     m_flushTimer.cancel();
     m_guardTimer.cancel();
@@ -266,8 +268,12 @@ void AnswerStream::arrived(Generation& generation) {
 
 void AnswerStream::answered(Generation& generation, const std::vector<ChatMessage>& stored) {
     const bool isRunning = generation.state == Generation::State::running;
-    if (isRunning)
-        m_messages.replace(generation, stored);
+    if (isRunning) {
+        std::vector<ChatMessage> messages = stored;
+        if (m_lastStreamedArtifact && m_lastStreamedArtifact->chatId == generation.chatId)
+            ArtifactFinder::restoreArtifactIfNeeded(messages, *m_lastStreamedArtifact);
+        m_messages.replace(generation, std::move(messages));
+    }
     // Its frames may still come.
     if (const auto* answer = MessageComposition::answerTo(stored, generation.question.text, generation.timesAsked)) {
         generation.textHead = MessageComposition::joinedText(*answer).left(ReplayGuard::headLength);

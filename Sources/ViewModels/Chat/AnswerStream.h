@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Chat/ArtifactFinder.h"
 #include "Chat/ConversationMessages.h"
 #include "Chat/ExpectedAnswers.h"
 #include "Chat/GenerationJournal.h"

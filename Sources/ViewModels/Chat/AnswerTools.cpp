@@ -50,10 +50,11 @@ void AnswerStream::receive(const ToolFrame& frame) {
     ToolEvents::Outcome outcome;
     m_messages.change(*generation, [&](ChatMessage& answer) {
         outcome = ToolEvents::take(generation->tools, answer, frame, m_dependencies.random);
+        if (outcome.finished)
+            m_lastStreamedArtifact = {
+                .chatId = generation->chatId, .messageId = answer.id, .artifact = *outcome.finished};
         return outcome.isChanged;
     });
-    if (generation->tools.lastStreamedArtifact)
-        m_lastStreamedArtifact = generation->tools.lastStreamedArtifact;
     watch(*generation, outcome.wait);
     if (outcome.tracked && generation->chatId > 0)
         emit longTaskBegan(generation->chatId, *outcome.tracked);

@@ -8,6 +8,7 @@ namespace {
 
 constexpr auto temporaryPrefix = "temp-"_L1;
 constexpr auto loadingKind = "loading"_L1;
+constexpr auto loadingTitle = "Loading..."_L1;
 
 template <class T>
 bool assign(T& target, const T& value) {
@@ -83,14 +84,22 @@ bool ArtifactDraft::applyTo(Artifact& artifact) {
 
 Artifact ArtifactDraft::placeholder(const QString& uuid) {
     return {.id = temporaryPrefix + uuid,
-        .title = u"Loading..."_s,
+        .title = QString(loadingTitle),
         .kind = QString(loadingKind),
         .text = {},
         .version = std::nullopt};
 }
 
 bool ArtifactDraft::isPlaceholder(const Artifact& artifact) {
-    return artifact.kind == loadingKind && artifact.id.startsWith(temporaryPrefix);
+    return artifact.kind == loadingKind && isTemporary(artifact.id);
+}
+
+bool ArtifactDraft::isTemporary(const QString& id) {
+    return id.startsWith(temporaryPrefix);
+}
+
+QString ArtifactDraft::titleOf(const Artifact& artifact) {
+    return artifact.title == loadingTitle ? QString() : artifact.title;
 }
 
 }

@@ -18,6 +18,9 @@ public:
 
     static Artifact placeholder(const QString& uuid);
     static bool isPlaceholder(const Artifact& artifact);
+    static bool isTemporary(const QString& id);
+    // Empty when none has been told.
+    static QString titleOf(const Artifact& artifact);
 
 private:
     QString m_id;

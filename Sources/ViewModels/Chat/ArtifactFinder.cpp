@@ -19,26 +19,22 @@ struct LabelRow {
 };
 
 constexpr std::array labelRows{
-    LabelRow{"python"_L1, "Python"_L1},
-    LabelRow{"javascript"_L1, "JavaScript"_L1},
-    LabelRow{"typescript"_L1, "TypeScript"_L1},
-    LabelRow{"swift"_L1, "Swift"_L1},
-    LabelRow{"html"_L1, "HTML"_L1},
-    LabelRow{"react"_L1, "React"_L1},
-    LabelRow{"vue"_L1, "Vue"_L1},
-    LabelRow{"svelte"_L1, "Svelte"_L1},
-    LabelRow{"svg"_L1, "SVG"_L1},
-    LabelRow{"mermaid"_L1, "Diagram"_L1},
-    LabelRow{"markdown"_L1, "Markdown"_L1},
-    LabelRow{"code"_L1, "Code"_L1},
+    LabelRow{"python"_L1, "Python"_L1}, LabelRow{"javascript"_L1, "JavaScript"_L1},
+    LabelRow{"typescript"_L1, "TypeScript"_L1}, LabelRow{"swift"_L1, "Swift"_L1}, LabelRow{"html"_L1, "HTML"_L1},
+    LabelRow{"react"_L1, "React"_L1}, LabelRow{"vue"_L1, "Vue"_L1}, LabelRow{"svelte"_L1, "Svelte"_L1},
+    LabelRow{"svg"_L1, "SVG"_L1}, LabelRow{"mermaid"_L1, "Diagram"_L1}, LabelRow{"markdown"_L1, "Markdown"_L1},
+    LabelRow{"code"_L1, "Code"_L1}, LabelRow{"loading"_L1, ""_L1}, // nobody has told yet
 };
 
-bool has(const ChatMessage& message, const QString& artifactId) {
-    return message.content &&
-        std::any_of(message.content->begin(), message.content->end(), [&](const MessageContent& block) {
-            const auto* artifact = block.as<Artifact>();
-            return artifact && artifact->id == artifactId;
-        });
+std::vector<const Artifact*> artifactsOf(const ChatMessage& message) {
+    std::vector<const Artifact*> artifacts;
+    if (!message.content)
+        return artifacts;
+    for (const MessageContent& block : *message.content) {
+        if (const auto* artifact = block.as<Artifact>())
+            artifacts.push_back(artifact);
+    }
+    return artifacts;
 }
 
 // Each word with a capital at its beginning and small letters behind.
@@ -55,24 +51,24 @@ QString capitalized(const QString& text) {
 
 }
 
-const Artifact* find(const std::vector<ChatMessage>& messages, const QString& artifactId) {
+ArtifactName nameOf(const Artifact& artifact) {
+    return {.id = artifact.id, .version = artifact.version};
+}
+
+const Artifact* find(const std::vector<ChatMessage>& messages, const ArtifactName& name) {
+    const Artifact* namesake = nullptr;
+    const Artifact* lastWithText = nullptr;
     for (const ChatMessage& message : messages) {
-        if (!message.content)
-            continue;
-        for (const MessageContent& block : *message.content) {
-            if (const auto* artifact = block.as<Artifact>(); artifact && artifact->id == artifactId)
+        for (const Artifact* artifact : artifactsOf(message)) {
+            if (nameOf(*artifact) == name)
                 return artifact;
+            if (!namesake && artifact->id == name.id)
+                namesake = artifact;
+            if (!artifact->text.isEmpty())
+                lastWithText = artifact;
         }
     }
-    for (auto message = messages.rbegin(); message != messages.rend(); ++message) {
-        if (!message->content)
-            continue;
-        for (auto block = message->content->rbegin(); block != message->content->rend(); ++block) {
-            if (const auto* artifact = block->as<Artifact>(); artifact && !artifact->text.isEmpty())
-                return artifact;
-        }
-    }
-    return nullptr;
+    return namesake ? namesake : lastWithText;
 }
 
 Artifact* lastOf(std::vector<MessageContent>& content) {
@@ -83,8 +79,8 @@ Artifact* lastOf(std::vector<MessageContent>& content) {
     return nullptr;
 }
 
-bool isInLast(const std::vector<ChatMessage>& messages, const QString& artifactId) {
-    return !messages.empty() && has(messages.back(), artifactId);
+std::vector<const Artifact*> ofLast(const std::vector<ChatMessage>& messages) {
+    return messages.empty() ? std::vector<const Artifact*>() : artifactsOf(messages.back());
 }
 
 bool restoreArtifactIfNeeded(std::vector<ChatMessage>& messages, const StreamedArtifact& saved) {

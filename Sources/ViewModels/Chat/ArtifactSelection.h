@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Artifact.h"
+#include "Chat/ArtifactFinder.h"
 
 #include <QObject>
 #include <QVariant>
@@ -16,10 +16,11 @@ class ArtifactSelection : public QObject {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("owned by ChatViewModel")
-    Q_PROPERTY(QString selectedArtifactId READ selectedArtifactId WRITE select NOTIFY selectedArtifactIdChanged)
+    Q_PROPERTY(QString selectedArtifactId READ selectedArtifactId NOTIFY selectedArtifactIdChanged)
     Q_PROPERTY(bool isOpen READ isOpen NOTIFY selectedArtifactIdChanged)
-    // Of the one that is shown: the service's, when what was selected had a temporary one. Empty when none is.
+    // Of the one that is shown. Empty and -1 when none is.
     Q_PROPERTY(QString shownArtifactId READ shownArtifactId NOTIFY changed)
+    Q_PROPERTY(double shownVersion READ shownVersion NOTIFY changed)
     Q_PROPERTY(QString title READ title NOTIFY changed)
     Q_PROPERTY(QString kind READ kind NOTIFY changed)
     Q_PROPERTY(QString kindLabel READ kindLabel NOTIFY changed)
@@ -30,12 +31,15 @@ class ArtifactSelection : public QObject {
 public:
     explicit ArtifactSelection(const MessageListModel& messages, QObject* parent = nullptr);
 
-    QString selectedArtifactId() const { return m_id; }
-    bool isOpen() const { return !m_id.isEmpty(); }
-    Q_INVOKABLE void select(const QString& id); // empty closes it
+    QString selectedArtifactId() const { return m_name.id; }
+    bool isOpen() const { return !m_name.id.isEmpty(); }
+    // `version` below 0: of one that has none.
+    Q_INVOKABLE void select(const QString& id, qint64 version);
+    Q_INVOKABLE void close();
     const Artifact& artifact() const { return m_artifact; }
     QString shownArtifactId() const { return m_artifact.id; }
-    QString title() const { return m_artifact.title; }
+    double shownVersion() const { return static_cast<double>(m_artifact.version.value_or(-1)); }
+    QString title() const;
     QString kind() const { return m_artifact.kind; }
     QString kindLabel() const;
     QVariant text() const { return QVariant::fromValue(m_artifact.text); }
@@ -51,11 +55,14 @@ signals:
     void changed();
 
 private:
+    void choose(const ArtifactName& name);
     void look();
+    void follow();
 
     const MessageListModel& m_messages;
-    QString m_id;
-    Artifact m_artifact; // as it was seen last
+    ArtifactName m_name;
+    Artifact m_artifact;       // as it was seen last
+    std::size_t m_growing = 0; // which of the last message's it is, from 1, while it is the one that is written; else 0
     bool m_isAnswerRunning = false;
     bool m_isGenerating = false;
 };

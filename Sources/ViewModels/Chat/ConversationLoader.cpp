@@ -80,8 +80,10 @@ void ConversationLoader::failed(qint64 chatId, bool isGone) {
 }
 
 void ConversationLoader::show(std::vector<ChatMessage> messages) {
-    if (std::exchange(m_restoresArtifactOf, std::nullopt) == m_openChatId && m_stream.lastStreamedArtifact())
-        ArtifactFinder::restoreArtifactIfNeeded(messages, *m_stream.lastStreamedArtifact());
+    const auto& artifact = m_stream.lastStreamedArtifact();
+    const bool isRecovered = std::exchange(m_restoresArtifactOf, std::nullopt) == m_openChatId;
+    if (isRecovered && artifact && artifact->chatId == m_openChatId)
+        ArtifactFinder::restoreArtifactIfNeeded(messages, *artifact);
     m_shown.setMessages(MessageComposition::mergeFileAttachments(m_shown.messages(), std::move(messages)));
     m_dependencies.cache.cacheMessages(m_shown.messages(), m_openChatId);
     m_areMessagesLoaded = true;

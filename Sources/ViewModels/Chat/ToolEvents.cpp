@@ -1,5 +1,6 @@
 #include "Chat/ToolEvents.h"
 
+#include "Chat/ArtifactFinder.h"
 #include "Chat/ToolNames.h"
 #include "Chat/WebSearchParsing.h"
 #include "Clock.h"
@@ -53,7 +54,6 @@ QString joinedText(const Content& content) {
 struct Fold {
     ToolWork& work;
     Content& content;
-    qint64 messageId;
     Outcome outcome = {};
 
     void append(MessageContent block) {
@@ -117,7 +117,7 @@ struct Fold {
     void finalizeArtifact() {
         if (Artifact* artifact = ArtifactFinder::lastOf(content)) {
             outcome.isChanged = work.artifactBuffer.applyTo(*artifact) || outcome.isChanged;
-            work.lastStreamedArtifact = {.messageId = messageId, .artifact = *artifact};
+            outcome.finished = *artifact;
             qCInfo(lcTools).noquote() << "💾 [ChatViewModel] Saved artifact for recovery: id=" + artifact->id;
         }
         work.artifactBuffer.clear();
@@ -285,7 +285,7 @@ Content& contentOf(ChatMessage& answer) {
 }
 
 Outcome take(ToolWork& work, ChatMessage& answer, const ToolFrame& frame, Random& random) {
-    Fold fold{work, contentOf(answer), answer.id};
+    Fold fold{work, contentOf(answer)};
     switch (frame.kind) {
     case ToolFrame::Kind::start: fold.start(frame.tool, random); break;
     case ToolFrame::Kind::args: fold.args(frame.tool, frame.content.value_or(QJsonObject())); break;
@@ -300,7 +300,7 @@ bool applyArtifact(ToolWork& work, ChatMessage& answer) {
 }
 
 bool imageTimedOut(ToolWork& work, ChatMessage& answer) {
-    Fold fold{work, contentOf(answer), answer.id};
+    Fold fold{work, contentOf(answer)};
     fold.endImage({{"type"_L1, "text"_L1}, {"text"_L1, QStringView(imageTimeoutText).toString()}});
     return fold.outcome.isChanged;
 }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "Chat/ArtifactDraft.h"
-#include "Chat/ArtifactFinder.h"
 #include "Chat/ToolReplay.h"
 #include "Chat/WebSearchState.h"
 #include "ChatMessage.h"
@@ -24,7 +23,6 @@ struct ToolState {
 // What the tools of one answer are at. Belongs to the answer, open or not: shown again, it tells the same.
 struct ToolWork : ToolState {
     ArtifactDraft artifactBuffer;
-    std::optional<StreamedArtifact> lastStreamedArtifact;
     ToolReplay replay;
 };
 
@@ -45,6 +43,7 @@ struct Outcome {
     bool wantsFlush = false; // pieces of an artifact wait for applyArtifact()
     Wait wait = Wait::none;
     std::optional<QString> tracked; // a long task has begun, of that type
+    std::optional<Artifact> finished;
 };
 
 Outcome take(ToolWork& work, ChatMessage& answer, const ToolFrame& frame, Random& random);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Chat/ArtifactDraft.h"
 #include "MessageContent.h"
 
 #include <QObject>
@@ -14,6 +15,7 @@ class ArtifactBlock : public QObject {
     QML_ELEMENT
     Q_PROPERTY(QVariant block READ block WRITE setBlock NOTIFY blockChanged) // a MessageContent
     Q_PROPERTY(QString artifactId READ artifactId NOTIFY blockChanged)
+    Q_PROPERTY(double version READ version NOTIFY blockChanged) // -1 without one
     Q_PROPERTY(QString title READ title NOTIFY blockChanged)
     Q_PROPERTY(QString kind READ kind NOTIFY blockChanged)
 
@@ -29,7 +31,8 @@ public:
         emit blockChanged();
     }
     QString artifactId() const { return m_artifact.id; }
-    QString title() const { return m_artifact.title; }
+    double version() const { return static_cast<double>(m_artifact.version.value_or(-1)); }
+    QString title() const { return ArtifactDraft::titleOf(m_artifact); }
     QString kind() const { return m_artifact.kind; }
 
 signals:

@@ -5,12 +5,14 @@ import Korvi.Views // the types written in C++
 CardPart {
     id: card
 
-    required property string title
+    required property string title // empty when none has been told
     required property string kindName // as it came
+    property real version: -1 // below 0 without one
     required property bool isGenerating
     property bool isSelected: false // it is the one that is shown
 
-    readonly property bool isPlaceholder: kindName === "loading"
+    // What nobody has told when the answer is over, nobody will.
+    readonly property bool isPlaceholder: isGenerating && kindName === "loading"
 
     signal chosen
 
@@ -41,7 +43,7 @@ CardPart {
             objectName: "artifactButton"
             padding: Theme.gap3
             radius: frame.radius
-            text: card.isPlaceholder ? "Создаю документ…" : card.title || "Без названия"
+            text: card.title || (card.isGenerating ? "Создаю документ…" : "Без названия")
 
             background: Rectangle {
                 color: button.down || button.hovered ? Theme.hover : "transparent"
@@ -91,7 +93,7 @@ CardPart {
                         elide: Text.ElideRight
                         font.pixelSize: Theme.fontSmall
                         objectName: "artifactDetails"
-                        text: card.isPlaceholder ? "Готовлю…" : card.isGenerating ? kind.label + " · пишу…" : kind.label
+                        text: kind.details(kind.label, card.version, card.isGenerating)
                         width: parent.width
                     }
                 }

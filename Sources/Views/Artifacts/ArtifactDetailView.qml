@@ -6,7 +6,8 @@ FocusScope {
     id: view
 
     required property string artifactId
-    required property string title
+    property real version: -1 // below 0 without one
+    required property string title // empty when none has been told
     required property string kindName
     required property var text // a SharedText, or a string
     required property bool isGenerating
@@ -30,7 +31,9 @@ FocusScope {
     signal pdfShown // in its folder
     signal pdfDismissed
 
-    Accessible.name: title
+    readonly property string heading: title || (isGenerating ? "Создаю документ…" : "Без названия")
+
+    Accessible.name: heading
     Accessible.role: Accessible.Pane
 
     Keys.onEscapePressed: closed()
@@ -45,6 +48,7 @@ FocusScope {
     }
     // Another document begins as it looks.
     onArtifactIdChanged: tab = "preview"
+    onVersionChanged: tab = "preview"
 
     ArtifactKind {
         id: kind
@@ -60,10 +64,10 @@ FocusScope {
 
         busy: view.isDownloadingPDF
         generating: view.isGenerating
-        kindLabel: kind.label
+        details: kind.details(kind.label, view.version, view.isGenerating)
         tab: view.tab
         tabsShown: view.hasPreview
-        title: view.title
+        title: view.heading
         width: parent.width
 
         onClosed: view.closed()

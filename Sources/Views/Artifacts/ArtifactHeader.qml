@@ -5,7 +5,7 @@ FocusScope {
     id: header
 
     required property string title
-    required property string kindLabel
+    required property string details
     required property bool generating
     required property bool busy // a PDF is being made
     required property bool tabsShown
@@ -38,6 +38,7 @@ FocusScope {
                 Accessible.role: Accessible.Heading
                 elide: Text.ElideRight
                 font.weight: Font.DemiBold
+                objectName: "artifactTitle"
                 text: header.title
                 width: parent.width
             }
@@ -46,7 +47,8 @@ FocusScope {
                 elide: Text.ElideRight
                 font.pixelSize: Theme.fontSmall
                 lineHeight: Theme.px(14)
-                text: header.generating ? header.kindLabel + " · пишу…" : header.kindLabel
+                objectName: "artifactHeaderDetails"
+                text: header.details
                 width: parent.width
             }
         }

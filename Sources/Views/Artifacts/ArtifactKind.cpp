@@ -34,6 +34,7 @@ constexpr Row rows[] = {
     {u"mermaid", ArtifactKind::Diagram, u"", u"mmd", u"arrow.triangle.branch"},
     {u"markdown", ArtifactKind::Document, u"", u"md", textSymbol},
     {u"code", ArtifactKind::NoPreview, u"", u"txt", codeSymbol},
+    {u"loading", ArtifactKind::NoPreview, u"", u"txt", textSymbol}, // nobody has told yet
     {u"latex", ArtifactKind::NoPreview, u"", u"tex", textSymbol},
 };
 
@@ -52,6 +53,17 @@ QString ArtifactKind::extensionOf(const QString& kind) {
 
 QString ArtifactKind::label() const {
     return ArtifactFinder::labelOf(m_name);
+}
+
+QString ArtifactKind::details(const QString& label, qint64 version, bool isGenerating) {
+    if (label.isEmpty())
+        return isGenerating ? u"Готовлю…"_s : QString();
+    QStringList details{label};
+    if (version > 1)
+        details.append(u"версия %1"_s.arg(version));
+    if (isGenerating)
+        details.append(u"пишу…"_s);
+    return details.join(u" · "_s);
 }
 
 void ArtifactKind::setName(const QString& name) {

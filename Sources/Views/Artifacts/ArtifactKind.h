@@ -37,6 +37,9 @@ public:
     QString extension() const { return extensionOf(m_name); }
     QString symbol() const;
 
+    // The line below its title. The first version needs no number.
+    Q_INVOKABLE static QString details(const QString& label, qint64 version, bool isGenerating);
+
 signals:
     void nameChanged();
 

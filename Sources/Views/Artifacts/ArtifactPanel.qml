@@ -28,9 +28,11 @@ FocusScope {
         showShareSheet: panel.files.showShareSheet
         text: panel.artifacts.text
         title: panel.artifacts.title
+        version: panel.artifacts.shownVersion
 
         onArtifactIdChanged: panel.files.dismiss()
-        onClosed: panel.artifacts.select("")
+        onVersionChanged: panel.files.dismiss()
+        onClosed: panel.artifacts.close()
         onCopyWanted: text => panel.copy(text)
         onPdfDismissed: panel.files.dismiss()
         onPdfOpened: panel.files.openPDF()

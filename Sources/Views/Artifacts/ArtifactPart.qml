@@ -22,10 +22,12 @@ CardPart {
         focus: true
         isGenerating: part.isGenerating
         isSelected: artifact.artifactId.length > 0 && part.context?.artifacts?.shownArtifactId === artifact.artifactId
+            && part.context.artifacts.shownVersion === artifact.version
         kindName: artifact.kind
         title: artifact.title
+        version: artifact.version
         width: part.width
 
-        onChosen: part.context?.artifacts?.select(artifact.artifactId)
+        onChosen: part.context?.artifacts?.select(artifact.artifactId, artifact.version)
     }
 }

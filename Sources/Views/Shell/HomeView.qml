@@ -101,7 +101,7 @@ FocusScope {
             focus: true
             open: home.chat.artifacts.isOpen
 
-            onCloseWanted: home.chat.artifacts.select("")
+            onCloseWanted: home.chat.artifacts.close()
 
             panel: Component {
                 Loader {

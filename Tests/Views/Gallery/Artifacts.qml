@@ -41,7 +41,7 @@ for i in range(3):
         ArtifactCardView {
             isGenerating: true
             kindName: "loading"
-            title: "Loading..."
+            title: ""
             width: column.width
         }
         ArtifactCardView {
@@ -54,6 +54,7 @@ for i in range(3):
             isGenerating: false
             isSelected: true
             kindName: "python"
+            version: 2
             title: "Площадь круга и другие вещи, о которых говорит очень длинный заголовок"
             width: column.width
         }
