@@ -11,7 +11,8 @@ WholePart {
 
     readonly property bool isReady: drawing.isReady && !isOpen
     property bool showsSource: isOpen // and does so until there is something better
-    property real grownHeight: 1 // grows and never shrinks, so that nothing below it jumps
+    property real grownHeight: 1 // a drawing grows and never shrinks, so that nothing below it jumps
+    property real drawnHeight: 0 // of the largest drawing so far; 0 before the first
 
     signal enlargeWanted(string code)
 
@@ -20,8 +21,13 @@ WholePart {
     }
 
     function grow(): void {
-        const wanted = raw.visible ? raw.needed : isReady ? drawing.height + 2 * Theme.diagramMargin : 1
-        grownHeight = Math.max(grownHeight, wanted)
+        // Half of the line that closed it was shown as code, and goes with its height.
+        if (raw.visible) {
+            grownHeight = Math.max(drawnHeight, raw.needed)
+        } else if (isReady) {
+            drawnHeight = Math.max(drawnHeight, drawing.height + 2 * Theme.diagramMargin)
+            grownHeight = Math.max(grownHeight, drawnHeight)
+        }
     }
 
     Accessible.description: code
@@ -41,15 +47,12 @@ WholePart {
         event.accepted = event.accepted || copies
     }
     onCodeChanged: {
-        if (!isOpen)
-            grownHeight = raw.visible ? raw.needed : 1 // another diagram
+        if (!isOpen) { // another diagram
+            drawnHeight = 0
+            grownHeight = raw.visible ? raw.needed : 1
+        }
     }
-    onIsOpenChanged: {
-        if (isOpen)
-            showsSource = true
-        else if (raw.visible)
-            grownHeight = raw.needed // half of the line that closed it was shown as code
-    }
+    onIsOpenChanged: if (isOpen) showsSource = true
     onIsReadyChanged: {
         if (isReady)
             showsSource = false
